@@ -1,0 +1,23 @@
+# One interface target carries the warnings and instrumentation of every target of this project.
+add_library(tessel_compile INTERFACE)
+target_compile_options(tessel_compile INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
+  -Wcast-qual -Wundef)
+if(TESSEL_WERROR)
+  target_compile_options(tessel_compile INTERFACE -Werror)
+endif()
+if(TESSEL_SANITIZE)
+  target_compile_options(tessel_compile INTERFACE -fsanitize=${TESSEL_SANITIZE} -fno-omit-frame-pointer)
+  target_link_options(tessel_compile INTERFACE -fsanitize=${TESSEL_SANITIZE})
+  if(TESSEL_SANITIZE MATCHES "undefined")
+    target_compile_options(tessel_compile INTERFACE -fno-sanitize-recover=undefined)
+  endif()
+endif()
+if(TESSEL_COVERAGE)
+  target_compile_options(tessel_compile INTERFACE --coverage)
+  target_link_options(tessel_compile INTERFACE --coverage)
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT TESSEL_SANITIZE)
+  target_compile_options(tessel_compile INTERFACE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+  target_link_options(tessel_compile INTERFACE -Wl,-z,relro,-z,now -Wl,--as-needed)
+endif()
