@@ -1,0 +1,74 @@
+#ifndef TESSEL_DEVICEMANAGER_H
+#define TESSEL_DEVICEMANAGER_H
+
+#include <tessel/Export.h>
+#include <tessel/Handler.h>
+
+#include <string>
+
+/** Scope of a login, handed to the array as it is; the array's documentation says which values it knows. */
+enum USERTYPE : int
+{
+    USERTYPE_LOCAL = 0, ///< a user kept on the array itself
+    USERTYPE_DOMAIN = 1 ///< a user of the directory service that the array is joined to
+};
+
+/**
+ * One storage array: the session with its management interface, and the handlers of its objects.
+ *
+ * Instances may be created and released from any thread; one instance and its handlers are used by one thread
+ * at a time. The session operations never throw; they return false and write the reason to the run log.
+ */
+class TESSEL_API CDeviceManager
+{
+public:
+    virtual ~CDeviceManager();
+
+    /**
+     * Makes a device manager. The first live instance of the process starts logging and sets the retry
+     * values; later values are ignored until every instance has been released.
+     * @param retryTimes how many times a create reads its new object again while the array says that it is
+     * not yet readable.
+     * @param retrySleepMicroSeconds pause before each of these reads, in microseconds.
+     */
+    static CDeviceManager* getInstance(unsigned int retryTimes, unsigned int retrySleepMicroSeconds);
+
+    /**
+     * Deletes a device manager and its handlers; null is accepted. Does not log out: call logoutDevice
+     * before. The last release of the process stops logging.
+     */
+    static void releaseInstance(CDeviceManager* p);
+
+    /**
+     * Opens a session.
+     * @param ip IPv4 or IPv6 address of the management interface, without brackets.
+     * @param port 1 to 65535.
+     * @param userName, password neither may be empty.
+     * @return true when the session is open.
+     */
+    virtual bool loginDevice(const std::string& ip, const unsigned int& port, const std::string& userName,
+                             const std::string& password, const USERTYPE& scope) = 0;
+
+    /** Ends the session on the array; false when the array could not be reached or refused. */
+    virtual bool logoutDevice() = 0;
+
+    /** Tells the array that the session is in use, so that its idle time-out starts again. */
+    virtual bool keepAlive() = 0;
+
+    /**
+     * The handler of a type, made at the first call and the same object ever after; owned by this instance.
+     * Cast it to the interface that HANDLERTYPE names. Null for any other value.
+     */
+    virtual CHandler* getHandler(HANDLERTYPE type) = 0;
+
+    /**
+     * Adopts a session that was opened elsewhere. No request is sent.
+     * @param port not checked.
+     * @param cookie value for the Cookie header, as the login answer gave it.
+     * @return false when a text is empty or ip is not an address.
+     */
+    virtual bool useConnection(const std::string& ip, const unsigned int& port, const std::string& deviceId,
+                               const std::string& token, const std::string& cookie) = 0;
+};
+
+#endif

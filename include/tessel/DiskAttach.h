@@ -1,0 +1,45 @@
+#ifndef TESSEL_DISKATTACH_H
+#define TESSEL_DISKATTACH_H
+
+#include <tessel/Handler.h>
+
+#include <string>
+
+/**
+ * Makes a LUN or snapshot visible to one host, and takes it away again, on the array;
+ * CDeviceManager::getHandler(DISKATTACH_HANDLER). The host's own side is CDiskScannerHandler's.
+ *
+ * A failure in the middle leaves the objects created so far on the array. Failures to add to a LUN group, a
+ * host group or a mapping view are logged and not thrown: list the host's LUNs afterwards to be sure.
+ */
+class TESSEL_API CDiskAttachHandler : public CHandler
+{
+public:
+    /**
+     * Creates a LUN group, a host group and a mapping view with generated names and binds the LUN to the
+     * initiator's host through them. An initiator without a host gets a new one.
+     * @param hostIP IP of the host record, used only when it is created.
+     * @return 0 mapped, 1 already visible to the host.
+     */
+    virtual int attachLunToHost(const std::string& lunID, const std::string& iscsiInitiatorID,
+                                const std::string& hostIP) = 0;
+
+    /**
+     * Removes the LUN from every LUN group that reaches the initiator's host, and deletes LUN groups that
+     * become empty. Host, host group and mapping view stay. Remove the host's devices before
+     * (CDiskScannerHandler::scanLunBeforeDetach).
+     * @param iscsiInitiatorID "0" detaches the LUN from every host.
+     * @return 0.
+     */
+    virtual int detachLunFromHost(const std::string& lunID, const std::string& iscsiInitiatorID) = 0;
+
+    /** attachLunToHost for a snapshot. */
+    virtual int attachSnapshotToHost(const std::string& snapshotID, const std::string& iscsiInitiatorID,
+                                     const std::string& hostIP) = 0;
+
+    /** detachLunFromHost for a snapshot. */
+    virtual int detachSnapshotFromHost(const std::string& snapshotID,
+                                       const std::string& iscsiInitiatorID) = 0;
+};
+
+#endif

@@ -1,0 +1,7 @@
+#ifndef TESSEL_EXPORT_H
+#define TESSEL_EXPORT_H
+
+/** Marks what the shared object shows to the programs that link it. */
+#define TESSEL_API __attribute__((visibility("default")))
+
+#endif

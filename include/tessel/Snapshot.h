@@ -1,0 +1,73 @@
+#ifndef TESSEL_SNAPSHOT_H
+#define TESSEL_SNAPSHOT_H
+
+#include <tessel/Handler.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/** A point-in-time copy of a LUN. */
+class TESSEL_API SnapshotMO
+{
+public:
+    SnapshotMO() = default;
+    SnapshotMO(const SnapshotMO&) = default;
+    SnapshotMO& operator=(const SnapshotMO&) = default;
+    virtual ~SnapshotMO() = default;
+
+    std::string ID;
+    std::string NAME;
+    int32_t PARENTTYPE = 0;     ///< object type of the source
+    std::string PARENTID;       ///< ID of the source LUN
+    std::string PARENTNAME;     ///< name of the source LUN
+    uint32_t HEALTHSTATUS = 0;  ///< the array's code; 0: unset
+    uint32_t RUNNINGSTATUS = 0; ///< the array's code; 0: unset
+    std::string DESCRIPTION;
+    uint64_t USERCAPACITY = UINT64_MAX;     ///< capacity in the array's units; all ones: not read
+    uint64_t CONSUMEDCAPACITY = UINT64_MAX; ///< consumed capacity in the array's units; all ones: not read
+    std::string WWN;                        ///< what the host sees in the disk's SCSI identity
+};
+
+/** Which snapshots to list: the set fields of filter, and a page. */
+class TESSEL_API SnapshotQuery
+{
+public:
+    SnapshotQuery() = default;
+    SnapshotQuery(SnapshotMO& snapshot, unsigned long startIndex, unsigned long pageSize)
+        : filter(snapshot), start(startIndex), count(pageSize)
+    {
+    }
+    virtual ~SnapshotQuery() = default;
+
+    SnapshotMO filter;       ///< ID, NAME, PARENTID, RUNNINGSTATUS, HEALTHSTATUS count
+    unsigned long start = 0; ///< index of the first record
+    unsigned long count =
+        0; ///< number of records; 0: no range is asked for, the array answers its default page
+};
+
+/** Reads snapshots; CDeviceManager::getHandler(SNAPSHOT_HANDLER). */
+class TESSEL_API CSnapshotHandler : public CHandler
+{
+public:
+    /** Reads one snapshot; a record with an empty ID when the array answers without one. */
+    virtual SnapshotMO getSnapshot(const std::string& snapshotID) = 0;
+
+    /** Lists the snapshots of a LUN group; one request, and one more for each snapshot. */
+    virtual std::vector<SnapshotMO> getSnapshotByLunGroup(const std::string& lunGroupID,
+                                                          SnapshotQuery& query) = 0;
+
+    /** Lists the snapshots that mapping views expose to a host; one request, and one more for each snapshot.
+     */
+    virtual std::vector<SnapshotMO> getSnapshotByHost(const std::string& hostID, SnapshotQuery& query) = 0;
+
+    /**
+     * Lists the snapshots associated with any object.
+     * @param interfaceName name under which failures and the interface record of the search are written.
+     */
+    virtual std::vector<SnapshotMO> getSnapshotByCondition(const std::string& objID, MOType objType,
+                                                           SnapshotQuery& query,
+                                                           const std::string& interfaceName) = 0;
+};
+
+#endif

@@ -1,0 +1,23 @@
+#ifndef TESSEL_TESSEL_H
+#define TESSEL_TESSEL_H
+
+/** Everything the SDK exports. */
+
+#include <tessel/DeviceManager.h>
+#include <tessel/DiskAttach.h>
+#include <tessel/DiskScanner.h>
+#include <tessel/ETHPort.h>
+#include <tessel/Exception.h>
+#include <tessel/FCInitiator.h>
+#include <tessel/FCPort.h>
+#include <tessel/FCoEPort.h>
+#include <tessel/Fields.h>
+#include <tessel/Host.h>
+#include <tessel/HostGroup.h>
+#include <tessel/IscsiInitiator.h>
+#include <tessel/Lun.h>
+#include <tessel/LunGroup.h>
+#include <tessel/MappingView.h>
+#include <tessel/Snapshot.h>
+
+#endif
