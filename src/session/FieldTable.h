@@ -1,0 +1,156 @@
+#ifndef SESSION_FIELDTABLE_H
+#define SESSION_FIELDTABLE_H
+
+#include <ovra/rest/RestResponse.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+/**
+ * One field of a record: its name, the JSON key that it is read from, and how. A record's fields are declared
+ * once, in a specialisation of FieldTable; reading answers, writing filters and walking records all go by
+ * that table.
+ */
+template <class Record, class T>
+struct Field
+{
+    using Reader = void (*)(T& out, Json::Value& record, const char* key);
+
+    const char* name;
+    T Record::*member;
+    const char* key;
+    Reader read; ///< null: the field is never read from the array
+    bool secret = false;
+};
+
+/** Specialised for every record with a static constexpr tuple "fields", in the order of the record's members.
+ */
+template <class Record>
+struct FieldTable;
+
+namespace readers {
+
+inline std::string text(Json::Value& record, const char* key)
+{
+    return record[key].asString();
+}
+
+template <class T>
+T saturated(uint64_t value)
+{
+    return static_cast<T>(std::min<uint64_t>(value, std::numeric_limits<T>::max()));
+}
+
+inline void asText(std::string& out, Json::Value& record, const char* key)
+{
+    out = text(record, key);
+}
+
+inline void asTextIfPresent(std::string& out, Json::Value& record, const char* key)
+{
+    if (record.isMember(key)) {
+        out = text(record, key);
+    }
+}
+
+template <class T>
+void asUl(T& out, Json::Value& record, const char* key)
+{
+    out = saturated<T>(RestResponse::str2ul(text(record, key)));
+}
+
+template <class T>
+void asUll(T& out, Json::Value& record, const char* key)
+{
+    out = saturated<T>(RestResponse::str2ull(text(record, key)));
+}
+
+inline void asJsonUnsigned(uint32_t& out, Json::Value& record, const char* key)
+{
+    out = record[key].asUInt();
+}
+
+inline void asJsonSigned(int32_t& out, Json::Value& record, const char* key)
+{
+    out = record[key].asInt();
+}
+
+/** As the C function does it: a text that is not a number reads as 0. */
+inline void asAtoi(int64_t& out, Json::Value& record, const char* key)
+{
+    out = std::atoi(text(record, key).c_str()); // NOLINT(cert-err34-c): 0 is what is wanted
+}
+
+/** Set only by exactly "true". */
+template <class T>
+void asFlag(T& out, Json::Value& record, const char* key)
+{
+    out = text(record, key) == "true" ? T(1) : T(0);
+}
+
+} // namespace readers
+
+namespace fields {
+
+template <class R, class T>
+constexpr Field<R, T> read(const char* key, T R::*member, typename Field<R, T>::Reader reader)
+{
+    return {key, member, key, reader, false};
+}
+
+/** A field whose JSON key is not its name, or that takes more than its key to read. */
+template <class R, class T>
+constexpr Field<R, T> named(const char* name, T R::*member, const char* key,
+                            typename Field<R, T>::Reader reader)
+{
+    return {name, member, key, reader, false};
+}
+
+template <class R, class T>
+constexpr Field<R, T> notRead(const char* name, T R::*member)
+{
+    return {name, member, name, nullptr, false};
+}
+
+/** A field that is sent and never read, nor shown. */
+template <class R, class T>
+constexpr Field<R, T> secret(const char* name, T R::*member)
+{
+    return {name, member, name, nullptr, true};
+}
+
+} // namespace fields
+
+/** Reads every field of a record, in the order of its table. */
+template <class Record>
+Record readRecord(Json::Value& json)
+{
+    Record record;
+    std::apply(
+        [&](const auto&... field) {
+            ((field.read != nullptr ? field.read(record.*field.member, json, field.key) : void()), ...);
+        },
+        FieldTable<Record>::fields);
+    return record;
+}
+
+/** The JSON key of a member. */
+template <class Record, class T>
+const char* keyOf(T Record::*member)
+{
+    const char* key = nullptr;
+    const auto consider = [&](const auto& field) {
+        if constexpr (std::is_same_v<decltype(field.member), T Record::*>) {
+            key = field.member == member ? field.key : key;
+        }
+    };
+    std::apply([&](const auto&... field) { (consider(field), ...); }, FieldTable<Record>::fields);
+    return key;
+}
+
+#endif

@@ -1,0 +1,3 @@
+#include <tessel/Handler.h>
+
+CHandler::~CHandler() = default;

@@ -1,0 +1,37 @@
+#include "session/Url.h"
+
+#include <cstring>
+
+std::string urlValue(const std::string& text)
+{
+    static const char HEX[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F || std::strchr("%&#+?/", c) != nullptr) {
+            encoded += {'%', HEX[byte >> 4], HEX[byte & 0xF]};
+        } else {
+            encoded += c;
+        }
+    }
+    return encoded;
+}
+
+std::string associatedWith(unsigned long otherType, const std::string& otherId)
+{
+    return "ASSOCIATEOBJTYPE=" + std::to_string(otherType) + "&ASSOCIATEOBJID=" + urlValue(otherId);
+}
+
+std::string associationOf(MOType ownType, unsigned long otherType, const std::string& otherId)
+{
+    return "TYPE=" + std::to_string(ownType) + "&" + associatedWith(otherType, otherId);
+}
+
+std::string rangeOf(unsigned long start, unsigned long count, const char* separator)
+{
+    if (count == 0) {
+        return std::string();
+    }
+    return std::string(separator) + "range=[" + std::to_string(start) + "-" + std::to_string(start + count) +
+           "]";
+}

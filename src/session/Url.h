@@ -1,0 +1,46 @@
+#ifndef SESSION_URL_H
+#define SESSION_URL_H
+
+#include "session/FieldTable.h"
+
+#include <tessel/Handler.h>
+
+#include <string>
+
+/**
+ * A text of the caller's inside a path: what would end it, or begin something else, is percent-encoded, so
+ * that no name adds a condition and no ID reaches another resource.
+ */
+std::string urlValue(const std::string& text);
+
+/** "TYPE=own&ASSOCIATEOBJTYPE=other&ASSOCIATEOBJID=id" */
+std::string associationOf(MOType ownType, unsigned long otherType, const std::string& otherId);
+/** The same without a type of its own. */
+std::string associatedWith(unsigned long otherType, const std::string& otherId);
+
+/** "range=[start-end]" behind the separator; empty when count is 0. */
+std::string rangeOf(unsigned long start, unsigned long count, const char* separator);
+
+/** "filter=KEY:value and KEY:value&" of those members that differ from what an unset record holds. */
+template <class Record, class... Members>
+std::string filterOf(const Record& record, Members... members)
+{
+    const Record unset;
+    std::string filter;
+    const auto consider = [&](auto member) {
+        if (record.*member == unset.*member) {
+            return;
+        }
+        filter += filter.empty() ? "filter=" : " and ";
+        filter += std::string(keyOf(member)) + ":";
+        if constexpr (std::is_same_v<decltype(member), std::string Record::*>) {
+            filter += urlValue(record.*member);
+        } else {
+            filter += std::to_string(record.*member);
+        }
+    };
+    (consider(members), ...);
+    return filter.empty() ? filter : filter + "&";
+}
+
+#endif
