@@ -1,0 +1,18 @@
+#ifndef ACCESS_HOSTGROUPFIELDS_H
+#define ACCESS_HOSTGROUPFIELDS_H
+
+#include "session/FieldTable.h"
+
+#include <tessel/HostGroup.h>
+
+template <>
+struct FieldTable<HostGroupMO>
+{
+    static constexpr auto fields =
+        std::make_tuple(fields::read("ID", &HostGroupMO::ID, readers::asText),
+                        fields::read("NAME", &HostGroupMO::NAME, readers::asText),
+                        fields::read("DESCRIPTION", &HostGroupMO::DESCRIPTION, readers::asText),
+                        fields::read("ISADD2MAPPINGVIEW", &HostGroupMO::ISADD2MAPPINGVIEW, readers::asFlag));
+};
+
+#endif

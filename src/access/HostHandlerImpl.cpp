@@ -1,0 +1,37 @@
+#include "access/HostHandlerImpl.h"
+
+#include "access/HostFields.h"
+#include "session/Operation.h"
+#include "session/Texts.h"
+#include "session/Url.h"
+
+HostMO CHostHandlerImpl::createHost(HostMO& host)
+{
+    return Operation::run("createHost", m_pDeviceManager, [&](Operation& op) {
+        op.addIfSet("ID", host.ID);
+        op.add("TYPE", int{MO_HOST});
+        op.require(!host.NAME.empty(), "Host name is empty! ");
+        op.add("NAME", host.NAME);
+        // A warning only, by design: the unset value is sent as it is.
+        op.expect(host.OPERATIONSYSTEM != HostMO().OPERATIONSYSTEM,
+                  "OperationSystem value is initial value! ");
+        op.add("OPERATIONSYSTEM", static_cast<int>(host.OPERATIONSYSTEM));
+        if (host.PARENTTYPE != 0) {
+            op.add("PARENTTYPE", static_cast<int>(host.PARENTTYPE));
+        }
+        op.addIfSet("PARENTID", host.PARENTID);
+        op.addIfSet("LOCATION", host.LOCATION);
+        op.addIfSet("DESCRIPTION", host.DESCRIPTION);
+        op.addIfSet("IP", host.IP);
+        const std::string id = op.post("/host").id();
+        return retryWhile({NOT_YET_READABLE}, "retry get host!", [&] { return getHost(id); });
+    });
+}
+
+HostMO CHostHandlerImpl::getHost(const std::string& hostID)
+{
+    return Operation::run("getHost", m_pDeviceManager, [&](Operation& op) {
+        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+        return op.get("/host/" + urlValue(hostID)).read<HostMO>();
+    });
+}

@@ -1,0 +1,138 @@
+#include "access/MappingViewHandlerImpl.h"
+
+#include "access/MappingViewFields.h"
+#include "session/Operation.h"
+#include "session/Texts.h"
+#include "session/Url.h"
+
+MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingView)
+{
+    return Operation::run("createMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.addIfSet("ID", mappingView.ID);
+        op.add("TYPE", int{MO_MAPPINGVIEW});
+        op.require(!mappingView.NAME.empty(), "MappingView name is empty! ");
+        op.add("NAME", mappingView.NAME);
+        op.add("ENABLEINBANDCOMMAND", mappingView.ENABLEINBANDCOMMAND != 0);
+        op.addIfSet("DESCRIPTION", mappingView.DESCRIPTION);
+        const std::string id = op.post("/mappingview").id();
+        return retryWhile({NOT_YET_READABLE}, "retry get mapping view!", [&] { return getMappingView(id); });
+    });
+}
+
+void CMappingViewHandlerImpl::deleteMappingView(const std::string& mappingViewID)
+{
+    Operation::run("deleteMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+        op.del("/mappingview/" + urlValue(mappingViewID));
+    });
+}
+
+MappingViewMO CMappingViewHandlerImpl::getMappingView(const std::string& mappingViewID)
+{
+    return Operation::run("getMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+        return op.get("/mappingview/" + urlValue(mappingViewID)).read<MappingViewMO>();
+    });
+}
+
+void CMappingViewHandlerImpl::addLunGroupToMappingView(const std::string& lunGroupID,
+                                                       const std::string& mappingViewID)
+{
+    Operation::run("addLunGroupToMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+        associateWithMaskingView(lunGroupID, mappingViewID, MO_LUNGROUP, op.name());
+    });
+}
+
+void CMappingViewHandlerImpl::removeLunGroupFromMappingView(const std::string& lunGroupID,
+                                                            const std::string& mappingViewID)
+{
+    Operation::run("removeLunGroupFromMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+        removeAssociateFromMappingView(lunGroupID, mappingViewID, MO_LUNGROUP, op.name());
+    });
+}
+
+void CMappingViewHandlerImpl::addHostGroupToMappingView(const std::string& hostGroupID,
+                                                        const std::string& mappingViewID)
+{
+    Operation::run("addHostGroupToMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.require(!hostGroupID.empty(), texts::HOSTGROUP_ID_EMPTY);
+        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+        associateWithMaskingView(hostGroupID, mappingViewID, MO_HOSTGROUP, op.name());
+    });
+}
+
+void CMappingViewHandlerImpl::removeHostGroupFromMappingView(const std::string& hostGroupID,
+                                                             const std::string& mappingViewID)
+{
+    Operation::run("removeHostGroupFromMappingView", m_pDeviceManager, [&](Operation& op) {
+        op.require(!hostGroupID.empty(), texts::HOSTGROUP_ID_EMPTY);
+        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+        removeAssociateFromMappingView(hostGroupID, mappingViewID, MO_HOSTGROUP, op.name());
+    });
+}
+
+std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByLunGroup(const std::string& lunGroupID,
+                                                                             MappingViewQuery& query)
+{
+    return Operation::run("getMappingViewByLunGroup", m_pDeviceManager, [&](Operation& op) {
+        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+        return getMappingViewByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
+    });
+}
+
+std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByHostGroup(const std::string& hostGroupID,
+                                                                              MappingViewQuery& query)
+{
+    return Operation::run("getMappingViewByHostGroup", m_pDeviceManager, [&](Operation& op) {
+        op.require(!hostGroupID.empty(), texts::HOSTGROUP_ID_EMPTY);
+        return getMappingViewByCondition(hostGroupID, MO_HOSTGROUP, query, op.name());
+    });
+}
+
+void CMappingViewHandlerImpl::associateWithMaskingView(const std::string& objID,
+                                                       const std::string& mappingViewID,
+                                                       unsigned long objType, const std::string& callerName)
+{
+    const Frame frame = Frame("associateWithMaskingView").errorsAs(callerName);
+    Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
+        op.add("TYPE", int{MO_MAPPINGVIEW});
+        op.add("ID", mappingViewID);
+        op.add("ASSOCIATEOBJTYPE", objType);
+        op.add("ASSOCIATEOBJID", objID);
+        op.put("/mappingview/create_associate");
+    });
+}
+
+void CMappingViewHandlerImpl::removeAssociateFromMappingView(const std::string& objID,
+                                                             const std::string& mappingViewID,
+                                                             unsigned long objType,
+                                                             const std::string& callerName)
+{
+    const Frame frame = Frame("removeAssociateFromMappingView").errorsAs(callerName);
+    Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
+        op.add("ID", mappingViewID); // ahead of "TYPE" here, behind it when adding
+        op.add("TYPE", int{MO_MAPPINGVIEW});
+        op.add("ASSOCIATEOBJTYPE", objType);
+        op.add("ASSOCIATEOBJID", objID);
+        op.put("/mappingview/remove_associate");
+    });
+}
+
+std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByCondition(const std::string& objID,
+                                                                              MOType objType,
+                                                                              MappingViewQuery& query,
+                                                                              const std::string& callerName)
+{
+    const Frame frame = Frame("getMappingViewByCondition").errorsAs(callerName);
+    return Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
+        const std::string filter = filterOf(query.filter, &MappingViewMO::ID, &MappingViewMO::NAME);
+        return op
+            .get("/mappingview/associate?" + filter + associationOf(MO_MAPPINGVIEW, objType, objID) +
+                 rangeOf(query.start, query.count, "&"))
+            .readEach([&](const std::string& id) { return getMappingView(id); });
+    });
+}

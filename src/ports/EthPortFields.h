@@ -1,0 +1,33 @@
+#ifndef PORTS_ETHPORTFIELDS_H
+#define PORTS_ETHPORTFIELDS_H
+
+#include "session/FieldTable.h"
+
+#include <tessel/ETHPort.h>
+
+template <>
+struct FieldTable<ETHPortMO>
+{
+    using MO = ETHPortMO;
+    static constexpr auto fields = std::make_tuple(
+        fields::read("ID", &MO::ID, readers::asText), fields::read("NAME", &MO::NAME, readers::asText),
+        fields::read("LOCATION", &MO::LOCATION, readers::asText),
+        fields::read("HEALTHSTATUS", &MO::HEALTHSTATUS, readers::asUl),
+        fields::read("RUNNINGSTATUS", &MO::RUNNINGSTATUS, readers::asUl),
+        fields::read("LOGICTYPE", &MO::LOGICTYPE, readers::asUl),
+        fields::read("MACADDRESS", &MO::MACADDRESS, readers::asText),
+        fields::read("INIORTGT", &MO::INIORTGT, readers::asUl), fields::read("MTU", &MO::MTU, readers::asUl),
+        fields::read("ISCSITCPPORT", &MO::ISCSITCPPORT, readers::asText),
+        fields::read("ISCSINAME", &MO::ISCSINAME, readers::asText),
+        fields::read("ERRORPACKETS", &MO::ERRORPACKETS, readers::asUl),
+        fields::read("LOSTPACKETS", &MO::LOSTPACKETS, readers::asUl),
+        fields::read("OVERFLOWEDPACKETS", &MO::OVERFLOWEDPACKETS, readers::asUl),
+        fields::read("STARTTIME", &MO::STARTTIME, readers::asUl),
+        fields::read("SPEED", &MO::SPEED, readers::asUl),
+        fields::read("IPV4MASK", &MO::IPV4MASK, readers::asText),
+        fields::read("IPV4ADDRESS", &MO::IPV4ADDRESS, readers::asText),
+        fields::read("IPV6MASK", &MO::IPV6MASK, readers::asText),
+        fields::read("IPV6ADDRESS", &MO::IPV6ADDRESS, readers::asText));
+};
+
+#endif

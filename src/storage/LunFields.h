@@ -1,0 +1,60 @@
+#ifndef STORAGE_LUNFIELDS_H
+#define STORAGE_LUNFIELDS_H
+
+#include "session/FieldTable.h"
+
+#include <tessel/Lun.h>
+
+namespace readers {
+
+inline void poolType(uint32_t& out, Json::Value&, const char*)
+{
+    out = MO_STORAGEPOOL;
+}
+
+/** Sectors to bytes; more than 64 bits hold reads as unset. */
+inline void asBytes(uint64_t& out, Json::Value& record, const char* key)
+{
+    uint64_t sectors = 0;
+    uint64_t sectorSize = 0;
+    asUll(sectors, record, key);
+    asUll(sectorSize, record, "SECTORSIZE");
+    if (__builtin_mul_overflow(sectors, sectorSize, &out)) {
+        out = UINT64_MAX;
+    }
+}
+
+inline void asThinUsage(uint64_t& out, Json::Value& record, const char* key)
+{
+    if (RestResponse::str2ul(text(record, "ALLOCTYPE")) == 1 && record.isMember(key)) {
+        asUll(out, record, key);
+    }
+}
+
+} // namespace readers
+
+template <>
+struct FieldTable<LunMO>
+{
+    static constexpr auto fields = std::make_tuple(
+        fields::read("ID", &LunMO::ID, readers::asText), fields::read("NAME", &LunMO::NAME, readers::asText),
+        fields::read("PARENTTYPE", &LunMO::PARENTTYPE, readers::poolType),
+        fields::read("PARENTID", &LunMO::PARENTID, readers::asText),
+        fields::read("PARENTNAME", &LunMO::PARENTNAME, readers::asText),
+        fields::read("HEALTHSTATUS", &LunMO::HEALTHSTATUS, readers::asUl),
+        fields::read("RUNNINGSTATUS", &LunMO::RUNNINGSTATUS, readers::asUl),
+        fields::read("DESCRIPTION", &LunMO::DESCRIPTION, readers::asText),
+        fields::read("ALLOCTYPE", &LunMO::ALLOCTYPE, readers::asUl),
+        fields::read("CAPACITY", &LunMO::CAPACITY, readers::asBytes),
+        fields::read("ALLOCCAPACITY", &LunMO::ALLOCCAPACITY, readers::asBytes),
+        // The same key a second time, unscaled, on purpose.
+        fields::named("ALLOCCAPACITYRAW", &LunMO::ALLOCCAPACITYRAW, "ALLOCCAPACITY", readers::asUll),
+        fields::read("THINCAPACITYUSAGE", &LunMO::THINCAPACITYUSAGE, readers::asThinUsage),
+        fields::read("EXPOSEDTOINITIATOR", &LunMO::EXPOSEDTOINITIATOR, readers::asFlag),
+        fields::read("WWN", &LunMO::WWN, readers::asText),
+        fields::read("OWNINGCONTROLLER", &LunMO::OWNINGCONTROLLER, readers::asText),
+        fields::read("WORKINGCONTROLLER", &LunMO::WORKINGCONTROLLER, readers::asText),
+        fields::read("ISADD2LUNGROUP", &LunMO::ISADD2LUNGROUP, readers::asFlag));
+};
+
+#endif

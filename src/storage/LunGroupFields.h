@@ -1,0 +1,20 @@
+#ifndef STORAGE_LUNGROUPFIELDS_H
+#define STORAGE_LUNGROUPFIELDS_H
+
+#include "session/FieldTable.h"
+
+#include <tessel/LunGroup.h>
+
+template <>
+struct FieldTable<LunGroupMO>
+{
+    static constexpr auto fields =
+        std::make_tuple(fields::read("ID", &LunGroupMO::ID, readers::asText),
+                        fields::read("NAME", &LunGroupMO::NAME, readers::asText),
+                        fields::read("DESCRIPTION", &LunGroupMO::DESCRIPTION, readers::asText),
+                        fields::read("ISADD2MAPPINGVIEW", &LunGroupMO::ISADD2MAPPINGVIEW, readers::asFlag),
+                        fields::read("APPTYPE", &LunGroupMO::APPTYPE, readers::asUl),
+                        fields::read("GROUPTYPE", &LunGroupMO::GROUPTYPE, readers::asUl));
+};
+
+#endif

@@ -1,0 +1,102 @@
+#include "storage/LunHandlerImpl.h"
+
+#include "session/Operation.h"
+#include "session/Texts.h"
+#include "session/Url.h"
+#include "storage/LunFields.h"
+
+namespace {
+
+const unsigned int SECTOR_SHIFT = 9; // 512-byte sectors
+const uint32_t THIN = 1;
+const uint64_t MAX_USAGE_PERCENT = 100;
+const useconds_t SETTLE_MICROSECONDS = 200000; // a new LUN is seldom readable earlier
+
+void addCapacities(Operation& op, const LunMO& lun)
+{
+    using Sectors = unsigned long long;
+    op.add("CAPACITY", Sectors{lun.CAPACITY >> SECTOR_SHIFT});
+    op.addIfSet("DESCRIPTION", lun.DESCRIPTION);
+    op.add("ALLOCTYPE", lun.ALLOCTYPE == THIN ? 1 : 0);
+    if (lun.ALLOCTYPE == THIN) {
+        op.add("INITIALALLOCCAPACITY", Sectors{lun.ALLOCCAPACITY >> SECTOR_SHIFT});
+        if (lun.THINCAPACITYUSAGE <= MAX_USAGE_PERCENT) {
+            op.add("THINCAPACITYUSAGE", Sectors{lun.THINCAPACITYUSAGE});
+        }
+    }
+}
+
+void addTuning(Operation& op, const LunMO& lun)
+{
+    const CLunUserSettableFeature tuning;
+    op.add("MIRRORPOLICY", tuning.mirrorPolicy);
+    op.add("WRITEPOLICY", tuning.writePolicy);
+    op.add("PREFETCHPOLICY", tuning.prefetchPolicy);
+    if (tuning.prefetchPolicy == 1 || tuning.prefetchPolicy == 2) {
+        op.add("PREFETCHVALUE", tuning.prefetchValue);
+    }
+    op.addIfSet("OWNINGCONTROLLER", lun.OWNINGCONTROLLER);
+    op.add("DATATRANSFERPOLICY", tuning.dataTransferPolicy);
+    op.add("INITIALDISTRIBUTEPOLICY", tuning.initialDistributePolicy);
+}
+
+} // namespace
+
+LunMO CLunHandlerImpl::createLun(LunMO& lun)
+{
+    return Operation::run("createLun", m_pDeviceManager, [&](Operation& op) {
+        op.addIfSet("ID", lun.ID);
+        op.add("TYPE", int{MO_LUN});
+        op.require(!lun.NAME.empty(), "Lun name is empty! ");
+        op.add("NAME", lun.NAME);
+        op.add("PARENTTYPE", int{MO_STORAGEPOOL});
+        op.require(!lun.PARENTID.empty(), "ParentID is empty! ");
+        op.add("PARENTID", lun.PARENTID);
+        op.require(lun.CAPACITY != LunMO().CAPACITY,
+                   "Capacity value is initial value"); // without a blank, as it is
+        addCapacities(op, lun);
+        addTuning(op, lun);
+        const std::string id = op.post("/lun").id();
+        usleep(SETTLE_MICROSECONDS);
+        return retryWhile({NOT_YET_READABLE}, "retry get lun!", [&] { return getLun(id); });
+    });
+}
+
+LunMO CLunHandlerImpl::getLun(const std::string& lunID)
+{
+    return Operation::run("getLun", m_pDeviceManager, [&](Operation& op) {
+        op.require(!lunID.empty(), texts::LUN_ID_EMPTY);
+        return op.get("/lun/" + urlValue(lunID)).read<LunMO>();
+    });
+}
+
+std::vector<LunMO> CLunHandlerImpl::getLunByLunGroup(const std::string& lunGroupID, LunQuery& query)
+{
+    return Operation::run("getLunByLunGroup", m_pDeviceManager, [&](Operation& op) {
+        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+        return getLunByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
+    });
+}
+
+std::vector<LunMO> CLunHandlerImpl::getLunByHost(const std::string& hostID, LunQuery& query)
+{
+    return Operation::run("getLunByHost", m_pDeviceManager, [&](Operation& op) {
+        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+        return getLunByCondition(hostID, MO_HOST, query, op.name());
+    });
+}
+
+std::vector<LunMO> CLunHandlerImpl::getLunByCondition(const std::string& associateObjID,
+                                                      MOType associateObjType, LunQuery& query,
+                                                      const std::string&)
+{
+    return Operation::run("getLunByCondition", m_pDeviceManager, [&](Operation& op) {
+        const std::string filter =
+            filterOf(query.filter, &LunMO::ID, &LunMO::NAME, &LunMO::PARENTID, &LunMO::ALLOCTYPE,
+                     &LunMO::RUNNINGSTATUS, &LunMO::HEALTHSTATUS, &LunMO::ISADD2LUNGROUP);
+        return op
+            .get("/lun/associate?" + filter + associationOf(MO_LUN, associateObjType, associateObjID) +
+                 rangeOf(query.start, query.count, "&"))
+            .readEach([&](const std::string& id) { return getLun(id); });
+    });
+}

@@ -1,0 +1,25 @@
+#ifndef STORAGE_SNAPSHOTFIELDS_H
+#define STORAGE_SNAPSHOTFIELDS_H
+
+#include "session/FieldTable.h"
+
+#include <tessel/Snapshot.h>
+
+template <>
+struct FieldTable<SnapshotMO>
+{
+    static constexpr auto fields =
+        std::make_tuple(fields::read("ID", &SnapshotMO::ID, readers::asText),
+                        fields::read("NAME", &SnapshotMO::NAME, readers::asText),
+                        fields::read("PARENTTYPE", &SnapshotMO::PARENTTYPE, readers::asJsonSigned),
+                        fields::read("PARENTID", &SnapshotMO::PARENTID, readers::asText),
+                        fields::read("PARENTNAME", &SnapshotMO::PARENTNAME, readers::asText),
+                        fields::read("HEALTHSTATUS", &SnapshotMO::HEALTHSTATUS, readers::asUl),
+                        fields::read("RUNNINGSTATUS", &SnapshotMO::RUNNINGSTATUS, readers::asUl),
+                        fields::read("DESCRIPTION", &SnapshotMO::DESCRIPTION, readers::asText),
+                        fields::read("USERCAPACITY", &SnapshotMO::USERCAPACITY, readers::asUll),
+                        fields::read("CONSUMEDCAPACITY", &SnapshotMO::CONSUMEDCAPACITY, readers::asUll),
+                        fields::read("WWN", &SnapshotMO::WWN, readers::asText));
+};
+
+#endif
