@@ -2,7 +2,7 @@
 
 #include <utility>
 
-OvraAPIException::OvraAPIException(std::string msg) : m_message("Exception:" + msg) {}
+OvraAPIException::OvraAPIException(std::string msg) : m_message("Exception:" + std::move(msg)) {}
 
 OvraAPIException::~OvraAPIException() noexcept = default;
 

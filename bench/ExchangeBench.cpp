@@ -1,0 +1,105 @@
+// What an operation costs beside the answer of the server: the same GET through the SDK, through the REST
+// library alone, on a new connection each time, and the logs alone. The server answers from memory on
+// loopback.
+
+#include "MisbehavingServer.h"
+
+#include <tessel/Tessel.h>
+
+#include <benchmark/benchmark.h>
+#include <ovra/log/LogAPI.h>
+#include <ovra/rest/RestRequest.h>
+#include <ovra/rest/RestSettings.h>
+
+using tessel_test::Behaviour;
+using tessel_test::MisbehavingServer;
+using tessel_test::ReceivedRequest;
+using tessel_test::TestCertificates;
+
+namespace {
+
+const char* const LUN =
+    R"({"ID":"7","NAME":"db","PARENTID":"0","PARENTNAME":"pool","HEALTHSTATUS":"1","RUNNINGSTATUS":"27",)"
+    R"("DESCRIPTION":"","ALLOCTYPE":"1","CAPACITY":"131072","SECTORSIZE":"512","ALLOCCAPACITY":"2048",)"
+    R"("THINCAPACITYUSAGE":"1","EXPOSEDTOINITIATOR":"true","WWN":"6001405000000000000000000000007",)"
+    R"("OWNINGCONTROLLER":"0A","WORKINGCONTROLLER":"0A","ISADD2LUNGROUP":"true"})";
+
+Behaviour likeAnArray(const ReceivedRequest& request)
+{
+    return request.method() == "POST"
+               ? Behaviour::success(R"({"deviceid":"D1","iBaseToken":"T1"})", "Set-Cookie: s=1; path=/\r\n")
+               : Behaviour::success(LUN);
+}
+
+/** One server and one session for all benchmarks. */
+struct World
+{
+    World()
+    {
+        RestSettings settings;
+        settings.caFile = TestCertificates::instance().caFile();
+        RestSetSettings(settings);
+        server.setHandler(likeAnArray);
+        array->loginDevice("127.0.0.1", server.port(), "admin", "secret", USERTYPE_LOCAL);
+        luns = static_cast<CLunHandler*>(array->getHandler(LUN_HANDLER));
+    }
+    ~World() { CDeviceManager::releaseInstance(array); }
+
+    int requestAlone()
+    {
+        RestRequest request;
+        request.SetServerUrl(server.url());
+        RestResponse response;
+        std::vector<std::string> headers;
+        return request.SendRequest("/deviceManager/rest/D1/lun/7", REST_GET, response, headers, true);
+    }
+
+    MisbehavingServer server;
+    CDeviceManager* array = CDeviceManager::getInstance(0, 0);
+    CLunHandler* luns = nullptr;
+};
+
+World& world()
+{
+    static World instance;
+    return instance;
+}
+
+void getLun(benchmark::State& state)
+{
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(world().luns->getLun("7"));
+    }
+}
+BENCHMARK(getLun)->UseRealTime();
+
+void restLibraryAlone(benchmark::State& state)
+{
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(world().requestAlone());
+    }
+}
+BENCHMARK(restLibraryAlone)->UseRealTime();
+
+void newConnectionEachTime(benchmark::State& state)
+{
+    const RestSettings settings = RestGetSettings();
+    for (auto _ : state) {
+        RestSetSettings(settings); // drops the idle connections
+        benchmark::DoNotOptimize(world().requestAlone());
+    }
+}
+BENCHMARK(newConnectionEachTime)->UseRealTime();
+
+void oneLogLine(benchmark::State& state)
+{
+    world();
+    for (auto _ : state) {
+        Log_Run_Info("Ovra-Tessel-API-linux-Cpp", "enter getLun successfully!");
+    }
+}
+BENCHMARK(oneLogLine)->UseRealTime();
+
+} // namespace
+
+BENCHMARK_MAIN();
