@@ -3,6 +3,6 @@
 # each call may be a process of its own. Every function returns 0 or says on stderr what failed.
 
 lab_home=$(dirname "${BASH_SOURCE[0]}")
-for lab_piece in udev canary rescan target acl session multipath standins each; do
+for lab_piece in udev canary rescan target acl session multipath standins arraysim each; do
     . "$lab_home/$lab_piece.sh"
 done

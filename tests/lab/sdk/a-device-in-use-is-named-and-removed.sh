@@ -2,8 +2,8 @@
 # Removal before detach flushes what was written, says who uses the device, and goes on.
 . "$(dirname "$0")/array.sh"
 
-expect "an array with real disks" array_begin
-lun=$(array_lun mounted 64)
+expect "an array with real disks" arraysim_begin
+lun=$(arraysim_lun mounted 64)
 disk=$(disk_name "$(sdk attach-lun "$lun" scan-lun "$lun")")
 expect "a file system" mkfs.ext4 -q "/dev/$disk"
 mkdir -p /run/lab/mnt
@@ -14,4 +14,3 @@ expect "it was named with its mount point" grep -q "WARN.*$disk.*/run/lab/mnt" <
 expect "and removed" [ ! -b "/dev/$disk" ]
 umount -l /run/lab/mnt
 sdk detach-lun "$lun"
-session_logout

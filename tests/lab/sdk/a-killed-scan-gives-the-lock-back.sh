@@ -4,8 +4,8 @@
 
 lock_value() { ipcs -s -i "$(ipcs -s | awk '$1 == "0x000004d3" { print $2 }')" | awk '$1 == "0" { print $2 }'; }
 
-expect "an array with real disks" array_begin
-lun=$(array_lun killed)
+expect "an array with real disks" arraysim_begin
+lun=$(arraysim_lun killed)
 sdk attach-lun "$lun"
 # A rescan that lasts: long enough to be killed in.
 korvex_install 0 600
@@ -24,4 +24,3 @@ expect "with its disk: $(cat /run/lab/second)" [ -b "$(cat /run/lab/second)" ]
 same "the lock is free" "$(lock_value)" 1
 korvex_remove
 sdk remove-lun "$lun" detach-lun "$lun"
-session_logout

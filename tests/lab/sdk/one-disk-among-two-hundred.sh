@@ -2,8 +2,8 @@
 # Two hundred other disks are present while one is searched for and removed; none of them goes.
 . "$(dirname "$0")/array.sh"
 
-expect "an array with real disks" array_begin
-lun=$(array_lun needle)
+expect "an array with real disks" arraysim_begin
+lun=$(arraysim_lun needle)
 expect "the LUN is attached" sdk attach-lun "$lun"
 expect "the LUN's disk comes" scan_all
 expect "two hundred disks" scsi_debug_load 200
@@ -11,11 +11,10 @@ expect "two hundred disks" scsi_debug_load 200
 korvex_install
 found=$(sdk scan-lun "$lun")
 expect "the disk is found: $found" [ -b "$found" ]
-same "it is the LUN's" "$(page83 "/dev/$(disk_name "$found")" | cut -c 17-48)" "$(array_wwn lun "$lun")"
+same "it is the LUN's" "$(page83 "/dev/$(disk_name "$found")" | cut -c 17-48)" "$(arraysim_wwn lun "$lun")"
 korvex_remove
 expect "it is removed" sdk remove-lun "$lun"
 expect "it is gone" [ ! -b "/dev/$(disk_name "$found")" ]
 expect "the two hundred are there" [ "$(scsi_debug_count)" -ge 200 ]
 sdk detach-lun "$lun"
 scsi_debug_unload
-session_logout
