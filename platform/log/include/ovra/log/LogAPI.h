@@ -2,12 +2,17 @@
 #define OVRA_LOG_LOGAPI_H
 
 /**
+ * @file
  * The log library: a run log of text lines and an interface log of one record a call.
  *
- * Nothing here fails, throws or blocks its caller for longer than one write; every function may be called from any
- * thread, in any order. Calls before LogInit and after LogFini are accepted and dropped.
+ * Nothing here fails, throws or blocks its caller for longer than one write; every function may be called
+ * from any thread, in any order. Calls before LogInit and after LogFini are accepted and dropped.
+ *
+ * Logs are written while at least one product is started, with the configuration and the directory of the one
+ * that was started first. Their layout is described in Tessel_API.ini.
  */
 
+/** Marks what the shared object shows to the programs that link it. */
 #define OVRA_LOG_API __attribute__((visibility("default")))
 
 #ifdef __cplusplus
@@ -23,28 +28,68 @@ extern "C" {
  * @return 0 on success; -1 when neither that directory nor the per-user one can be written: lines are then
  *         dropped and counted.
  */
-OVRA_LOG_API int LogInit(const char* productTag, const char* iniFile, int* reserved, const char* logDirectory);
+OVRA_LOG_API int LogInit(const char* productTag, const char* iniFile, int* reserved,
+                         const char* logDirectory);
 
-/** Ends logging for a product; 0 on success, -1 when it was not started. */
+/**
+ * Ends logging for a product. A product that was started several times is to be ended as often.
+ * @param productTag name of the product, as it was started.
+ * @return 0 on success, -1 when it was not started.
+ */
 OVRA_LOG_API int LogFini(const char* productTag);
 
-/** One line of the run log. The text is data: no formatting is done, control bytes are escaped. */
+/**
+ * Writes one line of the run log, at level debug.
+ * @param productTag name of the product.
+ * @param text the line; data: no formatting is done, control bytes are escaped.
+ */
 OVRA_LOG_API void Log_Run_Debug(const char* productTag, const char* text);
+/**
+ * The same at level info.
+ * @param productTag name of the product.
+ * @param text the line.
+ */
 OVRA_LOG_API void Log_Run_Info(const char* productTag, const char* text);
+/**
+ * The same at level warning.
+ * @param productTag name of the product.
+ * @param text the line.
+ */
 OVRA_LOG_API void Log_Run_Warn(const char* productTag, const char* text);
+/**
+ * The same at level error.
+ * @param productTag name of the product.
+ * @param text the line.
+ */
 OVRA_LOG_API void Log_Run_Error(const char* productTag, const char* text);
 
-/** One record of the interface log, of a call that succeeded (Info) or failed (Error). */
-OVRA_LOG_API void Log_Interface_Info(const char* productTag, const char* interfaceType, const char* protocolType,
-                                     const char* interfaceName, const char* sourceAddress,
-                                     const char* targetAddress, const char* transactionId, const char* startTime,
-                                     const char* endTime, const char* resultCode, const char* extension);
-OVRA_LOG_API void Log_Interface_Error(const char* productTag, const char* interfaceType, const char* protocolType,
-                                      const char* interfaceName, const char* sourceAddress,
-                                      const char* targetAddress, const char* transactionId, const char* startTime,
-                                      const char* endTime, const char* resultCode, const char* extension);
+/**
+ * Writes one record of the interface log, of a call that succeeded. Texts are data, null counts as empty.
+ * @param productTag name of the product.
+ * @param interfaceType kind of interface, a code of the product's.
+ * @param protocolType protocol by which the call came.
+ * @param interfaceName name of the operation.
+ * @param sourceAddress who called.
+ * @param targetAddress who was called.
+ * @param transactionId what ties several records together.
+ * @param startTime when the call began.
+ * @param endTime when it ended.
+ * @param resultCode its result, 0 for success.
+ * @param extension anything else.
+ */
+OVRA_LOG_API void Log_Interface_Info(const char* productTag, const char* interfaceType,
+                                     const char* protocolType, const char* interfaceName,
+                                     const char* sourceAddress, const char* targetAddress,
+                                     const char* transactionId, const char* startTime, const char* endTime,
+                                     const char* resultCode, const char* extension);
+/** The same for a call that failed. @copydetails Log_Interface_Info */
+OVRA_LOG_API void Log_Interface_Error(const char* productTag, const char* interfaceType,
+                                      const char* protocolType, const char* interfaceName,
+                                      const char* sourceAddress, const char* targetAddress,
+                                      const char* transactionId, const char* startTime, const char* endTime,
+                                      const char* resultCode, const char* extension);
 
-/** Lines dropped since the process started because they could not be written. */
+/** @return lines dropped since the process started because they could not be written. */
 OVRA_LOG_API unsigned long Log_Dropped_Count(void);
 
 #ifdef __cplusplus

@@ -3,10 +3,15 @@
 
 #include <string>
 
+/** Checks of what users type. Thread-safe. */
 class __attribute__((visibility("default"))) OvraTool
 {
 public:
-    /** True for the text of an IPv4 (dotted quad) or IPv6 address (no brackets, no zone), and nothing else. */
+    /**
+     * Checks the form of an address; nothing is looked up.
+     * @param ip text to check.
+     * @return true for an IPv4 (dotted quad) or IPv6 address (no brackets, no zone), and nothing else.
+     */
     static bool CheckIPValid(const std::string& ip);
 };
 

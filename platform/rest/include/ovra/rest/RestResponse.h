@@ -14,25 +14,39 @@
 class __attribute__((visibility("default"))) RestResponse
 {
 public:
+    /** An answer that was not received yet. */
     RestResponse();
+    /** Wipes the answer from memory. */
     ~RestResponse();
+    /** Not copied. */
     RestResponse(const RestResponse&) = delete;
+    /** Not copied. */
     RestResponse& operator=(const RestResponse&) = delete;
 
     /**
-     * The array's error code (0 = success) and its description.
-     * An object that no answer was received into gives REST_ANSWER_UNREADABLE and an empty description.
+     * The error object.
+     * @param description receives the array's description; empty without an answer.
+     * @return the array's error code, 0 for success; REST_ANSWER_UNREADABLE when no answer was received.
      */
     int getResponseCode(std::string& description);
 
-    /** Number of data records. */
+    /** @return number of data records. */
     unsigned long count();
 
-    /** The index-th data record; a null value when index is not below count(). */
+    /**
+     * One data record.
+     * @param index 0 to count() - 1.
+     * @return the record; a null value for any other index.
+     */
     Json::Value& operator[](unsigned long index);
 
-    /** Decimal text to number: leading blanks and digits are read, anything else reads as 0; saturates. */
+    /**
+     * Decimal text to number.
+     * @param text leading blanks and digits are read; anything else ends the number.
+     * @return the number, the largest one when the text's is larger; 0 without digits.
+     */
     static unsigned long str2ul(const std::string& text);
+    /** @copydoc str2ul */
     static unsigned long long str2ull(const std::string& text);
 
 private:

@@ -1,6 +1,9 @@
 #ifndef OVRA_REST_RESTSETTINGS_H
 #define OVRA_REST_RESTSETTINGS_H
 
+/** @file
+ * How servers are trusted and how long they are waited for. */
+
 #include <string>
 
 /**
@@ -11,17 +14,21 @@
  */
 struct RestSettings
 {
-    std::string caFile;    ///< PEM bundle to trust; empty: the system's own
-    std::string pinnedKey; ///< "sha256//<base64>" of the server's public key; several separated by ";"
+    std::string caFile;    ///< PEM bundle to trust, and nothing else; empty: the system's own
+    std::string pinnedKey; ///< without a CA file the only proof asked for, with one a proof more:
+                           ///< "sha256//<base64>" of the server's public key; several separated by ";"
     bool insecure = false; ///< no verification at all; logged as a warning
-    long connectTimeoutSeconds = 30; ///< name look-up, TCP and TLS
-    long timeoutSeconds = 300;       ///< one request as a whole
+    long connectTimeoutSeconds = 30; ///< name look-up, TCP and TLS; 0: no limit
+    long timeoutSeconds = 300;       ///< one request as a whole, a second attempt included; 0: no limit
 };
 
-/** The settings in force. Thread-safe. */
+/** @return the settings in force. Thread-safe. */
 __attribute__((visibility("default"))) RestSettings RestGetSettings();
 
-/** Replaces the settings for connections made from now on; idle connections are dropped. Thread-safe. */
+/**
+ * Replaces the settings for connections made from now on; idle connections are dropped. Thread-safe.
+ * @param settings taken as they are: a file that cannot be read shows itself at the next request.
+ */
 __attribute__((visibility("default"))) void RestSetSettings(const RestSettings& settings);
 
 #endif

@@ -1,0 +1,147 @@
+#include "DailyFile.h"
+
+#include "Directories.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ovra::log {
+
+namespace {
+
+constexpr mode_t kFileMode = 0640;
+
+/// Keeps SIGXFSZ from the calling thread: a limit on file sizes costs a line, not the application.
+class FileSizeSignalGuard
+{
+public:
+    FileSizeSignalGuard()
+    {
+        sigemptyset(&m_signal);
+        sigaddset(&m_signal, SIGXFSZ);
+        pthread_sigmask(SIG_BLOCK, &m_signal, &m_before);
+    }
+
+    ~FileSizeSignalGuard()
+    {
+        const int error = errno;
+        const timespec atOnce{};
+        if (error == EFBIG && sigismember(&m_before, SIGXFSZ) == 0)
+            sigtimedwait(&m_signal, nullptr, &atOnce);
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+        errno = error;
+    }
+
+    FileSizeSignalGuard(const FileSizeSignalGuard&) = delete;
+    FileSizeSignalGuard& operator=(const FileSizeSignalGuard&) = delete;
+
+private:
+    sigset_t m_signal;
+    sigset_t m_before;
+};
+
+/// A descriptor to append to a regular file, or -1 and errno.
+int openForAppending(const std::string& path)
+{
+    // Neither a link that leads elsewhere nor a pipe that somebody else reads.
+    const int descriptor =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
+             kFileMode);
+    if (descriptor < 0)
+        return -1;
+    struct stat status
+    {
+    };
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        return descriptor;
+    close(descriptor);
+    errno = EINVAL;
+    return -1;
+}
+
+ssize_t writeOnce(int descriptor, std::string_view bytes)
+{
+    const FileSizeSignalGuard guard;
+    ssize_t written = -1;
+    do {
+        errno = 0;
+        written = write(descriptor, bytes.data(), bytes.size());
+    } while (written < 0 && errno == EINTR);
+    return written;
+}
+
+} // namespace
+
+DailyFile::DailyFile(std::string prefix, Place place) : m_prefix(std::move(prefix)), m_place(std::move(place))
+{
+}
+
+DailyFile::~DailyFile()
+{
+    close();
+}
+
+int DailyFile::prepare(std::chrono::system_clock::time_point time)
+{
+    const Date date = Date::of(time);
+    if (m_descriptor >= 0 && date == m_date && stillThere())
+        return 0;
+    return open(date);
+}
+
+int DailyFile::write(std::chrono::system_clock::time_point time, std::string_view record)
+{
+    if (const int error = prepare(time))
+        return error;
+    const ssize_t written =
+        m_cutShort ? writeOnce(m_descriptor, "\n" + std::string(record)) : writeOnce(m_descriptor, record);
+    if (written < 0)
+        return errno;
+    const size_t whole = record.size() + (m_cutShort ? 1 : 0);
+    m_cutShort = static_cast<size_t>(written) < whole;
+    return m_cutShort ? ENOSPC : 0;
+}
+
+int DailyFile::open(const Date& date)
+{
+    close();
+    m_firstError = openIn(m_place.directory, date);
+    return m_firstError == 0 ? 0 : openIn(m_place.userDirectory(), date);
+}
+
+int DailyFile::openIn(const std::string& directory, const Date& date)
+{
+    if (const int error = makeDirectories(directory))
+        return error;
+    m_descriptor = openForAppending(directory + "/" + datedName(m_prefix, date));
+    if (m_descriptor < 0)
+        return errno;
+    m_date = date;
+    m_directory = directory;
+    if (m_place.retentionDays > 0)
+        removeOldFiles(m_directory, m_prefix, date, m_place.retentionDays);
+    return 0;
+}
+
+bool DailyFile::stillThere() const
+{
+    // Somebody may have removed the file or its directory: what is written to it then is lost.
+    struct stat status
+    {
+    };
+    return fstat(m_descriptor, &status) == 0 && status.st_nlink > 0;
+}
+
+void DailyFile::close()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+    m_descriptor = -1;
+    m_cutShort = false;
+    m_directory.clear();
+}
+
+} // namespace ovra::log

@@ -1,0 +1,62 @@
+#ifndef OVRA_LOG_DAILYFILE_H
+#define OVRA_LOG_DAILYFILE_H
+
+#include "DatedName.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace ovra::log {
+
+/** Where log files stand, and for how long. */
+struct Place
+{
+    std::string directory; ///< tried first, whenever a file is opened; empty: there is none
+    std::function<std::string()> userDirectory; ///< gives the one tried next
+    int retentionDays = 0;                      ///< see removeOldFiles; 0 keeps all
+};
+
+/**
+ * A log file for each day, shared with the other processes that write to the same directory: every record is
+ * appended by one write. Not thread-safe.
+ */
+class DailyFile
+{
+public:
+    /** @param prefix of the file names, before the date. */
+    DailyFile(std::string prefix, Place place);
+    ~DailyFile();
+    DailyFile(const DailyFile&) = delete;
+    DailyFile& operator=(const DailyFile&) = delete;
+
+    /** Makes sure that the file of that time's day is open; 0, or the errno value of the directory tried
+     * last. */
+    int prepare(std::chrono::system_clock::time_point time);
+
+    /** Appends a record, which ends in a newline; 0, or an errno value when it was not written whole. */
+    int write(std::chrono::system_clock::time_point time, std::string_view record);
+
+    /** Where the open file is; empty when none is. */
+    const std::string& directory() const { return m_directory; }
+    /** Why the place's own directory is not used; 0 when it is. */
+    int firstError() const { return m_firstError; }
+
+private:
+    int open(const Date& date);
+    int openIn(const std::string& directory, const Date& date);
+    bool stillThere() const;
+    void close();
+
+    std::string m_prefix;
+    Place m_place;
+    int m_descriptor = -1;
+    Date m_date;
+    std::string m_directory;
+    int m_firstError = 0;
+    bool m_cutShort = false; ///< the last record was written in part: the next one begins a line of its own
+};
+
+} // namespace ovra::log
+
+#endif

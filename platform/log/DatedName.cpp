@@ -1,0 +1,104 @@
+#include "DatedName.h"
+
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <spdlog/fmt/fmt.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ovra::log {
+
+namespace {
+
+constexpr std::string_view kSuffix = ".log";
+constexpr std::string_view kDateForm = "dddd-dd-dd";
+
+std::optional<Date> parseDate(std::string_view text)
+{
+    if (text.size() != kDateForm.size())
+        return std::nullopt;
+    for (size_t i = 0; i < text.size(); ++i)
+        if (kDateForm[i] == 'd' ? text[i] < '0' || text[i] > '9' : text[i] != kDateForm[i])
+            return std::nullopt;
+    const auto number = [&](size_t begin, size_t count) {
+        int value = 0;
+        for (const char digit : text.substr(begin, count))
+            value = value * 10 + (digit - '0');
+        return value;
+    };
+    const Date date{number(0, 4), number(5, 2), number(8, 2)};
+    // timegm moves a day that does not exist to one that does.
+    tm calendar{};
+    calendar.tm_year = date.year - 1900;
+    calendar.tm_mon = date.month - 1;
+    calendar.tm_mday = date.day;
+    timegm(&calendar);
+    const Date existing{calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
+    return existing == date ? std::optional<Date>(date) : std::nullopt;
+}
+
+struct CloseDirectory
+{
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+
+} // namespace
+
+Date Date::of(std::chrono::system_clock::time_point time)
+{
+    const time_t seconds = std::chrono::system_clock::to_time_t(time);
+    tm calendar{};
+    localtime_r(&seconds, &calendar);
+    return {calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
+}
+
+long Date::number() const
+{
+    tm calendar{};
+    calendar.tm_year = year - 1900;
+    calendar.tm_mon = month - 1;
+    calendar.tm_mday = day;
+    return static_cast<long>(timegm(&calendar) / 86400);
+}
+
+std::string Date::text() const
+{
+    return fmt::format("{:04}-{:02}-{:02}", year, month, day);
+}
+
+std::string datedName(std::string_view prefix, const Date& date)
+{
+    return std::string(prefix) + date.text() + std::string(kSuffix);
+}
+
+std::optional<Date> dateOfName(std::string_view prefix, std::string_view name)
+{
+    if (name.size() != prefix.size() + kDateForm.size() + kSuffix.size() ||
+        name.substr(0, prefix.size()) != prefix || name.substr(name.size() - kSuffix.size()) != kSuffix)
+        return std::nullopt;
+    return parseDate(name.substr(prefix.size(), kDateForm.size()));
+}
+
+unsigned removeOldFiles(const std::string& directory, std::string_view prefix, const Date& today, int days)
+{
+    unsigned removed = 0;
+    const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::unique_ptr<DIR, CloseDirectory> listing(descriptor < 0 ? nullptr : fdopendir(descriptor));
+    if (!listing)
+        return removed;
+    while (const dirent* entry = readdir(listing.get())) {
+        const std::optional<Date> date = dateOfName(prefix, entry->d_name);
+        struct stat status
+        {
+        };
+        if (!date || today.number() - date->number() <= days ||
+            fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode))
+            continue;
+        removed += unlinkat(descriptor, entry->d_name, 0) == 0 ? 1 : 0;
+    }
+    return removed;
+}
+
+} // namespace ovra::log

@@ -1,0 +1,123 @@
+#include "ConnectionPool.h"
+
+#include "LibraryLock.h"
+#include "SigpipeGuard.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <poll.h>
+#include <unistd.h>
+
+namespace ovra::rest {
+
+namespace {
+
+constexpr size_t kMostIdle = 16;
+/// libcurl does not use a connection that was idle for longer (CURLOPT_MAXAGE_CONN).
+constexpr std::chrono::seconds kLongestIdle{118};
+
+CurlHandle makeHandle()
+{
+    CurlHandle handle(curl_easy_init());
+    if (!handle)
+        throw std::bad_alloc();
+    return handle;
+}
+
+} // namespace
+
+void CurlCleanup::operator()(CURL* handle) const
+{
+    const SigpipeGuard guard;
+    curl_easy_cleanup(handle);
+}
+
+bool isQuiet(const Connection& connection)
+{
+    if (connection.socket == CURL_SOCKET_BAD)
+        return false;
+    pollfd polled{connection.socket, POLLIN, 0};
+    return poll(&polled, 1, 0) == 0;
+}
+
+ConnectionPool& ConnectionPool::instance()
+{
+    const std::lock_guard<std::mutex> lock(libraryMutex());
+    return processWide<ConnectionPool>();
+}
+
+ConnectionPool::ConnectionPool()
+{
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+    // For the end of the process, and for the library's when it is unloaded; registered after libcurl's TLS
+    // library was started, so that it runs before that one stops.
+    std::atexit([] { instance().clear(); });
+}
+
+Connection ConnectionPool::take(const std::string& key)
+{
+    Connection taken{key, nullptr, CURL_SOCKET_BAD, 0, getpid()};
+    {
+        const std::lock_guard<std::mutex> lock(libraryMutex());
+        leaveToParent();
+        taken.generation = m_generation;
+        const auto found = std::find_if(m_idle.rbegin(), m_idle.rend(),
+                                        [&](const Idle& idle) { return idle.connection.key == key; });
+        if (found != m_idle.rend()) {
+            taken.handle = std::move(found->connection.handle);
+            taken.socket = found->connection.socket;
+            m_idle.erase(std::next(found).base());
+        }
+    }
+    if (!taken.handle)
+        taken.handle = makeHandle();
+    return taken;
+}
+
+void ConnectionPool::giveBack(Connection connection)
+{
+    IdleList node;
+    node.push_back(Idle{std::move(connection), Clock::now()});
+    IdleList surplus; // closed after the lock was released
+    const std::lock_guard<std::mutex> lock(libraryMutex());
+    leaveToParent();
+    const Connection& given = node.front().connection;
+    if (given.owner != m_owner)
+        m_parents.splice(m_parents.end(), node);
+    else if (given.generation != m_generation)
+        surplus.splice(surplus.end(), node);
+    else
+        m_idle.splice(m_idle.end(), node);
+    surplus.splice(surplus.end(), takeSurplus());
+}
+
+void ConnectionPool::clear()
+{
+    IdleList closed; // after the lock was released
+    const std::lock_guard<std::mutex> lock(libraryMutex());
+    leaveToParent();
+    ++m_generation;
+    closed.swap(m_idle);
+}
+
+void ConnectionPool::leaveToParent()
+{
+    const pid_t self = getpid();
+    if (m_owner == self)
+        return;
+    // Closing them would send a TLS close on connections that the parent still uses.
+    m_parents.splice(m_parents.end(), m_idle);
+    m_owner = self;
+}
+
+ConnectionPool::IdleList ConnectionPool::takeSurplus()
+{
+    const Clock::time_point oldest = Clock::now() - kLongestIdle;
+    IdleList surplus;
+    while (!m_idle.empty() && (m_idle.size() > kMostIdle || m_idle.front().since < oldest))
+        surplus.splice(surplus.end(), m_idle, m_idle.begin());
+    return surplus;
+}
+
+} // namespace ovra::rest

@@ -1,0 +1,73 @@
+#ifndef OVRA_REST_CONNECTIONPOOL_H
+#define OVRA_REST_CONNECTIONPOOL_H
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <list>
+#include <memory>
+#include <string>
+#include <sys/types.h>
+
+namespace ovra::rest {
+
+struct CurlCleanup
+{
+    void operator()(CURL* handle) const;
+};
+using CurlHandle = std::unique_ptr<CURL, CurlCleanup>;
+
+/** An easy handle with the connection that it keeps alive. */
+struct Connection
+{
+    std::string key; ///< server and trust settings; handles of different keys are never exchanged
+    CurlHandle handle;
+    curl_socket_t socket = CURL_SOCKET_BAD; ///< of the idle connection, if there is one
+    unsigned long generation = 0;           ///< of the pool when it was taken
+    pid_t owner = 0;                        ///< process that made the connection
+};
+
+/**
+ * False when anything happened on a connection since its last answer: then the server closed it, or is about
+ * to. (libcurl takes a TLS close for data, and would send the next request into it.)
+ */
+bool isQuiet(const Connection& connection);
+
+/** Idle connections of the process, the one used last first. */
+class ConnectionPool
+{
+public:
+    ConnectionPool();
+
+    static ConnectionPool& instance();
+
+    /** An idle connection of that key, or a handle without a connection. */
+    Connection take(const std::string& key);
+
+    /** Gives a connection back for the next request. */
+    void giveBack(Connection connection);
+
+    /** Closes the idle connections; those in use are closed when they are given back. */
+    void clear();
+
+private:
+    using Clock = std::chrono::steady_clock;
+    struct Idle
+    {
+        Connection connection;
+        Clock::time_point since;
+    };
+    using IdleList = std::list<Idle>;
+
+    void leaveToParent();
+    IdleList takeSurplus();
+
+    IdleList m_idle; ///< oldest first
+    IdleList m_parents;
+    unsigned long m_generation = 0;
+    pid_t m_owner = 0;
+};
+
+} // namespace ovra::rest
+
+#endif

@@ -1,0 +1,151 @@
+#include <ovra/rest/RestRequest.h>
+
+#include "JsonBody.h"
+#include "RequestTarget.h"
+#include "ResponseImpl.h"
+#include "SessionRegistry.h"
+#include "Settings.h"
+#include "Transfer.h"
+
+using namespace ovra::rest;
+
+class __attribute__((visibility("hidden"))) RestRequest::Impl
+{
+public:
+    ~Impl()
+    {
+        for (auto& header : headers)
+            wipe(header.second);
+    }
+
+    bool build(HttpRequest& request, const std::optional<ServerAddress>& server, const std::string& path,
+               REST_REQUEST_MODE_E mode) const;
+    int exchange(const HttpRequest& request, std::optional<Answer>& answer,
+                 std::vector<std::string>& headerLines);
+
+    JsonBody body;
+    Headers headers;
+    std::string serverUrl;
+    bool badHeader = false;
+};
+
+bool RestRequest::Impl::build(HttpRequest& request, const std::optional<ServerAddress>& server,
+                              const std::string& path, REST_REQUEST_MODE_E mode) const
+{
+    if (badHeader || !server || path.empty() || path.front() != '/')
+        return false;
+    request.server = *server;
+    request.method = mode;
+    request.target = encodeRequestTarget(path);
+    request.headers = headers;
+    if (!body.empty() || mode == REST_POST || mode == REST_PUT)
+        request.body = body.text();
+    return true;
+}
+
+int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer>& answer,
+                                std::vector<std::string>& headerLines)
+{
+    const RestSettings settings = RestGetSettings();
+    warnAboutSettings(settings);
+    Transfer transfer(request, settings);
+    const int result = transfer.perform();
+    headerLines = transfer.headers().take();
+    if (result != REST_OK)
+        return result;
+    answer = parseAnswer(transfer.body());
+    return answer ? REST_OK : REST_ANSWER_UNREADABLE;
+}
+
+namespace {
+
+const char* headerName(HTTP_HEADER_E header)
+{
+    switch (header) {
+    case HTTP_HEADER_TOKEN:
+        return "iBaseToken";
+    case HTTP_HEADER_COOKIE:
+        return "Cookie";
+    }
+    return nullptr;
+}
+
+/// Runs one way of sending; only a lack of memory is an exception to the caller.
+template <class Send>
+int guarded(std::vector<std::string>& headers, std::optional<Answer>& answer, Send send)
+{
+    answer.reset();
+    headers.clear();
+    try {
+        return send();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        return REST_INTERNAL_ERROR;
+    }
+}
+
+} // namespace
+
+RestRequest::RestRequest() : m_impl(std::make_unique<Impl>()) {}
+RestRequest::~RestRequest() = default;
+
+template <class T>
+void RestRequest::BodyAddProperty(const std::string& key, const T& value)
+{
+    m_impl->body.add(key, value);
+}
+
+template void RestRequest::BodyAddProperty<std::string>(const std::string&, const std::string&);
+template void RestRequest::BodyAddProperty<int>(const std::string&, const int&);
+template void RestRequest::BodyAddProperty<bool>(const std::string&, const bool&);
+template void RestRequest::BodyAddProperty<unsigned long>(const std::string&, const unsigned long&);
+template void RestRequest::BodyAddProperty<unsigned long long>(const std::string&, const unsigned long long&);
+
+void RestRequest::HeaderAddProperty(const HTTP_HEADER_E& header, const std::string& value)
+{
+    const char* const name = headerName(header);
+    if (name != nullptr && isSendableHeaderValue(value))
+        setHeader(m_impl->headers, name, value);
+    else
+        m_impl->badHeader = true;
+}
+
+void RestRequest::SetServerUrl(const std::string& url)
+{
+    m_impl->serverUrl = url;
+}
+
+int RestRequest::SendRequest(const unsigned int& sessionKey, const std::string& url,
+                             const REST_REQUEST_MODE_E& mode, RestResponse& response,
+                             std::vector<std::string>& headers, bool)
+{
+    std::optional<Answer>& answer = response.m_impl->answer;
+    return guarded(headers, answer, [&]() -> int {
+        const std::shared_ptr<const Session> session = SessionRegistry::instance().find(sessionKey);
+        if (!session)
+            return REST_NO_SESSION;
+        if (url.empty() || url.front() != '/')
+            return REST_BAD_REQUEST;
+        HttpRequest request;
+        const auto server = ServerAddress::fromHostAndPort(session->ip, session->port);
+        if (!m_impl->build(request, server, "/deviceManager/rest/" + session->deviceId + url, mode))
+            return REST_BAD_REQUEST;
+        // Not kept in this object, which may be used for another server next.
+        setHeader(request.headers, headerName(HTTP_HEADER_TOKEN), session->token);
+        setHeader(request.headers, headerName(HTTP_HEADER_COOKIE), session->cookie);
+        return m_impl->exchange(request, answer, headers);
+    });
+}
+
+int RestRequest::SendRequest(const std::string& url, const REST_REQUEST_MODE_E& mode, RestResponse& response,
+                             std::vector<std::string>& headers, bool)
+{
+    std::optional<Answer>& answer = response.m_impl->answer;
+    return guarded(headers, answer, [&]() -> int {
+        HttpRequest request;
+        if (!m_impl->build(request, ServerAddress::fromUrl(m_impl->serverUrl), url, mode))
+            return REST_BAD_REQUEST;
+        return m_impl->exchange(request, answer, headers);
+    });
+}

@@ -1,0 +1,56 @@
+#include "ResponseImpl.h"
+
+#include <ovra/rest/RestRequest.h>
+
+#include <limits>
+
+RestResponse::RestResponse() : m_impl(std::make_unique<Impl>()) {}
+RestResponse::~RestResponse() = default;
+
+int RestResponse::getResponseCode(std::string& description)
+{
+    description = m_impl->answer ? m_impl->answer->description : std::string();
+    return m_impl->answer ? m_impl->answer->code : static_cast<int>(REST_ANSWER_UNREADABLE);
+}
+
+unsigned long RestResponse::count()
+{
+    return m_impl->answer ? m_impl->answer->records.size() : 0;
+}
+
+Json::Value& RestResponse::operator[](unsigned long index)
+{
+    if (index < count())
+        return m_impl->answer->records[static_cast<Json::ArrayIndex>(index)];
+    m_impl->nothing = Json::Value(); // the caller may have written to it
+    return m_impl->nothing;
+}
+
+namespace {
+
+template <class Number>
+Number readDecimal(const std::string& text)
+{
+    constexpr Number largest = std::numeric_limits<Number>::max();
+    Number number = 0;
+    for (size_t i = text.find_first_not_of(" \t\n\v\f\r");
+         i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+        const auto digit = static_cast<Number>(text[i] - '0');
+        if (number > (largest - digit) / 10)
+            return largest;
+        number = number * 10 + digit;
+    }
+    return number;
+}
+
+} // namespace
+
+unsigned long RestResponse::str2ul(const std::string& text)
+{
+    return readDecimal<unsigned long>(text);
+}
+
+unsigned long long RestResponse::str2ull(const std::string& text)
+{
+    return readDecimal<unsigned long long>(text);
+}

@@ -1,0 +1,170 @@
+#include "Transfer.h"
+
+#include "JsonBody.h"
+#include "SigpipeGuard.h"
+#include "TransferOptions.h"
+
+namespace ovra::rest {
+
+namespace {
+
+std::string connectionKey(const ServerAddress& server, const RestSettings& settings)
+{
+    return server.origin() + '\n' + settings.caFile + '\n' + settings.pinnedKey + '\n' +
+           (settings.insecure ? "insecure" : "");
+}
+
+} // namespace
+
+void setHeader(Headers& headers, const std::string& name, const std::string& value)
+{
+    for (auto& header : headers)
+        if (header.first == name) {
+            wipe(header.second);
+            header.second = value;
+            return;
+        }
+    headers.emplace_back(name, value);
+}
+
+HttpRequest::~HttpRequest()
+{
+    for (auto& header : headers)
+        wipe(header.second);
+    if (body)
+        wipe(*body);
+}
+
+Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
+    : m_request(request), m_settings(settings)
+{
+}
+
+Transfer::~Transfer()
+{
+    wipe(m_body);
+}
+
+int Transfer::perform()
+{
+    CURLcode code = attempt(Reuse::Allowed);
+    if (m_request.method == REST_GET && m_reused && diedUnanswered(code))
+        code = attempt(Reuse::Forbidden);
+    if (m_outOfMemory)
+        throw std::bad_alloc();
+    return resultOf(code);
+}
+
+CURLcode Transfer::attempt(Reuse reuse)
+{
+    forgetAnswer();
+    const HeaderList headers = makeHeaderList(m_request);
+    Connection connection = ConnectionPool::instance().take(connectionKey(m_request.server, m_settings));
+    CURL* const handle = connection.handle.get();
+    const auto elapsed = std::chrono::steady_clock::now() - m_started;
+    setRequest(handle, m_request, headers.get());
+    setTrust(handle, m_settings);
+    setConfinement(handle);
+    setTimeouts(handle, m_settings, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed));
+    const bool fresh = reuse == Reuse::Forbidden || !isQuiet(connection);
+    setOption(handle, CURLOPT_FRESH_CONNECT, fresh ? 1L : 0L);
+    setCallbacks(handle);
+
+    CURLcode code = CURLE_OK;
+    {
+        const SigpipeGuard guard;
+        code = curl_easy_perform(handle);
+    }
+    long newConnections = 0;
+    curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
+    m_reused = m_sendings > 1 || newConnections == 0;
+    curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection.socket);
+    curl_easy_reset(handle); // keeps the connection, forgets every pointer into this request
+    if (code == CURLE_OK)
+        ConnectionPool::instance().giveBack(std::move(connection));
+    return code;
+}
+
+void Transfer::forgetAnswer()
+{
+    m_headers = HeaderLines();
+    m_body.clear();
+    m_headerBytes = 0;
+    m_sendings = 0;
+}
+
+void Transfer::setCallbacks(CURL* handle)
+{
+    setOption(handle, CURLOPT_PREREQFUNCTION, &Transfer::beforeRequest);
+    setOption(handle, CURLOPT_PREREQDATA, static_cast<void*>(this));
+    setOption(handle, CURLOPT_HEADERFUNCTION, &Transfer::receiveHeader);
+    setOption(handle, CURLOPT_HEADERDATA, static_cast<void*>(this));
+    setOption(handle, CURLOPT_WRITEFUNCTION, &Transfer::receiveBody);
+    setOption(handle, CURLOPT_WRITEDATA, static_cast<void*>(this));
+}
+
+bool Transfer::diedUnanswered(CURLcode code) const
+{
+    if (m_sendings > 1)
+        return true;
+    const bool died = code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR || code == CURLE_GOT_NOTHING;
+    return died && m_headerBytes == 0;
+}
+
+int Transfer::resultOf(CURLcode code) const
+{
+    if (code == CURLE_OK)
+        return REST_OK;
+    // A header line without end meets libcurl's own limit, which it reports as a lack of memory.
+    const bool longLine = m_sendings > 0 && code == CURLE_OUT_OF_MEMORY;
+    if (m_tooLarge || longLine)
+        return REST_ANSWER_TOO_LARGE;
+    if (m_sendings > 1)
+        return CURLE_GOT_NOTHING; // what happened before libcurl wanted to send again
+    if (code == CURLE_UNSUPPORTED_PROTOCOL || code == CURLE_URL_MALFORMAT)
+        return REST_BAD_REQUEST;
+    return code > 99 ? static_cast<int>(REST_INTERNAL_ERROR) : static_cast<int>(code);
+}
+
+int Transfer::beforeRequest(void* self, char*, char*, int, int)
+{
+    // libcurl sends any method again when a connection that it reuses dies: only the first time is allowed.
+    return ++static_cast<Transfer*>(self)->m_sendings == 1 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+}
+
+size_t Transfer::receiveHeader(char* data, size_t size, size_t count, void* self)
+{
+    auto* transfer = static_cast<Transfer*>(self);
+    const size_t length = size * count;
+    transfer->m_headerBytes += length;
+    if (transfer->m_headerBytes > kMostHeaderBytes) {
+        transfer->m_tooLarge = true;
+        return 0;
+    }
+    try {
+        transfer->m_headers.add({data, length});
+    } catch (const std::bad_alloc&) {
+        transfer->m_outOfMemory = true;
+        return 0;
+    }
+    return length;
+}
+
+size_t Transfer::receiveBody(char* data, size_t size, size_t count, void* self)
+{
+    auto* transfer = static_cast<Transfer*>(self);
+    const size_t length = size * count;
+    if (length > kMostBodyBytes - transfer->m_body.size()) {
+        transfer->m_tooLarge = true;
+        return 0;
+    }
+    try {
+        transfer->m_body.append(data, length);
+    } catch (const std::bad_alloc&) {
+        transfer->m_outOfMemory = true;
+        return 0;
+    }
+    return length;
+}
+
+} // namespace ovra::rest

@@ -1,0 +1,89 @@
+#ifndef OVRA_REST_TRANSFER_H
+#define OVRA_REST_TRANSFER_H
+
+#include "ConnectionPool.h"
+#include "HeaderLines.h"
+#include "ServerAddress.h"
+
+#include <ovra/rest/RestRequest.h>
+#include <ovra/rest/RestSettings.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ovra::rest {
+
+/** Names and values; outer blanks of a value are not sent, and an empty one not at all. */
+using Headers = std::vector<std::pair<std::string, std::string>>;
+
+/** Sets a header; one of that name that is there already is replaced. */
+void setHeader(Headers& headers, const std::string& name, const std::string& value);
+
+/** One HTTP request, ready to be sent. Its header values and body are wiped when it is done. */
+struct HttpRequest
+{
+    HttpRequest() = default;
+    ~HttpRequest();
+    HttpRequest(const HttpRequest&) = delete;
+    HttpRequest& operator=(const HttpRequest&) = delete;
+
+    ServerAddress server;
+    REST_REQUEST_MODE_E method = REST_GET;
+    std::string target; ///< path and query, encoded
+    Headers headers;
+    std::optional<std::string> body;
+};
+
+/** Sends one request and receives its answer. */
+class Transfer
+{
+public:
+    static constexpr size_t kMostHeaderBytes = 256UL * 1024;
+    static constexpr size_t kMostBodyBytes = 64UL * 1024 * 1024;
+
+    Transfer(const HttpRequest& request, const RestSettings& settings);
+    ~Transfer();
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    /** @return 0 when a whole answer was received, else a CURLcode or REST_RESULT_E value. */
+    int perform();
+
+    const std::string& body() const { return m_body; }
+    HeaderLines& headers() { return m_headers; }
+
+private:
+    enum class Reuse
+    {
+        Allowed,
+        Forbidden
+    };
+
+    CURLcode attempt(Reuse reuse);
+    void forgetAnswer();
+    void setCallbacks(CURL* handle);
+    int resultOf(CURLcode code) const;
+    bool diedUnanswered(CURLcode code) const;
+
+    static int beforeRequest(void* self, char*, char*, int, int);
+    static size_t receiveHeader(char* data, size_t size, size_t count, void* self);
+    static size_t receiveBody(char* data, size_t size, size_t count, void* self);
+
+    const HttpRequest& m_request;
+    const RestSettings& m_settings;
+    const std::chrono::steady_clock::time_point m_started = std::chrono::steady_clock::now();
+
+    HeaderLines m_headers;
+    std::string m_body;
+    size_t m_headerBytes = 0;
+    unsigned m_sendings = 0; ///< how often libcurl wanted to send the request in this attempt
+    bool m_reused = false;   ///< the attempt began on a connection that had served a request before
+    bool m_tooLarge = false;
+    bool m_outOfMemory = false;
+};
+
+} // namespace ovra::rest
+
+#endif

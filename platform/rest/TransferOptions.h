@@ -1,0 +1,46 @@
+#ifndef OVRA_REST_TRANSFEROPTIONS_H
+#define OVRA_REST_TRANSFEROPTIONS_H
+
+#include "Transfer.h"
+
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+namespace ovra::rest {
+
+/** Sets an option of an easy handle; throws when that fails, since each of them matters. */
+template <class Value>
+void setOption(CURL* handle, CURLoption option, Value value)
+{
+    const CURLcode code = curl_easy_setopt(handle, option, value);
+    if (code == CURLE_OUT_OF_MEMORY)
+        throw std::bad_alloc();
+    if (code != CURLE_OK)
+        throw std::runtime_error("libcurl lacks an option");
+}
+
+struct WipeAndFreeList
+{
+    void operator()(curl_slist* list) const;
+};
+using HeaderList = std::unique_ptr<curl_slist, WipeAndFreeList>;
+
+/** The request's header lines for libcurl; they must outlive the transfer. */
+HeaderList makeHeaderList(const HttpRequest& request);
+
+/** What is sent, and where to. */
+void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers);
+
+/** How the server is proved to be the right one. */
+void setTrust(CURL* handle, const RestSettings& settings);
+
+/** Limits on protocols, redirects, proxies and descriptors: the same for every request. */
+void setConfinement(CURL* handle);
+
+/** Time-outs of a request that began that long ago. */
+void setTimeouts(CURL* handle, const RestSettings& settings, std::chrono::milliseconds elapsed);
+
+} // namespace ovra::rest
+
+#endif

@@ -1,0 +1,149 @@
+// The C library's functions that the scanner reaches the host by: the seam's while one lives, else the
+// library's own.
+
+#include "support/HostSeam.h"
+#include "support/RecordingPlatform.h"
+
+#include <cstdarg>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <string>
+#include <sys/ioctl.h>
+#include <sys/sem.h>
+#include <unistd.h>
+
+namespace {
+
+/** The function that would have been called without this file. */
+template <class Function>
+Function* next(const char* name, Function*)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+bool isDisk(const std::string& path)
+{
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return path.compare(0, 5, "/dev/") == 0 &&
+           (name.compare(0, 2, "sd") == 0 || name.compare(0, 3, "dm-") == 0);
+}
+
+} // namespace
+
+extern "C" {
+
+int system(const char* command)
+{
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->system(command) : next("system", &system)(command);
+}
+
+FILE* popen(const char* command, const char* mode)
+{
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->popen(command) : next("popen", &popen)(command, mode);
+}
+
+int pclose(FILE* stream)
+{
+    if (HostSeam::active() == nullptr) {
+        return next("pclose", &pclose)(stream);
+    }
+    RecordingPlatform::get().note("pclose");
+    return fclose(stream);
+}
+
+FILE* fopen(const char* path, const char* mode)
+{
+    HostSeam* const seam = HostSeam::active();
+    const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
+    if (seam == nullptr || file == seam->files.end()) {
+        return next("fopen", &fopen)(path, mode);
+    }
+    return fmemopen(file->second.data(), file->second.size(), "r");
+}
+
+int access(const char* path, int mode) noexcept
+{
+    HostSeam* const seam = HostSeam::active();
+    const std::string name = path;
+    if (seam == nullptr || name.compare(0, 23, "/sys/class/scsi_device/") != 0) {
+        return next("access", &access)(path, mode);
+    }
+    return seam->scsiDevices.count(name) != 0 ? 0 : -1;
+}
+
+unsigned int sleep(unsigned int seconds)
+{
+    if (HostSeam::active() == nullptr) {
+        return next("sleep", &sleep)(seconds);
+    }
+    RecordingPlatform::get().note("sleep: " + std::to_string(seconds));
+    return 0;
+}
+
+int usleep(useconds_t microseconds)
+{
+    if (HostSeam::active() == nullptr) {
+        return next("usleep", &usleep)(microseconds);
+    }
+    RecordingPlatform::get().note("usleep: " + std::to_string(microseconds));
+    return 0;
+}
+
+int open(const char* path, int flags, ...)
+{
+    mode_t mode = 0;
+    if ((flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE) {
+        va_list arguments;
+        va_start(arguments, flags);
+        mode = va_arg(arguments, mode_t);
+        va_end(arguments);
+    }
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr && isDisk(path) ? seam->open(path, flags) : next("open", &open)(path, flags, mode);
+}
+
+int ioctl(int fd, unsigned long request, ...) noexcept
+{
+    va_list arguments;
+    va_start(arguments, request);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr && seam->owns(fd) ? seam->ioctl(fd, argument)
+                                             : next("ioctl", &ioctl)(fd, request, argument);
+}
+
+int fsync(int fd)
+{
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr && seam->owns(fd) ? seam->fsync(fd) : next("fsync", &fsync)(fd);
+}
+
+int semget(key_t key, int count, int flags) noexcept
+{
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->semget(key, count, flags) : next("semget", &semget)(key, count, flags);
+}
+
+int semop(int id, sembuf* operations, size_t count) noexcept
+{
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->semop(id, operations->sem_op, operations->sem_flg)
+                           : next("semop", &semop)(id, operations, count);
+}
+
+int semctl(int id, int number, int command, ...) noexcept
+{
+    va_list arguments;
+    va_start(arguments, command);
+    const long value = va_arg(arguments, long);
+    va_end(arguments);
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->semctl(id, command, static_cast<int>(value))
+                           : next("semctl", &semctl)(id, number, command, value);
+}
+
+} // extern "C"

@@ -1,0 +1,229 @@
+#include "support/HostSeam.h"
+
+#include "support/RecordingPlatform.h"
+
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <scsi/sg.h>
+#include <sys/ipc.h>
+#include <sys/sem.h>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<HostSeam*> g_active{nullptr};
+
+void note(const std::string& line)
+{
+    RecordingPlatform::get().note(line);
+}
+
+/** The next of a script; the last one stays. */
+template <class T>
+T take(std::deque<T>& script, const T& none)
+{
+    if (script.empty()) {
+        return none;
+    }
+    const T next = script.front();
+    if (script.size() > 1) {
+        script.pop_front();
+    }
+    return next;
+}
+
+int failWith(int error)
+{
+    errno = error;
+    return -1;
+}
+
+} // namespace
+
+std::vector<unsigned char> page83(const std::string& designatorHex)
+{
+    const size_t length = designatorHex.size() / 2;
+    const unsigned char binary = 0x01, naa = 0x03;
+    std::vector<unsigned char> page = {0,      0x83, 0, static_cast<unsigned char>(length + 4),
+                                       binary, naa,  0, static_cast<unsigned char>(length)};
+    for (size_t i = 0; i < length; ++i) {
+        page.push_back(static_cast<unsigned char>(std::stoul(designatorHex.substr(2 * i, 2), nullptr, 16)));
+    }
+    page.resize(256);
+    return page;
+}
+
+HostSeam::HostSeam()
+{
+    g_active = this;
+}
+
+HostSeam::~HostSeam()
+{
+    g_active = nullptr;
+}
+
+HostSeam* HostSeam::active()
+{
+    return g_active;
+}
+
+void HostSeam::exits(const std::string& command, std::deque<int> codes)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_exits[command] = std::move(codes);
+}
+
+void HostSeam::prints(const std::string& command, std::deque<std::string> outputs)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_outputs[command] = std::move(outputs);
+}
+
+void HostSeam::cannotStart(const std::string& command, int call)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_failsFrom[command] = call;
+}
+
+SeamDisk& HostSeam::addDisk(const std::string& name, const std::string& designatorHex)
+{
+    disks[name].pages = {page83(designatorHex)};
+    return disks[name];
+}
+
+int HostSeam::system(const std::string& command)
+{
+    note("system: " + command);
+    if (onSystem) {
+        onSystem(command);
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return take(m_exits[command], 1) << 8;
+}
+
+std::FILE* HostSeam::popen(const std::string& command)
+{
+    note("popen: " + command);
+    if (onPopen) {
+        onPopen(command);
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const int call = m_started[command]++;
+    const auto failing = m_failsFrom.find(command);
+    if (failing != m_failsFrom.end() && call >= failing->second) {
+        errno = EMFILE;
+        return nullptr;
+    }
+    m_texts.push_back(take(m_outputs[command], std::string()));
+    std::string& text = m_texts.back();
+    return text.empty() ? std::fopen("/dev/null", "r") : fmemopen(text.data(), text.size(), "r");
+}
+
+int HostSeam::open(const std::string& path, int flags)
+{
+    const std::string name = path.substr(path.rfind('/') + 1);
+    const bool writing = (flags & O_ACCMODE) != O_RDONLY;
+    note("open: " + path + (writing ? " rw" : " ro"));
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto disk = disks.find(name);
+    if (disk == disks.end()) {
+        return failWith(ENOENT);
+    }
+    if (disk->second.openError != 0) {
+        return failWith(disk->second.openError);
+    }
+    if (writing && disk->second.writeOpenError != 0) {
+        return failWith(disk->second.writeOpenError);
+    }
+    const int fd = ::dup(STDERR_FILENO);
+    m_open[fd] = name;
+    return fd;
+}
+
+bool HostSeam::owns(int fd)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_open.count(fd) != 0;
+}
+
+std::string HostSeam::nameOf(int fd)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_open.at(fd);
+}
+
+int HostSeam::ioctl(int fd, void* argument)
+{
+    const std::string name = nameOf(fd);
+    auto* const request = static_cast<sg_io_hdr*>(argument);
+    char page[8] = {};
+    std::snprintf(page, sizeof(page), " %02x", request->cmdp[2]);
+    note("inquiry: " + name + page);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    SeamDisk& disk = disks.at(name);
+    if (disk.ioctlResult != 0 || disk.pages.empty()) {
+        return failWith(EIO);
+    }
+    const std::vector<unsigned char> bytes = take(disk.pages, {});
+    std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(request->dxferp));
+    request->status = disk.scsiStatus;
+    return 0;
+}
+
+int HostSeam::fsync(int fd)
+{
+    const std::string name = nameOf(fd);
+    note("fsync: " + name);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const int error = disks.at(name).flushError;
+    return error == 0 ? 0 : failWith(error);
+}
+
+int HostSeam::semget(int key, int count, int flags)
+{
+    char mode[16] = {};
+    std::snprintf(mode, sizeof(mode), "%04o", static_cast<unsigned int>(flags) & 0777u);
+    note("semget: " + std::to_string(key) + " " + std::to_string(count) + " " + mode +
+         ((flags & IPC_CREAT) != 0 ? " create" : "") + ((flags & IPC_EXCL) != 0 ? " excl" : ""));
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (semgetFails) {
+        return failWith(ENOSPC);
+    }
+    if (semaphoreId < 0 && (flags & IPC_CREAT) == 0) {
+        return failWith(ENOENT);
+    }
+    if (semaphoreId < 0) {
+        semaphoreId = nextSemaphoreId;
+        semaphoreValue = 0;
+    }
+    return semaphoreId;
+}
+
+int HostSeam::semop(int id, int change, int flags)
+{
+    note("semop: " + std::to_string(id) + " " + std::to_string(change) +
+         ((flags & SEM_UNDO) != 0 ? " undo" : "") + ((flags & IPC_NOWAIT) != 0 ? " nowait" : ""));
+    std::unique_lock<std::mutex> lock(m_mutex);
+    if (!semopErrors.empty()) {
+        const int error = semopErrors.front();
+        semopErrors.pop_front();
+        return failWith(error);
+    }
+    m_freed.wait(lock, [&] { return semaphoreValue + change >= 0; });
+    semaphoreValue += change;
+    return 0;
+}
+
+int HostSeam::semctl(int id, int command, int value)
+{
+    note("semctl: " + std::to_string(id) + (command == SETVAL ? " SETVAL " : " ? ") + std::to_string(value));
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (semctlFails) {
+        return failWith(EACCES);
+    }
+    semaphoreValue = value;
+    m_freed.notify_all();
+    return 0;
+}

@@ -1,0 +1,221 @@
+#include "ServerConnection.h"
+
+#include <openssl/err.h>
+
+#include <array>
+#include <cerrno>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <strings.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace tessel_test {
+
+ServerConnection::ServerConnection(int socket, unsigned number, SSL_CTX* context, bool silent,
+                                   ConnectionObserver& observer)
+    : m_socket(socket), m_number(number), m_ssl(context ? SSL_new(context) : nullptr), m_observer(observer),
+      m_state(silent    ? State::Silent
+              : context ? State::Handshake
+                        : State::Reading)
+{
+    const int on = 1;
+    setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
+    if (m_ssl) {
+        SSL_set_fd(m_ssl, m_socket);
+        SSL_set_mode(m_ssl, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
+    }
+}
+
+ServerConnection::~ServerConnection()
+{
+    SSL_free(m_ssl);
+    close(m_socket);
+}
+
+short ServerConnection::wanted() const
+{
+    if (m_state == State::Silent)
+        return 0;
+    const bool paused = m_state == State::Writing && due();
+    return paused ? 0 : m_blockedOnWrite ? POLLOUT : POLLIN;
+}
+
+std::optional<ServerConnection::Clock::time_point> ServerConnection::due() const
+{
+    if (m_state == State::Writing && m_behaviour.perByte.count() > 0)
+        return m_nextByte;
+    return std::nullopt;
+}
+
+bool ServerConnection::step()
+{
+    Progress progress = Progress::Moved;
+    while (progress == Progress::Moved) {
+        m_blockedOnWrite = false;
+        ERR_clear_error();
+        switch (m_state) {
+        case State::Silent:
+            progress = Progress::Blocked;
+            break;
+        case State::Handshake:
+            progress = shakeHands();
+            break;
+        case State::Reading:
+            progress = read();
+            break;
+        case State::Writing:
+            progress = write();
+            break;
+        }
+    }
+    return progress == Progress::Blocked;
+}
+
+void ServerConnection::shutDown()
+{
+    if (m_ssl && m_state != State::Handshake && m_state != State::Silent)
+        SSL_shutdown(m_ssl);
+    shutdown(m_socket, SHUT_RDWR);
+}
+
+ServerConnection::Progress ServerConnection::shakeHands()
+{
+    const int result = SSL_accept(m_ssl);
+    if (result != 1)
+        return blockedOrOver(result);
+    m_observer.handshakeDone();
+    m_state = State::Reading;
+    return Progress::Moved;
+}
+
+ServerConnection::Progress ServerConnection::read()
+{
+    std::array<char, 16384> buffer;
+    const int length = receive(buffer.data(), static_cast<int>(buffer.size()));
+    if (length <= 0)
+        return blockedOrOver(length);
+    m_input.append(buffer.data(), static_cast<size_t>(length));
+    const bool tlsWithoutTls = !m_ssl && m_input.front() == '\x16';
+    if (tlsWithoutTls)
+        behave(Behaviour::raw("HTTP/1.1 400 Bad Request\r\n\r\n", Behaviour::Afterwards::Close));
+    else if (const std::optional<ReceivedRequest> request = takeRequest())
+        behave(m_observer.requestReceived(*request));
+    return Progress::Moved;
+}
+
+void ServerConnection::behave(const Behaviour& behaviour)
+{
+    m_behaviour = behaviour;
+    m_pending = m_behaviour.bytes;
+    m_nextByte = Clock::now();
+    m_state = State::Writing;
+}
+
+ServerConnection::Progress ServerConnection::write()
+{
+    if (m_pending.empty())
+        m_pending.swap(m_behaviour.separately);
+    if (m_pending.empty())
+        m_pending = m_behaviour.endlessly;
+    if (m_pending.empty())
+        return finishWriting();
+    const bool slow = m_behaviour.perByte.count() > 0;
+    if (slow && Clock::now() < m_nextByte)
+        return Progress::Blocked;
+    const int written = transmit(m_pending.data(), slow ? 1 : m_pending.size());
+    if (written <= 0)
+        return blockedOrOver(written);
+    m_pending.erase(0, static_cast<size_t>(written));
+    m_nextByte = Clock::now() + m_behaviour.perByte;
+    return Progress::Moved;
+}
+
+ServerConnection::Progress ServerConnection::finishWriting()
+{
+    m_state = State::Reading;
+    switch (m_behaviour.afterwards) {
+    case Behaviour::Afterwards::KeepOpen:
+        return Progress::Moved;
+    case Behaviour::Afterwards::Close:
+        shutDown();
+        break;
+    case Behaviour::Afterwards::Reset: {
+        const linger hard{1, 0};
+        setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &hard, sizeof(hard));
+        break;
+    }
+    }
+    return Progress::Over;
+}
+
+ServerConnection::Progress ServerConnection::blockedOrOver(int result)
+{
+    const int error = m_ssl ? SSL_get_error(m_ssl, result) : SSL_ERROR_NONE;
+    if (m_ssl ? error == SSL_ERROR_WANT_READ : result < 0 && errno == EAGAIN)
+        m_blockedOnWrite = !m_ssl && m_state == State::Writing;
+    else if (error == SSL_ERROR_WANT_WRITE)
+        m_blockedOnWrite = true;
+    else {
+        m_observer.closedByClient(error == SSL_ERROR_ZERO_RETURN);
+        return Progress::Over;
+    }
+    return Progress::Blocked;
+}
+
+std::optional<ReceivedRequest> ServerConnection::takeRequest()
+{
+    const size_t headEnd = m_input.find("\r\n\r\n");
+    if (headEnd == std::string::npos)
+        return std::nullopt;
+    ReceivedRequest request;
+    request.connection = m_number;
+    request.head = m_input.substr(0, headEnd + 2);
+    const std::string length = request.header("Content-Length");
+    const size_t bodyLength = length.empty() ? 0 : std::stoul(length);
+    if (m_input.size() < headEnd + 4 + bodyLength)
+        return std::nullopt;
+    request.body = m_input.substr(headEnd + 4, bodyLength);
+    m_input.erase(0, headEnd + 4 + bodyLength);
+    return request;
+}
+
+int ServerConnection::receive(char* buffer, int size)
+{
+    if (m_ssl)
+        return SSL_read(m_ssl, buffer, size);
+    return static_cast<int>(recv(m_socket, buffer, static_cast<size_t>(size), 0));
+}
+
+int ServerConnection::transmit(const char* data, size_t size)
+{
+    if (m_ssl)
+        return SSL_write(m_ssl, data, static_cast<int>(size));
+    return static_cast<int>(send(m_socket, data, size, MSG_NOSIGNAL));
+}
+
+std::string ReceivedRequest::method() const
+{
+    return head.substr(0, head.find(' '));
+}
+
+std::string ReceivedRequest::target() const
+{
+    const size_t begin = head.find(' ') + 1;
+    return head.substr(begin, head.find(" HTTP/", begin) - begin);
+}
+
+std::string ReceivedRequest::header(const std::string& name) const
+{
+    for (size_t line = head.find("\r\n"); line + 2 < head.size(); line = head.find("\r\n", line + 2)) {
+        const char* begin = head.c_str() + line + 2;
+        if (strncasecmp(begin, name.c_str(), name.size()) != 0 || begin[name.size()] != ':')
+            continue;
+        const size_t value = head.find_first_not_of(' ', line + 2 + name.size() + 1);
+        return head.substr(value, head.find("\r\n", value) - value);
+    }
+    return "";
+}
+
+} // namespace tessel_test

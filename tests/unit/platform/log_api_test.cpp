@@ -1,0 +1,118 @@
+#include "LogFixture.h"
+
+#include <ovra/log/LogAPI.h>
+
+#include <atomic>
+#include <cerrno>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace ovra::log {
+namespace {
+
+class LogApi : public LogFixture
+{
+protected:
+    const unsigned long droppedBefore = Log_Dropped_Count(); ///< the count is the process's
+
+    std::vector<std::string> textsOfToday() const
+    {
+        std::vector<std::string> texts;
+        for (const std::string& name : namesIn(logs()))
+            if (name.rfind("Tessel_run_", 0) == 0)
+                for (const std::string& line : linesOf(logs() / name))
+                    texts.push_back(withoutOrigin(line));
+        return texts;
+    }
+};
+
+TEST_F(LogApi, WritesEachLevelBetweenInitAndFini)
+{
+    writeFile(iniFile(), "[run_log]\nlevel = debug\n");
+    Log_Run_Error("p", "before");
+    EXPECT_EQ(-1, LogFini("p"));
+    int level = -1;
+    ASSERT_EQ(0, LogInit("p", iniFile().c_str(), &level, logs().c_str()));
+    EXPECT_EQ(0, level);
+    Log_Run_Debug("p", "%s %n is data");
+    Log_Run_Info("p", "b");
+    Log_Run_Warn("p", "c");
+    Log_Run_Error("p", "d");
+    EXPECT_EQ(0, LogFini("p"));
+    Log_Run_Error("p", "after");
+    EXPECT_EQ((std::vector<std::string>{"DEBUG p %s %n is data", "INFO p b", "WARN p c", "ERROR p d"}),
+              textsOfToday());
+    EXPECT_EQ(droppedBefore, Log_Dropped_Count());
+}
+
+TEST_F(LogApi, AcceptsNullForEveryText)
+{
+    ASSERT_EQ(0, LogInit(nullptr, nullptr, nullptr, logs().c_str()));
+    Log_Run_Info(nullptr, nullptr);
+    Log_Interface_Info(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                       nullptr, nullptr);
+    Log_Interface_Error("p", "1", "", "op", "", "", "", "s", "e", "7", nullptr);
+    EXPECT_EQ(0, LogFini(nullptr));
+    EXPECT_EQ((std::vector<std::string>{"INFO - "}), textsOfToday());
+}
+
+TEST_F(LogApi, KeepsErrno)
+{
+    errno = 4711;
+    EXPECT_EQ(0, LogInit("p", "/nonexistent/x.ini", nullptr, logs().c_str()));
+    Log_Run_Info("p", "text");
+    LogFini("p");
+    EXPECT_EQ(4711, errno);
+}
+
+TEST_F(LogApi, WithoutAnyDirectoryFailsAndCounts)
+{
+    writeFile(folder / "blocked", "");
+    setenv("XDG_STATE_HOME", (folder / "blocked").c_str(), 1);
+    EXPECT_EQ(-1, LogInit("p", "", nullptr, (folder / "blocked/logs").c_str()));
+    Log_Run_Info("p", "text");
+    EXPECT_EQ(droppedBefore + 1, Log_Dropped_Count());
+    EXPECT_EQ(0, LogFini("p"));
+}
+
+TEST_F(LogApi, FallsBackToTheStateDirectoryOfTheUser)
+{
+    writeFile(folder / "blocked", "");
+    setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
+    EXPECT_EQ(0, LogInit("p", "", nullptr, (folder / "blocked/logs").c_str()));
+    EXPECT_EQ(0, LogFini("p"));
+    EXPECT_EQ(1U, namesIn(folder / "state/ovra/logs").size());
+}
+
+TEST_F(LogApi, AChildForkedWhileOtherThreadsLogCanLogItself)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer's allocator may be locked in a child of a process with threads";
+#endif
+    ASSERT_EQ(0, LogInit("p", "", nullptr, logs().c_str()));
+    std::atomic<bool> stop{false};
+    std::thread writer([&] {
+        while (!stop)
+            Log_Run_Info("p", "parent");
+    });
+    constexpr long kChildren = 20;
+    for (int i = 0; i < kChildren; ++i) {
+        const pid_t child = fork();
+        if (child == 0) {
+            Log_Run_Info("p", "child");
+            _exit(0);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(0, status);
+    }
+    stop = true;
+    writer.join();
+    LogFini("p");
+    const std::vector<std::string> texts = textsOfToday();
+    EXPECT_EQ(kChildren, std::count(texts.begin(), texts.end(), "INFO p child"));
+}
+
+} // namespace
+} // namespace ovra::log
