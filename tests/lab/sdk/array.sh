@@ -1,11 +1,17 @@
 # For the SDK's tests in the guest: an array whose mapping views are real disks, and the SDK beside it.
 . "$(dirname "${BASH_SOURCE[0]}")/../self/expect.sh"
 
-sdk() { "$BUILD/bin/sdk_host" "$@"; }
+# The libraries in a directory of their own, where their logs can be written.
+sdk_lib=/run/lab/sdk
+if [ ! -d $sdk_lib ]; then
+    mkdir $sdk_lib
+    cp -a "$BUILD"/lib/*.so* "$BUILD/lib/Tessel_API.ini" $sdk_lib
+fi
+sdk() { LD_LIBRARY_PATH=$sdk_lib "$BUILD/bin/sdk_host" "$@"; }
 
 # The SDK's run log since it was marked.
-run_log_mark() { cat "$BUILD"/lib/logs/Tessel_run_* 2>/dev/null | wc -l > /run/lab/log.seen; }
-run_log() { cat "$BUILD"/lib/logs/Tessel_run_* | tail -n +"$(($(cat /run/lab/log.seen) + 1))"; }
+run_log_mark() { cat $sdk_lib/logs/Tessel_run_* 2>/dev/null | wc -l > /run/lab/log.seen; }
+run_log() { cat $sdk_lib/logs/Tessel_run_* | tail -n +"$(($(cat /run/lab/log.seen) + 1))"; }
 
 # disk_name PATH: "sdc" of /dev/disk/by-id/../../sdc.
 disk_name() { basename "$1"; }

@@ -1,0 +1,29 @@
+// Works on a session that another program opened: no password is needed, and the session stays open.
+
+#include <tessel/Tessel.h>
+
+#include <cstdlib>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    const char* const deviceId = std::getenv("TESSEL_DEVICE_ID");
+    const char* const token = std::getenv("TESSEL_TOKEN");
+    const char* const cookie = std::getenv("TESSEL_COOKIE");
+    if (argc != 3 || deviceId == nullptr || token == nullptr || cookie == nullptr) {
+        std::cerr
+            << "usage: TESSEL_DEVICE_ID=... TESSEL_TOKEN=... TESSEL_COOKIE=... adopt_session ADDRESS PORT\n";
+        return 2;
+    }
+    CDeviceManager* const array = CDeviceManager::getInstance(3, 500000);
+    const unsigned int port = static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10));
+    int result = 1;
+    if (array->useConnection(argv[1], port, deviceId, token, cookie)) {
+        // Adopting sends nothing: this tells whether the session is alive.
+        const bool alive = array->keepAlive();
+        std::cout << (alive ? "the session is alive\n" : "the session has ended\n");
+        result = alive ? 0 : 1;
+    }
+    CDeviceManager::releaseInstance(array); // forgets the session, does not end it
+    return result;
+}

@@ -1,0 +1,67 @@
+// Reads a LUN and tells the four ways apart in which that can end: the LUN, no such LUN, an error of the
+// array, and no answer.
+
+#include <tessel/Tessel.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+const int NO_SUCH_OBJECT = 1077950001; // the array's code; see its documentation
+const int SESSION_ENDED = 1077950102;
+
+enum Result
+{
+    FOUND = 0,
+    NOT_FOUND = 3,
+    REFUSED = 4,
+    NO_ANSWER = 5
+};
+
+Result readLun(CLunHandler& luns, const std::string& id)
+{
+    try {
+        const LunMO lun = luns.getLun(id);
+        if (lun.ID.empty()) { // some arrays answer so for an ID that they do not know
+            std::cout << "there is no LUN " << id << "\n";
+            return NOT_FOUND;
+        }
+        std::cout << "LUN " << lun.ID << " is " << lun.NAME << "\n";
+        return FOUND;
+    } catch (const OvraAPIExceptionWithErrCode& e) { // the array answered with an error
+        if (e.getErrCode() == NO_SUCH_OBJECT) {
+            std::cout << "there is no LUN " << id << "\n";
+            return NOT_FOUND;
+        }
+        if (e.getErrCode() == SESSION_ENDED) {
+            std::cout << "the session has ended: log in again\n";
+        }
+        std::cout << "code " << e.getErrCode() << ": " << e.what() << "\n";
+        return REFUSED;
+    } catch (const OvraAPIException& e) { // an argument was refused, or there was no answer to be read
+        std::cout << e.what() << "\n";
+        return NO_ANSWER;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const char* const password = std::getenv("TESSEL_PASSWORD");
+    if (argc != 5 || password == nullptr) {
+        std::cerr << "usage: TESSEL_PASSWORD=... handle_errors ADDRESS PORT USER LUN-ID\n";
+        return 2;
+    }
+    CDeviceManager* const array = CDeviceManager::getInstance(3, 500000);
+    int result = 1;
+    if (array->loginDevice(argv[1], static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)), argv[3],
+                           password, USERTYPE_LOCAL)) {
+        result = readLun(*static_cast<CLunHandler*>(array->getHandler(LUN_HANDLER)), argv[4]);
+        array->logoutDevice();
+    }
+    CDeviceManager::releaseInstance(array);
+    return result;
+}
