@@ -74,11 +74,16 @@ void Operation::addIfSet(const char* key, const std::string& value)
     }
 }
 
-void Operation::fail(int result, const std::string& message)
+OvraAPIException Operation::failure(int result, const std::string& message)
 {
     COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
     t_failure = result;
-    throw OvraAPIException(message);
+    return OvraAPIException(message);
+}
+
+void Operation::fail(int result, const std::string& message)
+{
+    throw failure(result, message);
 }
 
 void Operation::require(bool holds, const char* text)
@@ -106,6 +111,11 @@ void Operation::expect(bool holds, const char* text)
 void Operation::stop(const char* text, int result)
 {
     COMMLOG(OS_LOG_ERROR, "%s%s", text, m_frame.errors.c_str());
+    end(result);
+}
+
+void Operation::end(int result)
+{
     m_record.write(result);
     m_stopped = true;
 }
@@ -158,7 +168,8 @@ void Operation::failed()
         throw; // the thread is being cancelled: nothing may stop that
     } catch (...) {
         // The answer has a field of a type that it cannot be read as, or the host is out of memory.
+        const OvraAPIException unreadable = failure(REST_ANSWER_UNREADABLE, NO_ANSWER + m_frame.errors);
         m_record.write(REST_ANSWER_UNREADABLE);
-        fail(REST_ANSWER_UNREADABLE, NO_ANSWER + m_frame.errors);
+        throw unreadable;
     }
 }

@@ -120,6 +120,16 @@ public:
     void requireReadable(bool holds);
     /** Ends the operation without an exception: the error line, the record with result, no leave line. */
     void stop(const char* text, int result);
+    /** As require, but ends the operation without an exception; true when it did. */
+    bool refused(bool holds, const char* text)
+    {
+        if (!holds) {
+            stop(text, RESULT_BAD_ARGUMENT);
+        }
+        return !holds;
+    }
+    /** Ends the operation as stop does, without a line: the caller has said or will say why. */
+    void end(int result);
 
     /** Adds a member to the request's body; the order of the calls is the order on the wire. */
     template <class T>
@@ -146,7 +156,9 @@ private:
 
     RestRequest& request();
     void exchange(REST_REQUEST_MODE_E mode, const std::string& url, RestResponse& response);
-    [[noreturn]] void fail(int result, const std::string& message);
+    /** Says what ended the operation; for the caller to throw. */
+    static OvraAPIException failure(int result, const std::string& message);
+    [[noreturn]] static void fail(int result, const std::string& message);
     void succeeded();
     [[noreturn]] void failed();
 

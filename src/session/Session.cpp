@@ -82,12 +82,11 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
             request.SendRequest("/deviceManager/rest/xxxx/sessions", REST_POST, response, headers, true),
             response);
 
-        call.require(response.count() != 0, LOGIN.noAnswer, REST_ANSWER_UNREADABLE);
         const std::string deviceId = response[0]["deviceid"].asString();
         const std::string token = response[0]["iBaseToken"].asString();
-        call.require(!deviceId.empty() && !token.empty(), LOGIN.noAnswer, REST_ANSWER_UNREADABLE);
         const std::string cookie = findCookie(headers);
         call.require(!cookie.empty(), "Get cookie Err");
+        call.require(!deviceId.empty() && !token.empty(), LOGIN.noAnswer, REST_ANSWER_UNREADABLE);
         if (!adopt(ip, port, deviceId, token, cookie, true)) {
             RestResponse ignored; // the session was opened for nothing: the array is to forget it again
             sendOnSession(serverUrl(ip, port), token, cookie, deviceId + "/sessions", REST_DELETE, ignored);

@@ -92,6 +92,7 @@ void ArraySim::start()
     std::filesystem::remove(m_stateDir + "/port");
     const std::vector<std::string> line = commandLine();
     std::vector<char*> arguments;
+    arguments.reserve(line.size() + 1);
     for (const auto& argument : line) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
     }

@@ -108,7 +108,7 @@ int RestRequest::SendRequest(const std::string& url, const REST_REQUEST_MODE_E& 
 
 namespace {
 
-class RecordingUserManager : public CUserManager
+class RecordingUserManager final : public CUserManager
 {
 public:
     bool hasUser(CDeviceManagerImpl* const&) override { return false; }

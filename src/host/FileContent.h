@@ -1,0 +1,9 @@
+#ifndef HOST_FILECONTENT_H
+#define HOST_FILECONTENT_H
+
+#include <string>
+
+/** The bytes of a file; none, or what came before the error, when it cannot be read. */
+std::string contentOf(const std::string& path);
+
+#endif

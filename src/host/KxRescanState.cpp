@@ -1,0 +1,37 @@
+#include "host/KxRescanState.h"
+
+std::atomic<int> g_scanState{KX_RESCAN_NEVER};
+std::mutex g_scanLunMutex;
+std::condition_variable g_scanlunEndCond;
+
+void SetScanState(KxRescanState state)
+{
+    g_scanState = state;
+}
+
+int GetScanState()
+{
+    return g_scanState;
+}
+
+void waitForScanEnd()
+{
+    std::unique_lock<std::mutex> lock(g_scanLunMutex);
+    g_scanlunEndCond.wait(lock, [] { return GetScanState() == KX_RESCAN_ENDED; });
+}
+
+std::unique_lock<std::mutex> RunningScan::end()
+{
+    m_ended = true;
+    SetScanState(KX_RESCAN_ENDED);
+    std::unique_lock<std::mutex> lock(g_scanLunMutex);
+    g_scanlunEndCond.notify_all();
+    return lock;
+}
+
+RunningScan::~RunningScan()
+{
+    if (!m_ended) {
+        end();
+    }
+}

@@ -1,0 +1,11 @@
+#ifndef HOST_MULTIPATHMAPS_H
+#define HOST_MULTIPATHMAPS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/** The first path device, e.g. sdc, of a device-mapper node, e.g. dm-3, in what multipath -ll prints. */
+std::optional<std::string> firstPathOf(const std::string& node, const std::vector<std::string>& lines);
+
+#endif

@@ -1,0 +1,141 @@
+// Reads the identity out of the bytes of an INQUIRY page.
+
+#include "host/DiskScannerHandlerImpl.h"
+#include "session/Log.h"
+
+#include <ovra/bounds/bounds.h>
+
+#include <cstring>
+
+namespace {
+
+// Of the page: a header of 4 bytes, then the first designator, with a header of 4 bytes of its own.
+const int DESIGNATOR_LENGTH = 7;
+const int DESIGNATOR = 8;
+const int ARRAY_LUN_ID = 20;
+const int ARRAY_LUN_ID_DIGITS = 9; // the odd one is dropped: 4 bytes
+
+const int WWN_TEXT_SIZE = 64;
+const int LUN_ID_TEXT_SIZE = 11;
+
+/** Arithmetic in 32 bits that wraps. */
+int plus(int value, int count, int step)
+{
+    return static_cast<int>(static_cast<unsigned int>(value) +
+                            static_cast<unsigned int>(count) * static_cast<unsigned int>(step));
+}
+
+int writeHex(char* out, int outSize, const unsigned char* data, int count)
+{
+    for (; count > 0; --count, out += 2, outSize -= 2) {
+        if (sprintf_s(out, static_cast<size_t>(outSize), "%02x", *data++) < 0) {
+            return -1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int CDiskScannerHandlerImpl::ParseDisk83Page(unsigned char* page, std::string& wwnOut, std::string& lunIdOut)
+{
+    const int length = page[DESIGNATOR_LENGTH];
+    if (2 * length >= WWN_TEXT_SIZE) {
+        return -1;
+    }
+    char wwn[WWN_TEXT_SIZE] = {};
+    unsigned char hex[LUN_ID_TEXT_SIZE] = {};
+    char decimal[LUN_ID_TEXT_SIZE] = {};
+    int result = BinaryToAscii(wwn, WWN_TEXT_SIZE, page, DESIGNATOR, length);
+    if (result == 0) {
+        result = ConvertLUNIDtoAscii(hex, LUN_ID_TEXT_SIZE, page + ARRAY_LUN_ID, ARRAY_LUN_ID_DIGITS);
+    }
+    if (result != 0) {
+        return result;
+    }
+    HextoDec(decimal, reinterpret_cast<char*>(hex), LUN_ID_TEXT_SIZE);
+    wwnOut = wwn;
+    lunIdOut = decimal;
+    return 0;
+}
+
+int CDiskScannerHandlerImpl::BinaryToAscii(char* hexOut, int hexOutSize, unsigned char* data, int offset,
+                                           int count)
+{
+    if (data == nullptr) {
+        COMMLOG(OS_LOG_INFO, "pucBuffer is NULL! BinaryToAscii");
+        return -1;
+    }
+    if (hexOut == nullptr) {
+        COMMLOG(OS_LOG_INFO, "pszHexBuffer is NULL! BinaryToAscii");
+        return -1;
+    }
+    if (hexOutSize - 1LL < 2LL * count) {
+        return -1;
+    }
+    return writeHex(hexOut, hexOutSize, data + offset, count);
+}
+
+int CDiskScannerHandlerImpl::ConvertLUNIDtoAscii(unsigned char* asciiOut, int asciiOutSize,
+                                                 unsigned char* data, int digits)
+{
+    if (asciiOut == nullptr) {
+        COMMLOG(OS_LOG_INFO, "puszAsciiLunID is NULL! ConvertLUNIDtoAscii");
+        return -1;
+    }
+    if (data == nullptr) {
+        COMMLOG(OS_LOG_INFO, "puszLunLunID is NULL! ConvertLUNIDtoAscii");
+        return -1;
+    }
+    if (digits > asciiOutSize - 1LL) {
+        return -1;
+    }
+    return writeHex(reinterpret_cast<char*>(asciiOut), asciiOutSize, data, digits / 2);
+}
+
+int CDiskScannerHandlerImpl::HextoDec(char* decOut, char* hexIn, int decOutSize)
+{
+    if (decOut == nullptr) {
+        COMMLOG(OS_LOG_INFO, "pDecStr is NULL! HextoDec");
+        return -1;
+    }
+    if (hexIn == nullptr) {
+        COMMLOG(OS_LOG_INFO, "pHexStr is NULL! HextoDec");
+        return -1;
+    }
+    int value = 0;
+    const int length = static_cast<int>(strlen(hexIn));
+    for (int i = 0; i < length; ++i) {
+        const int position = length - i - 1;
+        if (hexIn[i] >= '0' && hexIn[i] <= '9') {
+            value = plus(value, hexIn[i] - '0', CalStep(position));
+        } else if (HexEncode(hexIn[i], position, value) != 0) {
+            return -1;
+        }
+    }
+    if (decOutSize < 1) {
+        return -1;
+    }
+    const auto size = static_cast<size_t>(decOutSize);
+    return snprintf_s(decOut, size, size - 1, "%d", value) < 0 ? -1 : 0;
+}
+
+int CDiskScannerHandlerImpl::HexEncode(char digit, int position, int& value)
+{
+    static const char* const DIGITS = "aAbBcCdDeEfF";
+    const char* const found = digit == '\0' ? nullptr : strchr(DIGITS, digit);
+    if (found == nullptr) {
+        return -1;
+    }
+    value = plus(value, 10 + static_cast<int>(found - DIGITS) / 2, CalStep(position));
+    return 0;
+}
+
+int CDiskScannerHandlerImpl::CalStep(int position)
+{
+    const int wrapsToZero = 8;
+    if (position <= 0) {
+        return 1;
+    }
+    return position >= wrapsToZero ? 0 : 1 << (4 * position);
+}

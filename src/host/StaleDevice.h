@@ -1,0 +1,51 @@
+#ifndef HOST_STALEDEVICE_H
+#define HOST_STALEDEVICE_H
+
+#include "host/LsscsiLine.h"
+
+#include <string>
+
+class CDiskScannerHandlerImpl;
+class InterfaceRecord;
+
+/** Closes a step of the search in the run log. */
+extern const char* const SEARCH_SEPARATOR;
+
+/**
+ * A device with the wanted WWN that stands under the names of the disk that was there before. Removed and
+ * found again by the kernel, it gets its own names. LUN 0 is never removed.
+ */
+class StaleDevice
+{
+public:
+    StaleDevice(CDiskScannerHandlerImpl& scanner, const InterfaceRecord& record, const std::string& path,
+                const std::string& wwn)
+        : m_scanner(scanner), m_record(record), m_path(path), m_wwn(wwn)
+    {
+    }
+
+    enum class Outcome
+    {
+        RENEWED,
+        NO_DEVICE, ///< the SCSI disk behind the device is not known
+        NO_LISTING ///< lsscsi could not be started
+    };
+    Outcome renew();
+
+private:
+    struct Disk
+    {
+        std::string path;   ///< by which it is opened
+        std::string device; ///< as lsscsi names it
+    };
+
+    std::optional<Disk> disk() const;
+    void renewAt(const ScsiAddress& address, const Disk& disk) const;
+
+    CDiskScannerHandlerImpl& m_scanner;
+    const InterfaceRecord& m_record;
+    const std::string& m_path;
+    const std::string& m_wwn;
+};
+
+#endif

@@ -1,0 +1,50 @@
+#ifndef FUZZ_FUZZTARGET_H
+#define FUZZ_FUZZTARGET_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+/** One input of the fuzzer; a process that does not come back from it has found a defect. */
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+/** Ends the process unless what must hold for any input does. */
+inline void mustHold(bool holds, const char* what)
+{
+    if (!holds) {
+        std::fprintf(stderr, "violated: %s\n", what);
+        std::abort();
+    }
+}
+
+inline std::string textOf(const uint8_t* data, size_t size)
+{
+    return std::string(data, data + size);
+}
+
+/** The pieces between newlines. */
+inline std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines(1);
+    for (const char c : text) {
+        if (c == '\n') {
+            lines.emplace_back();
+        } else {
+            lines.back() += c;
+        }
+    }
+    return lines;
+}
+
+/** True for a text that a shell takes for nothing but a word. */
+inline bool isPlain(const std::string& text)
+{
+    return !text.empty() &&
+           text.find_first_not_of("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                                  "/.:-_") == std::string::npos;
+}
+
+#endif

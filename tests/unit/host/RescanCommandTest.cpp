@@ -1,0 +1,169 @@
+#include "ScannerTest.h"
+
+#include "host/RescanCommand.h"
+
+#include <filesystem>
+#include <fstream>
+
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+namespace {
+
+/** The lines of the script that read an answer to INQUIRY. */
+const char* const FAULTY = R"(  INQ=$(sg_inq "$sg_len_arg" /dev/$SGDEV 2>/dev/null)
+  IPTYPE=$(echo "$INQ" | sed -n 's/.* Device_type=\([0-9]*\) .*/\1/p')
+  IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\)  Device.*/\1/p')
+)";
+const char* const MENDED_IN_PLACE = R"(
+  IPTYPE=$(echo "$INQ" | sed -n 's/.* \(Device_type\|PDT\)=\([0-9]*\) .*/\2/p')
+  IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\)  \(Device\|PDT\).*/\1/p')
+)";
+const char* const MENDED_BY_A_SECOND_PATTERN = R"(
+  IPTYPE=$(echo "$INQ" | sed -n 's/.* Device_type=\([0-9]*\) .*/\1/p')
+  [ -n "$IPTYPE" ] || IPTYPE=$(echo "$INQ" | sed -n 's/.* PDT=\([0-9]*\) .*/\1/p')
+  IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\)  Device.*/\1/p')
+  [ -n "$IPQUAL" ] || IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\)  PDT.*/\1/p')
+)";
+const char* const MENDED_BY_HALF = R"(
+  IPTYPE=$(echo "$INQ" | sed -n 's/.* \(Device_type\|PDT\)=\([0-9]*\) .*/\2/p')
+  IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\)  Device.*/\1/p')
+)";
+const char* const READS_THE_OLD_TYPE = R"(
+  IPTYPE=$(echo "$INQ" | sed -n 's/.* Device_type=\([0-9]*\) .*/\1/p')
+  IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\) .*/\1/p')
+)";
+const char* const READS_ANY_QUALIFIER = R"(
+  IPTYPE=$(echo "$INQ" | sed -n 's/.* PDT=\([0-9]*\) .*/\1/p')
+  IPQUAL=$(echo "$INQ" | sed -n 's/ *PQual=\([0-9]*\) .*/\1/p')
+)";
+const char* const COMMENT = "# sg_inq used to print PQual=0  Device_type=0\n";
+
+const std::string NEW_SG_INQ("\x7f"
+                             "ELF\0  PQual=%d  PDT=%d  RMB=%d  LU_CONG=%d\0",
+                             45);
+const std::string OLD_SG_INQ("\x7f"
+                             "ELF\0  PQual=%d  Device_type=%d  RMB=%d  LU_CONG=%d\0",
+                             53);
+
+const char* const WITHOUT_REMOVAL = "rescan-scsi-bus.sh >/dev/null 2>&1";
+
+} // namespace
+
+TEST(RescanScript, ThatLooksForTheOldWordsOnlyHasTheFault)
+{
+    EXPECT_TRUE(readsOnlyOldInquiry(FAULTY));
+    EXPECT_TRUE(readsOnlyOldInquiry(std::string(COMMENT) + "# PDT= is new\n" + FAULTY));
+    EXPECT_TRUE(readsOnlyOldInquiry(MENDED_BY_HALF));
+    EXPECT_TRUE(readsOnlyOldInquiry(READS_THE_OLD_TYPE));
+}
+
+TEST(RescanScript, ThatKnowsTheNewWordsTooIsSound)
+{
+    EXPECT_FALSE(readsOnlyOldInquiry(MENDED_IN_PLACE));
+    EXPECT_FALSE(readsOnlyOldInquiry(MENDED_BY_A_SECOND_PATTERN));
+    EXPECT_FALSE(readsOnlyOldInquiry(READS_ANY_QUALIFIER));
+}
+
+TEST(RescanScript, ThatDoesNotReadInquiriesIsSound)
+{
+    EXPECT_FALSE(readsOnlyOldInquiry(""));
+    EXPECT_FALSE(readsOnlyOldInquiry(COMMENT));
+    EXPECT_FALSE(readsOnlyOldInquiry("#!/bin/sh\nexec /usr/bin/rescan-scsi-bus.sh \"$@\"\n"));
+}
+
+TEST(SgInq, ShowsWhichWordsItPrints)
+{
+    EXPECT_TRUE(printsOldInquiry(OLD_SG_INQ));
+    EXPECT_FALSE(printsOldInquiry(NEW_SG_INQ));
+    EXPECT_FALSE(printsOldInquiry("")); // unknown: not to be relied on
+}
+
+class RescanPrograms : public ScannerTest
+{
+protected:
+    RescanPrograms()
+    {
+        char pattern[] = "/tmp/rescan-command-XXXXXX";
+        root = mkdtemp(pattern);
+        for (const char* const directory : {"first", "second"}) {
+            fs::create_directories(root / directory);
+        }
+        setenv("PATH", path().c_str(), 1);
+    }
+    ~RescanPrograms() override { fs::remove_all(root); }
+
+    std::string path() const { return (root / "first").string() + ":" + (root / "second").string(); }
+
+    void install(const fs::path& file, const std::string& content, bool executable = true)
+    {
+        std::ofstream(root / file, std::ios::binary) << content;
+        fs::permissions(root / file, executable ? fs::perms(0755) : fs::perms(0644));
+    }
+
+    fs::path root;
+};
+
+TEST_F(RescanPrograms, AreFoundAsTheShellFindsThem)
+{
+    EXPECT_EQ(findInPath("tool", path()), "");
+    install("second/tool", "");
+    EXPECT_EQ(findInPath("tool", path()), root / "second/tool");
+    fs::create_directories(root / "first/tool"); // a directory is no program
+    EXPECT_EQ(findInPath("tool", path()), root / "second/tool");
+    install("first/other", "", false); // nor is a file that cannot be run
+    install("second/other", "");
+    EXPECT_EQ(findInPath("other", path()), root / "second/other");
+    EXPECT_EQ(findInPath("other", ""), "");
+}
+
+TEST_F(RescanPrograms, ThatDoNotFitEachOtherRescanWithoutRemoval)
+{
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    install("second/sg_inq", NEW_SG_INQ);
+    EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
+    EXPECT_THAT(
+        platform.journal(),
+        ElementsAre("error: " + (root / "second/rescan-scsi-bus.sh").string() +
+                    " takes healthy disks for gone and would remove them: rescanning without -r, so that "
+                    "disks that are gone stay. Install sg3-utils 1.48 or later."));
+}
+
+TEST_F(RescanPrograms, OfTheSameOldAgeRescanWithRemoval)
+{
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    install("second/sg_inq", OLD_SG_INQ);
+    EXPECT_EQ(rescanCommand(), SCRIPT);
+    EXPECT_THAT(platform.journal(), ElementsAre());
+}
+
+TEST_F(RescanPrograms, WithoutAnSgInqThatIsKnownToFitRescanWithoutRemoval)
+{
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
+}
+
+TEST_F(RescanPrograms, AreJudgedByTheScriptThatComesFirst)
+{
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    install("second/sg_inq", NEW_SG_INQ);
+    install("first/rescan-scsi-bus.sh", MENDED_IN_PLACE);
+    EXPECT_EQ(rescanCommand(), SCRIPT);
+    EXPECT_THAT(platform.journal(), ElementsAre());
+}
+
+TEST_F(RescanPrograms, ThatAreMissingAreLeftToTheShell)
+{
+    EXPECT_EQ(rescanCommand(), SCRIPT);
+    fs::create_directories(root / "first/rescan-scsi-bus.sh");
+    EXPECT_EQ(rescanCommand(), SCRIPT);
+}
+
+TEST_F(RescanPrograms, ThatDoNotFitEachOtherAreNotUsedForRemovalByAScan)
+{
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    install("second/sg_inq", NEW_SG_INQ);
+    scanner.scanLunAfterAttach(id);
+    EXPECT_THAT(commands(), ElementsAre(WHICH, WITHOUT_REMOVAL, WITHOUT_REMOVAL, TMP_BLOCK));
+    EXPECT_EQ(platform.lines("error: ").size(), 1u);
+}

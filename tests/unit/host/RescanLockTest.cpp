@@ -1,0 +1,157 @@
+#include "ScannerTest.h"
+
+#include <cerrno>
+#include <type_traits>
+
+using testing::ElementsAre;
+
+static_assert(std::is_empty<KxRescanLock>::value, "the lock has no data of its own");
+
+class RescanLock : public ScannerTest
+{
+protected:
+    KxRescanLock lock;
+};
+
+TEST_F(RescanLock, IsMadeFreeWhenItIsMissing)
+{
+    seam.semaphoreId = -1;
+    EXPECT_EQ(lock.InitLock(), 0);
+    EXPECT_THAT(platform.journal(),
+                ElementsAre("semget: 1235 1 0000 excl", "semget: 1235 1 0600 create", "semctl: 41 SETVAL 1",
+                            "info: InitLock Succeed.New semId:[41]"));
+}
+
+TEST_F(RescanLock, IsLeftAsItIsWhenItExists)
+{
+    seam.semaphoreValue = 0;
+    EXPECT_EQ(lock.InitLock(), 0);
+    EXPECT_THAT(platform.journal(), ElementsAre("semget: 1235 1 0000 excl", "info: Sem exists.SemId:[41]"));
+    EXPECT_EQ(seam.semaphoreValue, 0);
+}
+
+TEST_F(RescanLock, WithTheIdZeroCountsAsMissing)
+{
+    seam.semaphoreId = 0;
+    EXPECT_EQ(lock.InitLock(), 0);
+    EXPECT_THAT(platform.lines("info:"), ElementsAre("info: InitLock Succeed.New semId:[0]"));
+    EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
+TEST_F(RescanLock, ThatCannotBeMadeIsSaidSo)
+{
+    seam.semgetFails = true;
+    EXPECT_EQ(lock.InitLock(), -1);
+    EXPECT_THAT(platform.lines("error:"),
+                ElementsAre("error: Create sem failed.", "error: Init Lock failed."));
+}
+
+TEST_F(RescanLock, ThatCannotBeSetFreeIsSaidSo)
+{
+    seam.semaphoreId = -1;
+    seam.semctlFails = true;
+    EXPECT_EQ(lock.InitLock(), -1);
+    EXPECT_THAT(platform.lines("error:"), ElementsAre("error: Init Lock failed."));
+}
+
+TEST_F(RescanLock, IsTakenWithoutLimitAndGivenBackByTheKernelWhenItsHolderDies)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    EXPECT_THAT(platform.journal(), ElementsAre("semget: 1235 1 0600 create", "semop: 41 -1 undo"));
+    EXPECT_EQ(seam.semaphoreValue, 0);
+}
+
+TEST_F(RescanLock, IsTriedAgainAfterASignal)
+{
+    seam.semopErrors = {EINTR, EINTR};
+    EXPECT_EQ(lock.GetLock(), 0);
+    EXPECT_EQ(count("semop: 41 -1 undo"), 3u);
+    EXPECT_EQ(seam.semaphoreValue, 0);
+}
+
+TEST_F(RescanLock, ThatCannotBeTakenIsSaidSo)
+{
+    seam.semopErrors = {EIDRM};
+    EXPECT_EQ(lock.GetLock(), -1);
+    EXPECT_THAT(platform.lines("error:"), ElementsAre("error: Lock sem[41] failed."));
+    EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
+TEST_F(RescanLock, WithoutASemaphoreIsNotTaken)
+{
+    seam.semgetFails = true;
+    EXPECT_EQ(lock.GetLock(), -1);
+    EXPECT_EQ(lock.ReleaseLock(), -1);
+    EXPECT_THAT(platform.lines("error:"),
+                ElementsAre("error: Create sem failed.", "error: Lock sem[-1] failed.",
+                            "error: Create sem failed.", "error: UnLock sem[-1] failed."));
+}
+
+TEST_F(RescanLock, ReleasedTwiceIsOneNotTwo)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    EXPECT_EQ(lock.ReleaseLock(), 0);
+    EXPECT_EQ(lock.ReleaseLock(), 0);
+    EXPECT_EQ(seam.semaphoreValue, 1);
+    EXPECT_EQ(count("semctl: 41 SETVAL 1"), 2u);
+}
+
+TEST_F(RescanLock, ThatCannotBeReleasedIsSaidSo)
+{
+    seam.semctlFails = true;
+    EXPECT_EQ(lock.ReleaseLock(), -1);
+    EXPECT_THAT(platform.lines("error:"), ElementsAre("error: UnLock sem[41] failed."));
+}
+
+class Construction : public ScannerTest
+{
+protected:
+    Construction() { g_scannerInitialised = 0; }
+};
+
+TEST_F(Construction, SetsTheLockUpAndFindsTheKorvexProduct)
+{
+    seam.exits(WHICH, {0});
+    const CDiskScannerHandlerImpl made(&manager);
+    EXPECT_THAT(platform.journal(),
+                ElementsAre("semget: 1235 1 0000 excl", "info: Sem exists.SemId:[41]",
+                            std::string("system: ") + WHICH, "info: has installed Korvex"));
+    EXPECT_TRUE(g_korvexInstalled);
+    EXPECT_EQ(g_scannerInitialised, 1);
+}
+
+TEST_F(Construction, SetsUpOnce)
+{
+    const CDiskScannerHandlerImpl first(&manager);
+    platform.reset();
+    const CDiskScannerHandlerImpl second(&manager);
+    EXPECT_THAT(platform.journal(), ElementsAre());
+}
+
+TEST_F(Construction, WithoutKorvexIsSetUpAllTheSame)
+{
+    const CDiskScannerHandlerImpl made(&manager);
+    EXPECT_FALSE(g_korvexInstalled);
+    EXPECT_EQ(g_scannerInitialised, 1);
+    EXPECT_THAT(platform.lines("info: has"), ElementsAre());
+}
+
+TEST_F(Construction, IsTriedAgainAfterTheLockCouldNotBeMade)
+{
+    seam.semgetFails = true;
+    const CDiskScannerHandlerImpl failed(&manager);
+    EXPECT_THAT(commands(), ElementsAre());
+    EXPECT_EQ(g_scannerInitialised, 0);
+
+    seam.semgetFails = false;
+    const CDiskScannerHandlerImpl made(&manager);
+    EXPECT_THAT(commands(), ElementsAre(WHICH));
+    EXPECT_EQ(g_scannerInitialised, 1);
+}
+
+TEST_F(Construction, WithoutADeviceManagerSetsNothingUp)
+{
+    const CDiskScannerHandlerImpl made;
+    EXPECT_THAT(platform.journal(), ElementsAre());
+    EXPECT_EQ(g_scannerInitialised, 0);
+}
