@@ -1,6 +1,9 @@
 #ifndef TESSEL_DEVICEMANAGER_H
 #define TESSEL_DEVICEMANAGER_H
 
+/** @file
+ * The session with one array. */
+
 #include <tessel/Export.h>
 #include <tessel/Handler.h>
 
@@ -22,50 +25,68 @@ enum USERTYPE : int
 class TESSEL_API CDeviceManager
 {
 public:
+    /** Deletes the handlers; use releaseInstance. */
     virtual ~CDeviceManager();
 
     /**
      * Makes a device manager. The first live instance of the process starts logging and sets the retry
-     * values; later values are ignored until every instance has been released.
+     * values; later values are ignored until every instance has been released. Thread-safe.
      * @param retryTimes how many times a create reads its new object again while the array says that it is
-     * not yet readable.
+     *        not yet readable; 0: it reads once.
      * @param retrySleepMicroSeconds pause before each of these reads, in microseconds.
+     * @return the device manager, never null; release it with releaseInstance.
      */
     static CDeviceManager* getInstance(unsigned int retryTimes, unsigned int retrySleepMicroSeconds);
 
     /**
-     * Deletes a device manager and its handlers; null is accepted. Does not log out: call logoutDevice
-     * before. The last release of the process stops logging.
+     * Deletes a device manager and its handlers. Does not log out: call logoutDevice before. The last release
+     * of the process stops logging. Thread-safe.
+     * @param p the device manager; null is accepted.
      */
     static void releaseInstance(CDeviceManager* p);
 
     /**
-     * Opens a session.
-     * @param ip IPv4 or IPv6 address of the management interface, without brackets.
-     * @param port 1 to 65535.
-     * @param userName, password neither may be empty.
+     * Opens a session. One that this instance had already is forgotten, and not ended on the array.
+     * @param ip IPv4 or IPv6 address of the management interface, without brackets; no host name.
+     * @param port TCP port of the management interface, 1 to 65535.
+     * @param userName not empty.
+     * @param password not empty; never logged.
+     * @param scope where the array looks for the user.
      * @return true when the session is open.
      */
     virtual bool loginDevice(const std::string& ip, const unsigned int& port, const std::string& userName,
                              const std::string& password, const USERTYPE& scope) = 0;
 
-    /** Ends the session on the array; false when the array could not be reached or refused. */
+    /**
+     * Ends the session on the array.
+     * @return false when the array could not be reached or refused: the session then ends by its idle
+     * time-out.
+     */
     virtual bool logoutDevice() = 0;
 
-    /** Tells the array that the session is in use, so that its idle time-out starts again. */
+    /**
+     * Tells the array that the session is in use, so that its idle time-out starts again. Every other request
+     * does that too.
+     * @return false when the session has ended or the array could not be reached: log in again.
+     */
     virtual bool keepAlive() = 0;
 
     /**
      * The handler of a type, made at the first call and the same object ever after; owned by this instance.
-     * Cast it to the interface that HANDLERTYPE names. Null for any other value.
+     * @param type which one; HANDLERTYPE names the interface to cast the result to.
+     * @return the handler; null when type is none of HANDLERTYPE's values.
      */
     virtual CHandler* getHandler(HANDLERTYPE type) = 0;
 
     /**
-     * Adopts a session that was opened elsewhere. No request is sent.
-     * @param port not checked.
-     * @param cookie value for the Cookie header, as the login answer gave it.
-     * @return false when a text is empty or ip is not an address.
+     * Adopts a session that was opened elsewhere. No request is sent: a session that has ended shows itself
+     * at the first operation.
+     * @param ip IPv4 or IPv6 address of the management interface, without brackets.
+     * @param port TCP port of the management interface; not checked.
+     * @param deviceId the array's ID, as the login answer gave it; not empty.
+     * @param token the session's token; not empty.
+     * @param cookie value for the Cookie header, as the login answer gave it; not empty.
+     * @return false when a text is empty, cannot be sent in a header, or ip is not an address.
      */
     virtual bool useConnection(const std::string& ip, const unsigned int& port, const std::string& deviceId,
                                const std::string& token, const std::string& cookie) = 0;

@@ -18,8 +18,10 @@ public:
     /**
      * Creates a LUN group, a host group and a mapping view with generated names and binds the LUN to the
      * initiator's host through them. An initiator without a host gets a new one.
+     * @param lunID ID of the LUN; not empty.
+     * @param iscsiInitiatorID initiator name (iqn...); the array must know it.
      * @param hostIP IP of the host record, used only when it is created.
-     * @return 0 mapped, 1 already visible to the host.
+     * @return 0 mapped, 1 already visible to the host: nothing was created.
      */
     virtual int attachLunToHost(const std::string& lunID, const std::string& iscsiInitiatorID,
                                 const std::string& hostIP) = 0;
@@ -28,16 +30,28 @@ public:
      * Removes the LUN from every LUN group that reaches the initiator's host, and deletes LUN groups that
      * become empty. Host, host group and mapping view stay. Remove the host's devices before
      * (CDiskScannerHandler::scanLunBeforeDetach).
-     * @param iscsiInitiatorID "0" detaches the LUN from every host.
-     * @return 0.
+     * @param lunID ID of the LUN; not empty.
+     * @param iscsiInitiatorID initiator name; "0" detaches the LUN from every host.
+     * @return 0, also when there was nothing to detach: the run log says so.
      */
     virtual int detachLunFromHost(const std::string& lunID, const std::string& iscsiInitiatorID) = 0;
 
-    /** attachLunToHost for a snapshot. */
+    /**
+     * attachLunToHost for a snapshot.
+     * @param snapshotID ID of the snapshot; not empty.
+     * @param iscsiInitiatorID initiator name (iqn...); the array must know it.
+     * @param hostIP IP of the host record, used only when it is created.
+     * @return 0 mapped, 1 already visible to the host: nothing was created.
+     */
     virtual int attachSnapshotToHost(const std::string& snapshotID, const std::string& iscsiInitiatorID,
                                      const std::string& hostIP) = 0;
 
-    /** detachLunFromHost for a snapshot. */
+    /**
+     * detachLunFromHost for a snapshot.
+     * @param snapshotID ID of the snapshot; not empty.
+     * @param iscsiInitiatorID initiator name; "0" detaches the snapshot from every host.
+     * @return 0, also when there was nothing to detach: the run log says so.
+     */
     virtual int detachSnapshotFromHost(const std::string& snapshotID,
                                        const std::string& iscsiInitiatorID) = 0;
 };

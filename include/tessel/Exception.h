@@ -13,11 +13,15 @@
 class TESSEL_API OvraAPIException : public std::exception
 {
 public:
-    /** Stores "Exception:" followed by msg. */
+    /**
+     * Stores "Exception:" followed by the message.
+     * @param msg the message; ends with the name of the operation.
+     */
     explicit OvraAPIException(std::string msg);
+    /** Destroys the exception. */
     ~OvraAPIException() noexcept override;
 
-    /** The message; begins with "Exception:". */
+    /** @return the message; begins with "Exception:". Valid as long as the exception. */
     const char* what() const noexcept override;
 
 private:
@@ -28,10 +32,16 @@ private:
 class TESSEL_API OvraAPIExceptionWithErrCode : public OvraAPIException
 {
 public:
+    /**
+     * Stores "Exception:" followed by the message, and the code.
+     * @param code the array's error code.
+     * @param msg the message, with code and description in it.
+     */
     OvraAPIExceptionWithErrCode(int code, std::string msg);
+    /** Destroys the exception. */
     ~OvraAPIExceptionWithErrCode() noexcept override;
 
-    /** The array's own error code. */
+    /** @return the array's own error code; never 0. */
     int getErrCode() const;
 
 private:

@@ -23,19 +23,38 @@ public:
 class TESSEL_API CFCInitiatorHandler : public CHandler
 {
 public:
-    /** Registers an initiator (ID required; PARENTID binds it at once) and reads it back once. */
+    /**
+     * Registers an initiator and reads it back once.
+     * @param initiator ID is required; PARENTID, when set, binds it to that host at once; NAME is sent when
+     * set.
+     * @return the initiator as the array holds it.
+     */
     virtual FCInitiatorMO createFCInitiator(FCInitiatorMO& initiator) = 0;
 
-    /** Deletes an initiator. */
+    /**
+     * Deletes an initiator.
+     * @param fcInitiatorID the port WWN; not empty.
+     */
     virtual void deleteFCInitiator(const std::string& fcInitiatorID) = 0;
 
-    /** Reads one initiator; a record with an empty ID when the array answers without one. */
+    /**
+     * Reads one initiator.
+     * @param fcInitiatorID the port WWN; not empty.
+     * @return the initiator; with an empty ID when the array answers without one.
+     */
     virtual FCInitiatorMO getFCInitiator(const std::string& fcInitiatorID) = 0;
 
-    /** Binds an initiator to a host. */
+    /**
+     * Binds an initiator to a host.
+     * @param fcInitiatorID the port WWN; not empty.
+     * @param hostID ID of the host; not empty.
+     */
     virtual void addFCInitiatorToHost(const std::string& fcInitiatorID, const std::string& hostID) = 0;
 
-    /** Unbinds an initiator from its host. */
+    /**
+     * Unbinds an initiator from its host.
+     * @param fcInitiatorID the port WWN; not empty.
+     */
     virtual void removeFCInitiatorFromHost(const std::string& fcInitiatorID) = 0;
 };
 

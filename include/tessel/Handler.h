@@ -1,6 +1,9 @@
 #ifndef TESSEL_HANDLER_H
 #define TESSEL_HANDLER_H
 
+/** @file
+ * What all handlers share, and which there are. */
+
 #include <tessel/Export.h>
 
 /** Selects a handler in CDeviceManager::getHandler. */
@@ -24,13 +27,13 @@ enum HANDLERTYPE : int
 /** The array's code of an object type. */
 enum MOType : int
 {
-    MO_LUN = 11,
-    MO_HOSTGROUP = 14,
-    MO_HOST = 21,
-    MO_SNAPSHOT = 27,
-    MO_STORAGEPOOL = 216,
-    MO_MAPPINGVIEW = 245,
-    MO_LUNGROUP = 256
+    MO_LUN = 11,          ///< LunMO
+    MO_HOSTGROUP = 14,    ///< HostGroupMO
+    MO_HOST = 21,         ///< HostMO
+    MO_SNAPSHOT = 27,     ///< SnapshotMO
+    MO_STORAGEPOOL = 216, ///< storage pool, the parent of a LUN; has no record here
+    MO_MAPPINGVIEW = 245, ///< MappingViewMO
+    MO_LUNGROUP = 256     ///< LunGroupMO
 };
 
 /**
@@ -38,11 +41,13 @@ enum MOType : int
  *
  * A handler belongs to the device manager that made it and is never deleted by the application. Its
  * operations are synchronous and report failure by OvraAPIException and OvraAPIExceptionWithErrCode alone,
- * unless they say otherwise. A device manager and its handlers are to be used by one thread at a time.
+ * unless they say otherwise. An ID that must not be empty is refused before anything is sent. A device
+ * manager and its handlers are to be used by one thread at a time.
  */
 class TESSEL_API CHandler
 {
 public:
+    /** Called by the device manager alone. */
     virtual ~CHandler();
 };
 

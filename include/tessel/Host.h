@@ -10,17 +10,17 @@
 class TESSEL_API HostMO
 {
 public:
-    std::string ID;
-    std::string NAME;
-    uint32_t PARENTTYPE = 0; ///< object type of the parent (host group); 0: none
-    std::string PARENTID;    ///< ID of the parent
-    std::string LOCATION;
-    uint32_t HEALTHSTATUS = 0;  ///< the array's code
-    uint32_t RUNNINGSTATUS = 0; ///< the array's code
-    std::string DESCRIPTION;
+    std::string ID;                 ///< the array's ID of the host
+    std::string NAME;               ///< unique among the array's hosts
+    uint32_t PARENTTYPE = 0;        ///< object type of the parent (host group); 0: none
+    std::string PARENTID;           ///< ID of the parent
+    std::string LOCATION;           ///< free text
+    uint32_t HEALTHSTATUS = 0;      ///< the array's code; read only
+    uint32_t RUNNINGSTATUS = 0;     ///< the array's code; read only
+    std::string DESCRIPTION;        ///< free text
     uint32_t OPERATIONSYSTEM = 100; ///< the array's code of the operating system; 100: unset
-    std::string IP;
-    int32_t ISADD2HOSTGROUP = -1; ///< 1 in a host group, 0 not; -1: not read
+    std::string IP;                 ///< address of the host, for the administrator's information
+    int32_t ISADD2HOSTGROUP = -1;   ///< 1 in a host group, 0 not; -1: not read
 };
 
 /** Creates and reads hosts; CDeviceManager::getHandler(HOST_HANDLER). */
@@ -35,7 +35,11 @@ public:
      */
     virtual HostMO createHost(HostMO& host) = 0;
 
-    /** Reads one host; a record with an empty ID when the array answers without one. */
+    /**
+     * Reads one host.
+     * @param hostID ID of the host; not empty.
+     * @return the host; with an empty ID when the array answers without one.
+     */
     virtual HostMO getHost(const std::string& hostID) = 0;
 };
 

@@ -11,9 +11,9 @@
 class TESSEL_API HostGroupMO
 {
 public:
-    std::string ID;
-    std::string NAME;
-    std::string DESCRIPTION;
+    std::string ID;                 ///< the array's ID of the host group
+    std::string NAME;               ///< unique among the array's host groups
+    std::string DESCRIPTION;        ///< free text
     int32_t ISADD2MAPPINGVIEW = -1; ///< 1 in a mapping view, 0 not; -1: unset
 };
 
@@ -21,7 +21,14 @@ public:
 class TESSEL_API HostGroupQuery
 {
 public:
+    /** Asks for everything. */
     HostGroupQuery() = default;
+    /**
+     * Asks for a page of what the filter selects.
+     * @param hostGroup copied into filter.
+     * @param startIndex copied into start.
+     * @param pageSize copied into count.
+     */
     HostGroupQuery(HostGroupMO& hostGroup, unsigned long startIndex, unsigned long pageSize)
         : filter(hostGroup), start(startIndex), count(pageSize)
     {
@@ -40,26 +47,50 @@ public:
      * Creates a host group and reads it back.
      * @param hostGroup NAME is required; DESCRIPTION and ID are sent when set.
      * @return the host group as the array holds it; with an empty ID when it was created but could not be
-     * read yet.
+     *         read yet.
      */
     virtual HostGroupMO createHostGroup(HostGroupMO& hostGroup) = 0;
 
-    /** Deletes a host group. */
+    /**
+     * Deletes a host group.
+     * @param hostGroupID ID of the host group; not empty.
+     */
     virtual void deleteHostGroup(const std::string& hostGroupID) = 0;
 
-    /** Reads one host group; a record with an empty ID when the array answers without one. */
+    /**
+     * Reads one host group.
+     * @param hostGroupID ID of the host group; not empty.
+     * @return the host group; with an empty ID when the array answers without one.
+     */
     virtual HostGroupMO getHostGroup(const std::string& hostGroupID) = 0;
 
-    /** Adds a host; failures of the request are logged as warnings and not thrown. */
+    /**
+     * Adds a host; failures of the request are logged as warnings and not thrown.
+     * @param hostID ID of the host; not empty.
+     * @param hostGroupID ID of the host group; not empty.
+     */
     virtual void addHostToHostGroup(const std::string& hostID, const std::string& hostGroupID) = 0;
 
-    /** Lists the host groups that hold a host. */
+    /**
+     * Lists the host groups that hold a host; one request, and one more for each host group.
+     * @param hostID ID of the host; not empty.
+     * @param query filter and page; not changed.
+     * @return the host groups in the array's order.
+     */
     virtual std::vector<HostGroupMO> getHostGroupByHost(const std::string& hostID, HostGroupQuery& query) = 0;
 
-    /** The host group of a mapping view; a record with an empty ID when it has none. */
+    /**
+     * Reads the host group of a mapping view.
+     * @param mappingViewID ID of the mapping view; not empty.
+     * @return the host group; with an empty ID when the mapping view has none.
+     */
     virtual HostGroupMO getHostGroupByMappingView(const std::string& mappingViewID) = 0;
 
-    /** Removes a host; failures of the request are logged as warnings and not thrown. */
+    /**
+     * Removes a host; failures of the request are logged as warnings and not thrown.
+     * @param hostID ID of the host; not empty.
+     * @param hostGroupID ID of the host group; not empty.
+     */
     virtual void removeHostFromHostGroup(const std::string& hostID, const std::string& hostGroupID) = 0;
 };
 

@@ -41,26 +41,44 @@ public:
     /**
      * Registers an initiator and reads it back once.
      * @param initiator ID is required. With USECHAP and a mode other than "0" the CHAP names and secrets are
-     * sent; one that is empty is logged as an error and sent all the same: the array decides.
+     *        sent; one that is empty is logged as an error and sent all the same: the array decides. NAME,
+     *        PARENTID and PARENTTYPE (21, host) are sent when set.
+     * @return the initiator as the array holds it, without secrets.
      */
     virtual IscsiInitiatorMO createIscsiInitiator(IscsiInitiatorMO& initiator) = 0;
 
-    /** Deletes an initiator. */
+    /**
+     * Deletes an initiator.
+     * @param iscsiInitiatorID the initiator name; not empty.
+     */
     virtual void deleteIscsiInitiator(const std::string& iscsiInitiatorID) = 0;
 
     /**
      * Changes name, host or CHAP settings. CHAPPASSWORD left empty sends no CHAP name or secret; the old
      * secrets are sent only when the array reports CHAP as in force.
+     * @param initiator ID is required. USECHAP false, or both modes "0", turns CHAP off: read the initiator
+     *        first and change that record. NAME and PARENTID are sent when set.
      */
     virtual void modifyIscsiInitiator(IscsiInitiatorMO& initiator) = 0;
 
-    /** Reads one initiator; a record with an empty ID when the array answers without one. */
+    /**
+     * Reads one initiator.
+     * @param iscsiInitiatorID the initiator name; not empty.
+     * @return the initiator, without secrets; with an empty ID when the array answers without one.
+     */
     virtual IscsiInitiatorMO getIscsiInitiator(const std::string& iscsiInitiatorID) = 0;
 
-    /** Binds an initiator to a host. */
+    /**
+     * Binds an initiator to a host.
+     * @param iscsiInitiatorID the initiator name; not empty.
+     * @param hostID ID of the host; not empty.
+     */
     virtual void addIscsiInitiatorToHost(const std::string& iscsiInitiatorID, const std::string& hostID) = 0;
 
-    /** Unbinds an initiator from its host. */
+    /**
+     * Unbinds an initiator from its host.
+     * @param iscsiInitiatorID the initiator name; not empty.
+     */
     virtual void removeIscsiInitiatorFromHost(const std::string& iscsiInitiatorID) = 0;
 };
 

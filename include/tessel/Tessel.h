@@ -1,7 +1,8 @@
 #ifndef TESSEL_TESSEL_H
 #define TESSEL_TESSEL_H
 
-/** Everything the SDK exports. */
+/** @file
+ * Everything that the SDK exports. */
 
 #include <tessel/DeviceManager.h>
 #include <tessel/DiskAttach.h>
