@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace arraysim {
+
+/// Where the array's certificate and its authority lie in the state directory.
+struct CertificateFiles
+{
+    std::string ca;          ///< ca.pem: what clients are given to trust
+    std::string certificate; ///< server.pem
+    std::string key;         ///< server.key
+};
+
+/// Makes an authority on the first start, and a server certificate for the loopback names and the address
+/// when there is none that fits and stays valid for a day. Throws std::runtime_error.
+CertificateFiles provideCertificates(const std::string& stateDir, const std::string& address);
+
+/// The hash of a certificate's public key as clients pin it: "sha256//" and base64.
+std::string pinnedKey(const std::string& certificateFile);
+
+} // namespace arraysim

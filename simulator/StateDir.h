@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace arraysim {
+
+/// The directory that keeps an array's objects and certificates, for one process at a time.
+class StateDir
+{
+public:
+    /// Makes the directory where it is missing, for its owner alone. Throws std::runtime_error.
+    explicit StateDir(const std::string& path);
+    ~StateDir();
+    StateDir(const StateDir&) = delete;
+    StateDir& operator=(const StateDir&) = delete;
+
+    const std::string& path() const { return m_path; }
+    std::string file(const std::string& name) const { return m_path + "/" + name; }
+
+private:
+    std::string m_path;
+    int m_lock = -1;
+};
+
+/// The first line of a file. Throws std::runtime_error.
+std::string firstLine(const std::string& file);
+
+/// Writes a file that readers see whole or not at all. Throws std::runtime_error.
+void writeWhole(const std::string& file, const std::string& text, unsigned mode);
+
+} // namespace arraysim

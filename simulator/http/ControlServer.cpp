@@ -1,0 +1,229 @@
+#include "http/ControlServer.h"
+
+#include "model/Exposure.h"
+#include "wire/Body.h"
+
+#include <stdexcept>
+
+namespace arraysim {
+namespace {
+
+constexpr const char* json = "application/json";
+
+/// A handler that answers what the function returns as JSON, or status 400 with the reason it threw.
+template <typename Function>
+httplib::Server::Handler handler(Function function)
+{
+    return [function](const httplib::Request& request, httplib::Response& response) {
+        try {
+            response.set_content(jsonText(function(request)), json);
+        } catch (const std::exception& refused) {
+            Json::Value why(Json::objectValue);
+            why["error"] = refused.what();
+            response.status = 400;
+            response.set_content(jsonText(why), json);
+        }
+    };
+}
+
+Json::Value done()
+{
+    return Json::Value(Json::objectValue);
+}
+
+unsigned numberIn(const Json::Value& body, const char* key, unsigned otherwise)
+{
+    if (!body.isMember(key)) {
+        return otherwise;
+    }
+    const int value = requiredNumber(body, key);
+    if (value < 0) {
+        throw ArrayError(Code::memberInvalid, std::string("The member ") + key + " must not be negative.");
+    }
+    return static_cast<unsigned>(value);
+}
+
+std::string textIn(const Json::Value& body, const char* key, const std::string& otherwise)
+{
+    return body.isMember(key) ? requiredText(body, key) : otherwise;
+}
+
+} // namespace
+
+ControlServer::ControlServer(World& world, ArrayInterface& array, Sessions& sessions, Faults& faults,
+                             Journal& journal, ArrayServer& server, ArrayFacts facts)
+    : m_world(world), m_array(array), m_sessions(sessions), m_faults(faults), m_journal(journal),
+      m_arrayServer(server), m_facts(std::move(facts))
+{
+    m_server.set_keep_alive_max_count(1);
+    m_server.set_tcp_nodelay(true);
+    m_server.set_socket_options(ownPort);
+    m_server.Get("/", handler([this](const httplib::Request&) {
+                     Json::Value facts_(Json::objectValue);
+                     facts_["url"] = m_facts.url;
+                     facts_["caFile"] = m_facts.caFile;
+                     facts_["pinnedKey"] = m_facts.pinnedKey;
+                     facts_["user"] = m_facts.user;
+                     facts_["deviceId"] = m_world.deviceId();
+                     return facts_;
+                 }));
+    routeFaults();
+    routeWatch();
+    routeObjects();
+    routeState();
+}
+
+ControlServer::~ControlServer()
+{
+    stop();
+}
+
+void ControlServer::routeFaults()
+{
+    m_server.Get("/faults", handler([this](const httplib::Request&) { return m_faults.list(); }));
+    m_server.Post("/faults", handler([this](const httplib::Request& request) {
+                      Json::Value added(Json::objectValue);
+                      added["id"] = m_faults.add(parseBody(request.body));
+                      return added;
+                  }));
+    m_server.Delete("/faults", handler([this](const httplib::Request&) {
+                        m_faults.clear();
+                        return done();
+                    }));
+    m_server.Delete(R"(/faults/(\d{1,9}))", handler([this](const httplib::Request& request) {
+                        if (!m_faults.remove(static_cast<unsigned>(std::stoul(request.matches[1])))) {
+                            throw ArrayError(Code::objectMissing, "There is no such fault.");
+                        }
+                        return done();
+                    }));
+}
+
+void ControlServer::routeWatch()
+{
+    m_server.Get("/counters", handler([this](const httplib::Request&) { return m_arrayServer.counters(); }));
+    m_server.Delete("/counters", handler([this](const httplib::Request&) {
+                        m_arrayServer.clearCounters();
+                        return done();
+                    }));
+    m_server.Get("/journal", handler([this](const httplib::Request& request) {
+                     return m_journal.entries(decimal(request.get_param_value("since")).value_or(0));
+                 }));
+    m_server.Delete("/journal", handler([this](const httplib::Request&) {
+                        m_journal.clearEntries();
+                        return done();
+                    }));
+    m_server.Get("/exposures", handler([this](const httplib::Request&) {
+                     const auto lock = m_world.lock();
+                     Json::Value all(Json::arrayValue);
+                     for (const Type type : {Type::lun, Type::snapshot}) {
+                         for (const auto& entry : m_world.all(type)) {
+                             for (const auto& initiator : exposedInitiators(m_world, {type, entry.first})) {
+                                 Json::Value one(Json::objectValue);
+                                 one["type"] = static_cast<int>(type);
+                                 one["id"] = entry.first;
+                                 one["initiator"] = initiator.second;
+                                 all.append(one);
+                             }
+                         }
+                     }
+                     return all;
+                 }));
+}
+
+void ControlServer::routeObjects()
+{
+    const auto answer = [this](const httplib::Request& request, httplib::Response& response) {
+        const std::string target = request.target.substr(std::string("/objects").size());
+        const Answer result = m_array.handleObject(request.method, target, request.body);
+        response.status = result.code == 0 ? 200 : 400;
+        response.set_content(result.body(), json);
+    };
+    const char* objects = "/objects/.*";
+    m_server.Get(objects, answer).Post(objects, answer).Put(objects, answer).Delete(objects, answer);
+    m_server.Post("/bulk/luns", handler([this](const httplib::Request& request) {
+                      return bulkLuns(parseBody(request.body));
+                  }));
+}
+
+void ControlServer::routeState()
+{
+    m_server.Delete("/sessions", handler([this](const httplib::Request&) {
+                        m_sessions.dropAll();
+                        return done();
+                    }));
+    m_server.Post("/sessions/advance", handler([this](const httplib::Request& request) {
+                      m_sessions.advance(
+                          std::chrono::seconds(requiredNumber(parseBody(request.body), "seconds")));
+                      return done();
+                  }));
+    m_server.Post("/settle", handler([this](const httplib::Request& request) {
+                      const Json::Value body = parseBody(request.body);
+                      allowMembers(body, {"reads", "lunGroupReads"});
+                      const auto lock = m_world.lock();
+                      m_world.settling = {numberIn(body, "reads", 0), numberIn(body, "lunGroupReads", 0)};
+                      return done();
+                  }));
+    m_server.Post("/reset", handler([this](const httplib::Request&) {
+                      const auto lock = m_world.lock();
+                      m_world.reset();
+                      m_world.settling = {};
+                      m_sessions.dropAll();
+                      m_faults.clear();
+                      m_journal.clearEntries();
+                      m_arrayServer.clearCounters();
+                      return done();
+                  }));
+}
+
+Json::Value ControlServer::bulkLuns(const Json::Value& wanted)
+{
+    allowMembers(wanted, {"count", "pool", "lungroup", "prefix", "sectors"});
+    const unsigned count = numberIn(wanted, "count", 0);
+    const std::string prefix = textIn(wanted, "prefix", "bulk_");
+    const std::string group = textIn(wanted, "lungroup", "");
+    Json::Value body(Json::objectValue);
+    body["PARENTID"] = textIn(wanted, "pool", "0");
+    body["CAPACITY"] = numberIn(wanted, "sectors", 2048);
+    Json::Value ids(Json::arrayValue);
+
+    const auto lock = m_world.lock();
+    World::Transaction transaction(m_world);
+    for (unsigned i = 0; i < count; ++i) {
+        body["NAME"] = prefix + m_world.nextId(Type::lun);
+        const std::string id = createObject(m_world, objectType(Type::lun), body, {})["ID"].asString();
+        if (!group.empty()) {
+            associate(m_world, *relationBetween(Type::lunGroup, Type::lun), group, id);
+        }
+        ids.append(id);
+    }
+    transaction.commit();
+    Json::Value made(Json::objectValue);
+    made["ids"] = ids;
+    return made;
+}
+
+int ControlServer::start(int port)
+{
+    static const char* const loopback = "127.0.0.1";
+    const int bound =
+        port == 0 ? m_server.bind_to_any_port(loopback) : (m_server.bind_to_port(loopback, port) ? port : -1);
+    if (bound <= 0) {
+        throw std::runtime_error("cannot listen on " + std::string(loopback) + " port " +
+                                 std::to_string(port));
+    }
+    m_thread = std::thread([this] { m_server.listen_after_bind(); });
+    while (!m_server.is_running()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return bound;
+}
+
+void ControlServer::stop()
+{
+    if (m_thread.joinable()) {
+        m_server.stop();
+        m_thread.join();
+    }
+}
+
+} // namespace arraysim

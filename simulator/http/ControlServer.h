@@ -1,0 +1,46 @@
+#pragma once
+
+#include "http/ArrayServer.h"
+
+namespace arraysim {
+
+/// What the control interface tells about the array, so that a test needs only the control port.
+struct ArrayFacts
+{
+    std::string url;
+    std::string caFile;
+    std::string pinnedKey;
+    std::string user;
+};
+
+/// The test's own interface, apart from the array's: plain HTTP on the loopback address.
+class ControlServer
+{
+public:
+    ControlServer(World& world, ArrayInterface& array, Sessions& sessions, Faults& faults, Journal& journal,
+                  ArrayServer& server, ArrayFacts facts);
+    ~ControlServer();
+
+    /// @return the port. Throws std::runtime_error.
+    int start(int port);
+    void stop();
+
+private:
+    void routeFaults();
+    void routeWatch();
+    void routeObjects();
+    void routeState();
+    Json::Value bulkLuns(const Json::Value& wanted);
+
+    World& m_world;
+    ArrayInterface& m_array;
+    Sessions& m_sessions;
+    Faults& m_faults;
+    Journal& m_journal;
+    ArrayServer& m_arrayServer;
+    ArrayFacts m_facts;
+    httplib::Server m_server;
+    std::thread m_thread;
+};
+
+} // namespace arraysim

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <openssl/ssl.h>
+
+#include <atomic>
+#include <map>
+#include <mutex>
+
+namespace arraysim {
+
+/// The open TLS connections of a server, found through OpenSSL's own hooks: their numbers, and the
+/// means to end them.
+class TlsConnections
+{
+public:
+    /// Puts the hooks into the server's context.
+    void watch(SSL_CTX* context);
+
+    /// A request came in. @return the connection's number
+    unsigned long requestBegins(const SSL* connection);
+    /// Its answer was sent.
+    void requestEnds(const SSL* connection);
+    /// Cuts the connection at once, so that the client gets no answer.
+    void cut(const SSL* connection);
+    /// Ends every connection that waits for a request, the others once they have sent their answer.
+    void stopReading();
+    unsigned long handshakes() const;
+    void clearCounters();
+
+private:
+    struct Open
+    {
+        int descriptor;
+        unsigned long number;
+        bool busy;
+    };
+
+    static void onInfo(const SSL* connection, int where, int result);
+    static void onFree(void* connection, void*, CRYPTO_EX_DATA*, int, long, void* self);
+
+    SSL_CTX* m_context = nullptr;
+    long m_handshakesBefore = 0;
+    mutable std::mutex m_mutex;
+    std::map<const SSL*, Open> m_open;
+    unsigned long m_lastNumber = 0;
+    bool m_stopping = false;
+};
+
+} // namespace arraysim

@@ -1,0 +1,173 @@
+#include "model/Associations.h"
+
+#include "wire/Target.h"
+
+#include <algorithm>
+#include <deque>
+
+namespace arraysim {
+namespace {
+
+std::string described(Type type, const std::string& id)
+{
+    return objectType(type).title + " " + printable(id);
+}
+
+/// The types on the shortest way between two types, both included; empty where there is none.
+std::vector<Type> findChain(Type from, Type to)
+{
+    std::map<Type, Type> cameFrom{{from, from}};
+    std::deque<Type> open{from};
+    while (!open.empty() && cameFrom.count(to) == 0) {
+        const Type here = open.front();
+        open.pop_front();
+        for (const auto& relation : relations()) {
+            if (relation.owner == here || relation.member == here) {
+                const Type next = relation.owner == here ? relation.member : relation.owner;
+                if (cameFrom.emplace(next, here).second) {
+                    open.push_back(next);
+                }
+            }
+        }
+    }
+    std::vector<Type> chain;
+    if (cameFrom.count(to) != 0) {
+        for (Type at = to; at != from; at = cameFrom.at(at)) {
+            chain.push_back(at);
+        }
+        chain.push_back(from);
+    }
+    std::reverse(chain.begin(), chain.end());
+    return chain;
+}
+
+const std::vector<Type>& chainBetween(Type from, Type to)
+{
+    static const auto chains = [] {
+        std::map<std::pair<Type, Type>, std::vector<Type>> all;
+        for (const ObjectType* a : objectTypes()) {
+            for (const ObjectType* b : objectTypes()) {
+                all[{a->code, b->code}] = findChain(a->code, b->code);
+            }
+        }
+        return all;
+    }();
+    return chains.at({from, to});
+}
+
+} // namespace
+
+const std::vector<Relation>& relations()
+{
+    using T = Type;
+    static const AssociationRoute intoLunGroup{"POST", "lungroup", "associate"};
+    static const AssociationRoute outOfLunGroup{"DELETE", "lungroup", "associate"};
+    static const AssociationRoute intoHostGroup{"POST", "hostgroup", "associate"};
+    static const AssociationRoute outOfHostGroup{"DELETE", "host", "associate"};
+    static const AssociationRoute intoView{"PUT", "mappingview", "create_associate"};
+    static const AssociationRoute outOfView{"PUT", "mappingview", "remove_associate"};
+    static const AssociationRoute iscsiOffHost{"PUT", "iscsi_initiator", "remove_iscsi_from_host", true};
+    static const AssociationRoute fcOffHost{"PUT", "fc_initiator", "remove_fc_from_host", true};
+
+    // owner, member, one owner, one member, holds owner, holds member, requests, codes
+    static const std::vector<Relation> all = {
+        {T::storagePool, T::lun, true, false, true, false, {}, {}},
+        {T::lun, T::snapshot, true, false, true, false, {}, {}},
+        {T::lunGroup, T::lun, false, false, true, true, intoLunGroup, outOfLunGroup, Code::alreadyInLunGroup,
+         Code::notInLunGroup},
+        {T::lunGroup, T::snapshot, false, false, true, true, intoLunGroup, outOfLunGroup,
+         Code::alreadyInLunGroup, Code::notInLunGroup},
+        {T::hostGroup, T::host, false, false, true, true, intoHostGroup, outOfHostGroup,
+         Code::hostAlreadyInGroup},
+        {T::mappingView, T::lunGroup, false, true, false, true, intoView, outOfView},
+        {T::mappingView, T::hostGroup, false, true, false, true, intoView, outOfView},
+        {T::host, T::iscsiInitiator, true, false, true, true, {}, iscsiOffHost},
+        {T::host, T::fcInitiator, true, false, true, true, {}, fcOffHost},
+    };
+    return all;
+}
+
+const Relation* relationBetween(Type a, Type b)
+{
+    const auto found = std::find_if(relations().begin(), relations().end(), [&](const Relation& relation) {
+        return (relation.owner == a && relation.member == b) || (relation.owner == b && relation.member == a);
+    });
+    return found == relations().end() ? nullptr : &*found;
+}
+
+void associate(World& world, const Relation& relation, const std::string& owner, const std::string& member)
+{
+    const ObjectKey ownerKey(relation.owner, world.at(relation.owner, owner).id);
+    const ObjectKey memberKey(relation.member, world.at(relation.member, member).id);
+    const IdSet& members = world.linked(ownerKey, relation.member);
+    const IdSet& owners = world.linked(memberKey, relation.owner);
+    if (members.count(member) != 0) {
+        throw ArrayError(relation.exists, "The " + described(relation.member, member) +
+                                              " is associated with the " + described(relation.owner, owner) +
+                                              " already.");
+    }
+    if (relation.oneOwner && !owners.empty()) {
+        throw ArrayError(Code::associationFull,
+                         "The " + described(relation.member, member) + " belongs to the " +
+                             described(relation.owner, *owners.begin()) + ": remove it from there first.");
+    }
+    if (relation.oneMember && !members.empty()) {
+        throw ArrayError(Code::associationFull, "The " + described(relation.owner, owner) + " holds the " +
+                                                    described(relation.member, *members.begin()) +
+                                                    ": remove that from it first.");
+    }
+    world.link(ownerKey, memberKey);
+}
+
+void dissociate(World& world, const Relation& relation, const std::string& owner, const std::string& member)
+{
+    const ObjectKey ownerKey(relation.owner, world.at(relation.owner, owner).id);
+    const ObjectKey memberKey(relation.member, world.at(relation.member, member).id);
+    if (world.linked(ownerKey, relation.member).count(member) == 0) {
+        throw ArrayError(relation.missing, "The " + described(relation.member, member) +
+                                               " is not associated with the " +
+                                               described(relation.owner, owner) + ".");
+    }
+    world.unlink(ownerKey, memberKey);
+}
+
+void checkDeletable(const World& world, const ObjectType& type, const Object& object)
+{
+    for (const auto& relation : relations()) {
+        const bool asOwner = relation.owner == type.code && relation.holdsOwner;
+        const bool asMember = relation.member == type.code && relation.holdsMember;
+        if (!asOwner && !asMember) {
+            continue;
+        }
+        const Type other = asOwner ? relation.member : relation.owner;
+        const IdSet& holders = world.linked({type.code, object.id}, other);
+        if (!holders.empty()) {
+            throw ArrayError(Code::objectInUse,
+                             "The " + described(type.code, object.id) + " is in use by " +
+                                 std::to_string(holders.size()) + " object(s), first the " +
+                                 described(other, *holders.begin()) + ": remove that from it first.");
+        }
+    }
+}
+
+IdSet related(const World& world, const ObjectKey& object, Type to)
+{
+    const std::vector<Type>& chain = chainBetween(object.first, to);
+    if (chain.size() < 2) {
+        throw ArrayError(Code::associationUnsupported, "A " + objectType(to).title +
+                                                           " cannot be associated with a " +
+                                                           objectType(object.first).title + ".");
+    }
+    IdSet reached{object.second};
+    for (std::size_t i = 1; i < chain.size(); ++i) {
+        IdSet next;
+        for (const auto& id : reached) {
+            const IdSet& neighbours = world.linked({chain[i - 1], id}, chain[i]);
+            next.insert(neighbours.begin(), neighbours.end());
+        }
+        reached = std::move(next);
+    }
+    return reached;
+}
+
+} // namespace arraysim

@@ -1,0 +1,105 @@
+#include "model/Exposure.h"
+
+#include "model/Associations.h"
+
+#include <algorithm>
+#include <array>
+
+namespace arraysim {
+namespace {
+
+constexpr std::array<Type, 2> exposable{Type::lun, Type::snapshot};
+constexpr std::array<Type, 2> initiators{Type::iscsiInitiator, Type::fcInitiator};
+
+/// How far a type stands from the LUNs on the way to the initiators; -1 where it is not on the way.
+int distance(Type type)
+{
+    switch (type) {
+    case Type::lun:
+    case Type::snapshot:
+        return 0;
+    case Type::lunGroup:
+        return 1;
+    case Type::mappingView:
+        return 2;
+    case Type::hostGroup:
+        return 3;
+    case Type::host:
+        return 4;
+    case Type::iscsiInitiator:
+    case Type::fcInitiator:
+        return 5;
+    default:
+        return -1;
+    }
+}
+
+} // namespace
+
+std::set<ObjectKey> exposedInitiators(const World& world, const ObjectKey& lunOrSnapshot)
+{
+    std::set<ObjectKey> found;
+    if (!world.linked(lunOrSnapshot, Type::lunGroup).empty()) {
+        for (const Type type : initiators) {
+            for (const auto& id : related(world, lunOrSnapshot, type)) {
+                found.insert({type, id});
+            }
+        }
+    }
+    return found;
+}
+
+ExposureWatch::ExposureWatch(World& world, ExposureObserver& observer) : m_world(world), m_observer(observer)
+{
+    m_world.observe(this);
+}
+
+ExposureWatch::~ExposureWatch()
+{
+    m_world.ignore(this);
+}
+
+void ExposureWatch::linkChanges(const ObjectKey& owner, const ObjectKey& member)
+{
+    const int ownerAt = distance(owner.first);
+    const int memberAt = distance(member.first);
+    if (ownerAt < 0 || memberAt < 0 || ownerAt == memberAt) {
+        return;
+    }
+    const ObjectKey& near = ownerAt < memberAt ? owner : member;
+    const auto note = [this](const ObjectKey& lun) {
+        if (m_before.count(lun) == 0) {
+            m_before.emplace(lun, exposedInitiators(m_world, lun));
+        }
+    };
+    if (distance(near.first) == 0) {
+        note(near);
+        return;
+    }
+    for (const Type type : exposable) {
+        for (const auto& id : related(m_world, near, type)) {
+            note({type, id});
+        }
+    }
+}
+
+void ExposureWatch::committed()
+{
+    const auto before = std::move(m_before);
+    m_before.clear();
+    for (const auto& [lun, saw] : before) {
+        const std::set<ObjectKey> sees = exposedInitiators(m_world, lun);
+        for (const auto& initiator : saw) {
+            if (sees.count(initiator) == 0) {
+                m_observer.exposureChanged(lun, initiator, false);
+            }
+        }
+        for (const auto& initiator : sees) {
+            if (saw.count(initiator) == 0) {
+                m_observer.exposureChanged(lun, initiator, true);
+            }
+        }
+    }
+}
+
+} // namespace arraysim

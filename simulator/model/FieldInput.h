@@ -1,0 +1,16 @@
+#pragma once
+
+#include "model/ObjectType.h"
+
+#include <json/json.h>
+
+namespace arraysim {
+
+/// A body's member as text, checked against its field: its JSON type, its bounds, its characters.
+/// Throws ArrayError (memberInvalid).
+std::string inputText(const Field& field, const Json::Value& member);
+
+/// Whether the bytes are UTF-8 without control characters.
+bool isPlainUtf8(const std::string& text);
+
+} // namespace arraysim

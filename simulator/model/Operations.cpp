@@ -1,0 +1,164 @@
+#include "model/Operations.h"
+
+#include "model/ChangeInput.h"
+#include "wire/Body.h"
+
+namespace arraysim {
+namespace {
+
+void checkType(const ObjectType& type, const Json::Value& body)
+{
+    if (body.isMember("TYPE") && requiredNumber(body, "TYPE") != static_cast<int>(type.code)) {
+        throw ArrayError(Code::memberInvalid, "The TYPE of a " + type.title + " is " +
+                                                  std::to_string(static_cast<int>(type.code)) + ".");
+    }
+}
+
+std::string newId(const World& world, const ObjectType& type, const Json::Value& body)
+{
+    if (type.naming == Naming::counted && !body.isMember("ID")) {
+        return world.nextId(type.code);
+    }
+    std::string id = requiredText(body, "ID");
+    if (type.naming == Naming::counted) {
+        const auto number = decimal(id);
+        if (!number || *number > 0x7fffffff || id != std::to_string(*number)) {
+            throw ArrayError(Code::memberInvalid, "The ID of a " + type.title + " is a decimal number.");
+        }
+    } else {
+        type.checkId(id);
+    }
+    if (world.find(type.code, id) != nullptr) {
+        throw ArrayError(Code::idTaken, "The " + type.title + " " + id + " exists already.");
+    }
+    return id;
+}
+
+void moveToParent(World& world, const ObjectType& type, const Change& change)
+{
+    if (!type.parent || change.parentId.empty()) {
+        return;
+    }
+    const Relation& relation = *relationBetween(type.code, type.parent->type);
+    if (world.linked({type.code, change.id}, type.parent->type).count(change.parentId) == 0) {
+        associate(world, relation, change.parentId, change.id);
+    }
+}
+
+void requireManaged(const ObjectType& type)
+{
+    if (!type.callerManaged) {
+        throw ArrayError(Code::methodUnsupported, "A " + type.title + " can only be read.");
+    }
+}
+
+std::vector<const Object*> selected(const World& world, const ObjectType& type, const Query& query,
+                                    const std::optional<AssociatedWith>& of)
+{
+    const Filter filter(world, type, query.filter());
+    std::vector<const Object*> found;
+    const auto take = [&](const Object& object) {
+        if (filter.matches(object)) {
+            found.push_back(&object);
+        }
+    };
+    if (of) {
+        for (const auto& id : related(world, {of->type, world.at(of->type, of->id).id}, type.code)) {
+            take(world.at(type.code, id));
+        }
+    } else {
+        for (const auto& entry : world.all(type.code)) {
+            take(entry.second);
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+Json::Value createObject(World& world, const ObjectType& type, const Json::Value& body,
+                         const Settling& settling)
+{
+    requireManaged(type);
+    checkType(type, body);
+    World::Transaction transaction(world);
+    Change change{world, nullptr, newId(world, type, body), {}, {}, {}};
+    takeFields(change, type, body);
+    takeParent(change, type, body);
+    checkUnique(change, type);
+    if (type.complete) {
+        type.complete(change);
+    }
+    const unsigned reads = settling.reads + (type.code == Type::lunGroup ? settling.lunGroupReads : 0);
+    world.put(type.code, {change.id, change.values, reads});
+    moveToParent(world, type, change);
+    transaction.commit();
+    return record(world, type, world.at(type.code, change.id));
+}
+
+Json::Value readObject(World& world, const ObjectType& type, const std::string& id)
+{
+    const Object& object = world.at(type.code, id);
+    if (world.stillSettling(type.code, id)) {
+        const bool groupCode = type.code == Type::lunGroup && object.unsettledReads >= world.settling.reads;
+        throw ArrayError(groupCode ? Code::lunGroupSettling : Code::objectSettling,
+                         "The " + type.title + " " + id + " is being set up: try again later.");
+    }
+    return record(world, type, object);
+}
+
+void modifyObject(World& world, const ObjectType& type, const std::string& id, const Json::Value& body)
+{
+    requireManaged(type);
+    checkType(type, body);
+    const Object before = world.at(type.code, id);
+    if (body.isMember("ID") && requiredText(body, "ID") != id) {
+        throw ArrayError(Code::memberInvalid, "The ID of a " + type.title + " cannot be changed.");
+    }
+    World::Transaction transaction(world);
+    Change change{world, &before, id, {}, before.values, {}};
+    takeFields(change, type, body);
+    takeParent(change, type, body);
+    checkUnique(change, type);
+    if (type.complete) {
+        type.complete(change);
+    }
+    world.put(type.code, {id, change.values, before.unsettledReads});
+    moveToParent(world, type, change);
+    transaction.commit();
+}
+
+void deleteObject(World& world, const ObjectType& type, const std::string& id)
+{
+    requireManaged(type);
+    const Object& object = world.at(type.code, id);
+    checkDeletable(world, type, object);
+    World::Transaction transaction(world);
+    if (type.remove) {
+        type.remove(world, object);
+    }
+    world.erase(type.code, id);
+    transaction.commit();
+}
+
+Json::Value listObjects(const World& world, const ObjectType& type, const Query& query,
+                        const std::optional<AssociatedWith>& of)
+{
+    const std::vector<const Object*> found = selected(world, type, query, of);
+    const Range range = query.range().value_or(Range{0, found.size()});
+    Json::Value records(Json::arrayValue);
+    for (auto i = range.from; i < std::min<unsigned long long>(range.to, found.size()); ++i) {
+        records.append(record(world, type, *found[i]));
+    }
+    return records;
+}
+
+Json::Value countObjects(const World& world, const ObjectType& type, const Query& query,
+                         const std::optional<AssociatedWith>& of)
+{
+    Json::Value count(Json::objectValue);
+    count["COUNT"] = std::to_string(selected(world, type, query, of).size());
+    return count;
+}
+
+} // namespace arraysim

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "model/World.h"
+
+namespace arraysim {
+
+/// The sectors of the pool that no LUN has allocated.
+unsigned long long freeSectors(const Object& pool);
+
+/// Takes sectors of the pool, or throws ArrayError (capacityShort). Within a transaction.
+void allocate(World& world, const std::string& poolId, unsigned long long sectors);
+void release(World& world, const std::string& poolId, unsigned long long sectors);
+
+} // namespace arraysim

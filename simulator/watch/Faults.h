@@ -1,0 +1,59 @@
+#pragma once
+
+#include <json/json.h>
+
+#include <list>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace arraysim {
+
+/// What goes wrong instead of, or besides, an ordinary answer.
+enum class FaultAction
+{
+    delay,
+    error,
+    close,
+    truncate,
+    invalidJson,
+    answer,
+    dropSession
+};
+
+struct Fault
+{
+    unsigned id = 0;
+    std::string method = "*"; ///< glob
+    std::string path = "*";   ///< glob on the path behind the device ID; * matches slashes too
+    std::string query = "*";  ///< glob on the raw query
+    unsigned skip = 0;        ///< requests that match and pass untouched first
+    unsigned count = 1;       ///< how often it strikes; 0: always
+    unsigned hits = 0;
+    FaultAction action = FaultAction::error;
+    bool performed = false; ///< whether the array carries the request out all the same
+    unsigned delayMs = 0;   ///< before the answer, with every action
+    int code = 1;
+    std::string description = "injected fault";
+    int status = 200;
+    std::string body; ///< of the action answer
+};
+
+/// The faults that tests have set. A request meets the first one that matches and is not spent.
+class Faults
+{
+public:
+    /// Throws ArrayError where the description of the fault is not understood.
+    unsigned add(const Json::Value& description);
+    Json::Value list();
+    bool remove(unsigned id);
+    void clear();
+    std::optional<Fault> strike(const std::string& method, const std::string& relativeTarget);
+
+private:
+    std::mutex m_mutex;
+    std::list<Fault> m_faults;
+    unsigned m_lastId = 0;
+};
+
+} // namespace arraysim

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace arraysim {
+
+/// A request target, split before it is decoded, so that an encoded separator stays data.
+struct Target
+{
+    std::vector<std::string> segments;                           ///< of the path, each decoded once
+    std::vector<std::pair<std::string, std::string>> parameters; ///< key decoded, value still raw
+    std::string path;                                            ///< raw, without the query
+    std::string query;                                           ///< raw, without the question mark
+};
+
+/// Splits a raw request target. Throws ArrayError (queryMalformed) for a bad escape or a parameter
+/// without a value.
+Target parseTarget(const std::string& raw);
+
+/// Decodes %XX once; in a query a plus sign is a blank. Throws ArrayError for a bad escape.
+std::string percentDecode(const std::string& raw, bool plusIsBlank);
+
+/// A target as it may stand in a log line: control bytes are shown as escapes.
+std::string printable(const std::string& text);
+
+} // namespace arraysim

@@ -1,0 +1,71 @@
+#include "ArrayClient.h"
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+class SimulatorExposure : public ArrayTest
+{
+protected:
+    static std::string line(const std::string& what, const std::string& lun)
+    {
+        return what + " LUN " + lun + (what == "exposed" ? " to " : " from ") + "iqn.2001-01.org.example:a\n";
+    }
+};
+
+TEST_F(SimulatorExposure, WhatInitiatorsBeginAndCeaseToSeeIsLoggedOnceKept)
+{
+    const std::string group = named("/lungroup/", "lg");
+    const auto luns = array.bulkLuns(2, group);
+    const std::string server = host("h");
+    const std::string hosts = named("/hostgroup", "hg");
+    const std::string view = named("/mappingview", "v");
+    client.create("/iscsi_initiator",
+                  R"({"ID":"iqn.2001-01.org.example:a","PARENTTYPE":21,"PARENTID":")" + server + R"("})");
+    associate("POST", "/hostgroup/associate", hosts, 21, server);
+    associate("PUT", "/mappingview/create_associate", view, 14, hosts);
+    EXPECT_THAT(array.log(), Not(HasSubstr("exposed LUN")));
+
+    associate("PUT", "/mappingview/create_associate", view, 256, group);
+    for (const auto& lun : luns) {
+        EXPECT_THAT(array.log(), HasSubstr(line("exposed", lun)));
+    }
+    EXPECT_EQ(array.control("GET", "/exposures").size(), 2U);
+
+    const std::string later = lun("later");
+    associate("POST", "/lungroup/associate", group, 11, later);
+    EXPECT_THAT(array.log(), HasSubstr(line("exposed", later)));
+    EXPECT_THAT(array.log(), Not(HasSubstr("withdrew")));
+
+    client.put("/iscsi_initiator/remove_iscsi_from_host", R"({"ID":"iqn.2001-01.org.example:a"})");
+    for (const auto& lun : {luns[0], luns[1], later}) {
+        EXPECT_THAT(array.log(), HasSubstr(line("withdrew", lun)));
+    }
+    EXPECT_TRUE(array.control("GET", "/exposures").empty());
+}
+
+TEST_F(SimulatorExposure, ASecondWayToTheSameInitiatorIsNoNewExposure)
+{
+    const std::string disk = lun("a");
+    const std::string server = host("h");
+    client.create("/iscsi_initiator",
+                  R"({"ID":"iqn.2001-01.org.example:a","PARENTTYPE":21,"PARENTID":")" + server + R"("})");
+    for (const std::string way : {"1", "2"}) {
+        const std::string group = named("/lungroup/", "lg" + way);
+        const std::string hosts = named("/hostgroup", "hg" + way);
+        const std::string view = named("/mappingview", "v" + way);
+        associate("POST", "/lungroup/associate", group, 11, disk);
+        associate("POST", "/hostgroup/associate", hosts, 21, server);
+        associate("PUT", "/mappingview/create_associate", view, 14, hosts);
+        associate("PUT", "/mappingview/create_associate", view, 256, group);
+    }
+    const std::string log = array.log();
+    EXPECT_EQ(log.find("exposed LUN"), log.rfind("exposed LUN"));
+    client.del("/lungroup/associate?ID=1&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + disk);
+    EXPECT_THAT(array.log(), Not(HasSubstr("withdrew")));
+    client.del("/lungroup/associate?ID=2&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + disk);
+    EXPECT_THAT(array.log(), HasSubstr(line("withdrew", disk)));
+}
+
+} // namespace

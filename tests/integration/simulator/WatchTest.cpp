@@ -1,0 +1,101 @@
+#include "ArrayClient.h"
+#include "Codes.h"
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+class SimulatorWatch : public ArrayTest
+{
+};
+
+TEST_F(SimulatorWatch, RequestsAreCountedByMethodAndResource)
+{
+    array.resetCounters();
+    lun("a");
+    lun("b");
+    client.get("/lun/1");
+    client.get("/lun/2");
+    client.get("/SNAPSHOT/7");
+    client.get("/lun/associate?ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0");
+    client.put("/iscsi_initiator/remove_iscsi_from_host", "{}");
+    EXPECT_EQ(array.requests("POST", "/lun"), 2U);
+    EXPECT_EQ(array.requests("GET", "/lun/{id}"), 2U);
+    EXPECT_EQ(array.requests("GET", "/SNAPSHOT/{id}"), 1U);
+    EXPECT_EQ(array.requests("GET", "/lun/associate"), 1U);
+    EXPECT_EQ(array.requests("PUT", "/iscsi_initiator/remove_iscsi_from_host"), 1U);
+    EXPECT_EQ(array.requests("DELETE", "/lun/{id}"), 0U);
+}
+
+TEST_F(SimulatorWatch, OneKeptAliveConnectionIsOneHandshake)
+{
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(client.get("/server/logininfo").code(), 0);
+    }
+    EXPECT_EQ(array.counters()["connections"].asUInt(), 1U);
+    EXPECT_EQ(array.counters()["handshakes"].asUInt(), 1U);
+    ArrayClient other(array);
+    other.login();
+    EXPECT_EQ(array.counters()["connections"].asUInt(), 2U);
+    EXPECT_EQ(array.counters()["handshakes"].asUInt(), 2U);
+    array.resetCounters();
+    EXPECT_EQ(array.counters()["connections"].asUInt(), 0U);
+    EXPECT_EQ(array.counters()["handshakes"].asUInt(), 0U);
+    EXPECT_TRUE(array.counters()["requests"].empty());
+}
+
+TEST_F(SimulatorWatch, AConnectionWithoutAHandshakeIsCountedAsSuch)
+{
+    array.resetCounters();
+    httplib::Client plain(array.ip(), static_cast<int>(array.port()));
+    EXPECT_FALSE(plain.Get("/"));
+    EXPECT_EQ(array.counters()["connections"].asUInt(), 1U);
+    EXPECT_EQ(array.counters()["handshakes"].asUInt(), 0U);
+}
+
+TEST_F(SimulatorWatch, TheJournalHoldsRequestsAsSentWithoutSecrets)
+{
+    array.clearJournal();
+    client.post("/lun", R"({"NAME":"z","CAPACITY":1,"PARENTID":"0"})");
+    client.get("/lun/associate?filter=NAME:a%20b&TYPE=11&ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0");
+    client.login();
+    client.post("/lun", "password=top");
+    const Json::Value journal = array.journal();
+    ASSERT_EQ(journal.size(), 4U);
+    EXPECT_EQ(journal[0]["method"], "POST");
+    EXPECT_EQ(journal[0]["path"], "/lun");
+    EXPECT_EQ(journal[0]["body"], R"({"NAME":"z","CAPACITY":1,"PARENTID":"0"})");
+    EXPECT_EQ(journal[0]["contentType"], "application/json");
+    EXPECT_EQ(journal[0]["connection"], journal[1]["connection"]);
+    EXPECT_EQ(journal[1]["path"],
+              "/lun/associate?filter=NAME:a%20b&TYPE=11&ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0");
+    EXPECT_EQ(journal[2]["path"], "/sessions");
+    EXPECT_THAT(journal[2]["body"].asString(), HasSubstr("\"***\""));
+    EXPECT_EQ(journal[3]["code"].asInt(), code::bodyMalformed);
+    const std::string everything = journal.toStyledString() + array.log();
+    EXPECT_THAT(everything, Not(HasSubstr(array.password())));
+    EXPECT_THAT(everything, Not(HasSubstr("top")));
+    EXPECT_THAT(everything, Not(HasSubstr(client.token)));
+    EXPECT_THAT(everything, Not(HasSubstr(client.cookie)));
+}
+
+TEST_F(SimulatorWatch, ResetPutsTheFactoryStateBack)
+{
+    const std::string group = named("/lungroup/", "g");
+    array.bulkLuns(3, group);
+    array.settle(1);
+    array.addErrorFault("*", "*", 5, 0);
+    array.reset();
+    EXPECT_EQ(client.get("/lun").code(), code::sessionInvalid);
+    ASSERT_EQ(client.login().code(), 0);
+    EXPECT_TRUE(client.get("/lun").data().isNull());
+    EXPECT_TRUE(client.get("/lungroup").data().isNull());
+    EXPECT_EQ(client.get("/storagepool").ids().size(), 3U);
+    EXPECT_EQ(client.get("/storagepool/0").data()["FREECAPACITY"],
+              client.get("/storagepool/0").data()["TOTALCAPACITY"]);
+    EXPECT_EQ(lun("a"), "1");
+    EXPECT_EQ(client.get("/lun/1").code(), 0);
+}
+
+} // namespace
