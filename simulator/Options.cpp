@@ -113,9 +113,10 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
         ->type_name("HEX")
         ->group(behaviour);
 
-    app.add_option("--export-iscsi", options.exportIscsi,
-                   "Show what mapping views expose as real disks: through this target of the kernel, which must\n"
-                   "exist. Needs root; meant for a virtual machine")
+    app.add_option(
+           "--export-iscsi", options.exportIscsi,
+           "Show what mapping views expose as real disks: through this target of the kernel, which must\n"
+           "exist. Needs root; meant for a virtual machine")
         ->type_name("IQN")
         ->group(behaviour);
 

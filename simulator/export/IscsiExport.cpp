@@ -32,7 +32,7 @@ IscsiExport::IscsiExport(World& world, Journal& journal, const std::string& iqn,
     for (const Type type : {Type::lun, Type::snapshot}) {
         for (const auto& [id, object] : m_world.all(type)) {
             for (const ObjectKey& initiator : exposedInitiators(m_world, {type, id})) {
-                exposureChanged({type, id}, initiator, true);
+                IscsiExport::exposureChanged({type, id}, initiator, true);
             }
         }
     }

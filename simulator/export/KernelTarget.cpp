@@ -22,7 +22,7 @@ void writeTo(const fs::path& attribute, const std::string& value)
 fs::path makeNext(const fs::path& in, const std::string& prefix, int first)
 {
     for (int number = first;; ++number) {
-        const fs::path next = in / (prefix + std::to_string(number));
+        fs::path next = in / (prefix + std::to_string(number));
         if (!fs::exists(next)) {
             fs::create_directory(next);
             return next;

@@ -19,8 +19,8 @@ Object pool(const char* id, const char* name, unsigned long long sectors)
 
 std::vector<Object> factoryPools()
 {
-    return {pool("0", "performance", 64ULL * 1024 * gibibyte), pool("1", "capacity", 1024ULL * 1024 * gibibyte),
-            pool("2", "small", gibibyte)};
+    return {pool("0", "performance", 64ULL * 1024 * gibibyte),
+            pool("1", "capacity", 1024ULL * 1024 * gibibyte), pool("2", "small", gibibyte)};
 }
 
 } // namespace

@@ -1,9 +1,10 @@
-// The SDK's host side as commands, for the shell tests in the guest: one login, the operations named, one logout.
+// The SDK's host side as commands, for the shell tests in the guest: one login, the operations named, one
+// logout.
 //
 //   sdk_host OPERATION ID [OPERATION ID]...
 //
-// Operations: attach-lun, scan-lun, remove-lun, detach-lun, the same for snapshot, and scan-snapshots (ID,ID,...: a
-// thread each). A scan prints the path that it found, or an empty line.
+// Operations: attach-lun, scan-lun, remove-lun, detach-lun, the same for snapshot, and scan-snapshots
+// (ID,ID,...: a thread each). A scan prints the path that it found, or an empty line.
 
 #include <tessel/Tessel.h>
 
@@ -91,8 +92,8 @@ const std::map<std::string, Run> OPERATIONS = {
      [](CDeviceManager& array, const std::string& id) {
          attachOf(array).attachSnapshotToHost(id, environment("INITIATOR"), "127.0.0.1");
      }},
-    {"scan-lun",
-     [](CDeviceManager& array, std::string id) { std::cout << scannerOf(array).scanLunAfterAttach(id) << "\n"; }},
+    {"scan-lun", [](CDeviceManager& array,
+                    std::string id) { std::cout << scannerOf(array).scanLunAfterAttach(id) << "\n"; }},
     {"scan-snapshot",
      [](CDeviceManager& array, std::string id) {
          std::cout << scannerOf(array).scanSnapshotAfterAttach(id) << "\n";

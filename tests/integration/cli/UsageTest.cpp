@@ -1,0 +1,159 @@
+#include "Cli.h"
+
+#include <fstream>
+#include <sstream>
+
+using ::testing::HasSubstr;
+
+namespace {
+
+struct Mistake
+{
+    const char* name;
+    Words words;
+    const char* message; ///< a part of it
+};
+
+class WrongLine : public ::testing::TestWithParam<Mistake>
+{
+protected:
+    Cli cli;
+};
+
+Words newLun(const std::string& size)
+{
+    return {"lun", "create", "--name", "a", "--pool", "0", "--size", size, "--array", "192.0.2.1"};
+}
+
+const Mistake mistakes[] = {
+    {"NoCommand", {}, "subcommand is required"},
+    {"UnknownCommand", {"lum"}, "no command 'lum'"},
+    {"UnknownAction", {"lun", "delete", "1"}, "no command 'delete'"},
+    {"UnknownOption", {"ping", "--verbose"}, "--verbose"},
+    {"NoId", {"lun", "show"}, "ID is required"},
+    {"TwoIds", {"lun", "show", "1", "2"}, "not expected"},
+    {"RequiredOptionMissing", {"host", "create"}, "--name is required"},
+    {"OptionGivenTwice", {"host", "create", "--name", "a", "--name", "b"}, "--name"},
+    {"NoSourceOfAList", {"lun", "list"}, "give one of --group or --host"},
+    {"TwoSourcesOfAList", {"lun", "list", "--group", "1", "--host", "1"}, "give one of --group or --host"},
+    {"QueryWhereThereIsNone", {"lungroup", "list", "--view", "1", "--name", "a"}, "does not go with --view"},
+    {"UnknownColumn", {"lun", "list", "--host", "1", "--columns", "SIZE"}, "no column 'SIZE'"},
+    {"UnknownForm", {"ping", "--output", "xml"}, "--output"},
+    {"NoArray", {"ping"}, "--array"},
+    {"ArrayByName", {"ping", "--array", "array.example.org"}, "names are not looked up"},
+    {"ArrayPortZero", {"ping", "--array", "192.0.2.1:0"}, "from 1 to 65535"},
+    {"ArrayPortTooHigh", {"ping", "--array", "[2001:db8::1]:65536"}, "from 1 to 65535"},
+    {"NoUser", {"ping", "--array", "192.0.2.1"}, "--user"},
+    {"NoPasswordAndNoTerminal", {"ping", "--array", "192.0.2.1", "--user", "a"}, "--password-file"},
+    {"NoPasswordFile", {"ping", "--array", "192.0.2.1", "--user", "a", "--password-file", "/nowhere"}, "No such file"},
+    {"NoCaFile", {"ping", "--ca-file", "/nowhere"}, "No such file"},
+    {"PinOfAnotherKind", {"ping", "--pin", "md5//x"}, "sha256//"},
+    {"TimeoutZero", {"ping", "--timeout", "0"}, "from 1 to 86400"},
+    {"SessionWithoutToken", {"ping", "--array", "192.0.2.1", "--device-id", "x"}, "--token-file"},
+    {"SizeThatIsNone", newLun("ten"), "'ten' is not a size"},
+    {"SizeOfNothing", newLun("0"), "is nothing"},
+    {"SizeWithUnknownUnit", newLun("10GX"), "is not a size"},
+    {"SizeBelowZero", newLun("-1G"), "is not a size"},
+    {"SizeBeyond64Bits", newLun("16EiB"), "more than 64 bits"},
+    {"SizeThatMeansUnset", newLun("18446744073709551615"), "more than 64 bits"},
+    {"SizeWithPartOfAByte", newLun("1.0001KB1"), "is not a size"},
+    {"SizeThatIsNoWholeNumber", newLun("0.3"), "whole number of bytes"},
+    {"SizeBelowASector", newLun("511"), "less than one sector"},
+    {"ThinOptionForAThickLun",
+     {"lun", "create", "--name", "a", "--pool", "0", "--size", "1G", "--usage-threshold", "5"}, "--type thin"},
+    {"ChapWithoutSecret", {"initiator", "iscsi", "create", "iqn.x", "--chap", "oneway"}, "--chap-secret-file"},
+    {"NothingToModify", {"initiator", "iscsi", "modify", "iqn.x"}, "nothing is to be changed"},
+    {"PictureAsJson", {"topology", "--host", "1", "--format", "svg", "--output", "json"}, "does not go with"},
+    {"EveryHostAndOne", {"detach", "lun", "1", "--all-hosts", "--initiator", "iqn.x"}, "--all-hosts"},
+};
+
+TEST_P(WrongLine, EndsWithCode2AndOneLineThatSaysWhatIsWrong)
+{
+    const Outcome text = cli.run(GetParam().words);
+    EXPECT_EQ(text.exitCode, 2) << text;
+    EXPECT_EQ(text.out, "");
+    EXPECT_THAT(text.err, HasSubstr(GetParam().message));
+    EXPECT_EQ(text.err.find('\n'), text.err.size() - 1) << text.err;
+    EXPECT_THAT(text.err, HasSubstr("--help"));
+}
+
+TEST_P(WrongLine, IsAJsonObjectWhereJsonIsAskedFor)
+{
+    Words words = GetParam().words;
+    if (std::find(words.begin(), words.end(), "--output") != words.end()) {
+        return; // the form itself is what is wrong, or is given already
+    }
+    const Outcome json = cli.json(words);
+    EXPECT_EQ(json.exitCode, 2) << json;
+    const Json::Value error = json.errorJson()["error"];
+    EXPECT_EQ(error["exitCode"].asInt(), 2);
+    EXPECT_TRUE(error["arrayCode"].isNull());
+    EXPECT_THAT(error["message"].asString(), HasSubstr(GetParam().message));
+}
+
+INSTANTIATE_TEST_SUITE_P(CommandLine, WrongLine, ::testing::ValuesIn(mistakes),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+std::string fileText(const std::string& path)
+{
+    std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+TEST(CommandLine, TellsItsVersionAndItsCommands)
+{
+    const Cli cli;
+    EXPECT_THAT(cli.run({"--version"}).out, HasSubstr("tesselctl "));
+    const Outcome help = cli.run({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_THAT(help.out, HasSubstr("lungroup"));
+    EXPECT_THAT(help.out, HasSubstr("Exit codes"));
+    EXPECT_THAT(cli.run({"lun", "create", "--help"}).out, HasSubstr("--size"));
+}
+
+TEST(Reference, CompletionScriptHoldsEveryCommandAndOption)
+{
+    EXPECT_EQ(Cli().run({"reference", "bash"}).out, fileText(TESSELCTL_SOURCE "/completion/tesselctl.bash"));
+}
+
+TEST(Reference, ManualPageHoldsEveryCommandAndOption)
+{
+    const std::string commands = Cli().run({"reference", "mdoc"}).out;
+    ASSERT_FALSE(commands.empty());
+    EXPECT_NE(fileText(TESSELCTL_SOURCE "/man/tesselctl.1").find(commands), std::string::npos)
+        << "the COMMANDS section is not what 'tesselctl reference mdoc' prints";
+}
+
+struct Typed
+{
+    const char* line; ///< the last word is completed
+    const char* proposed;
+};
+
+TEST(Completion, ProposesWhatFits)
+{
+    const Typed typed[] = {
+        {"tesselctl lung", "lungroup"},
+        {"tesselctl lungroup re", "remove"},
+        {"tesselctl --output json initiator is", "iscsi"},
+        {"tesselctl initiator iscsi m", "modify"},
+        {"tesselctl lun create --si", "--size"},
+        {"tesselctl lun create --name lun --type thi", "thick thin"},
+        {"tesselctl topology --format s", "svg"},
+        {"tesselctl ping --password-f", "--password-file"},
+    };
+    for (const auto& [line, proposed] : typed) {
+        const std::string script = std::string("source " TESSELCTL_SOURCE "/completion/tesselctl.bash; COMP_WORDS=(") +
+                                   line +
+                                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tesselctl; echo \"${COMPREPLY[*]}\"";
+        FILE* bash = popen(("bash -c '" + script + "'").c_str(), "r");
+        char answer[4096] = "";
+        EXPECT_NE(fgets(answer, sizeof(answer), bash), nullptr);
+        pclose(bash);
+        EXPECT_EQ(std::string(answer), std::string(proposed) + "\n") << line;
+    }
+}
+
+} // namespace
