@@ -67,8 +67,12 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome)
 
 Outcome Cli::run(const Words& words) const
 {
-    std::vector<std::string> variables = {"PATH=" + std::string(std::getenv("PATH")), "LC_ALL=C.UTF-8"};
+    std::map<std::string, std::string> all = {{"PATH", std::getenv("PATH")}, {"LC_ALL", "C.UTF-8"}};
     for (const auto& [name, value] : environment) {
+        all[name] = value;
+    }
+    std::vector<std::string> variables;
+    for (const auto& [name, value] : all) {
         variables.push_back(name + "=" + value);
     }
     std::vector<char*> arguments = {const_cast<char*>("tesselctl")};

@@ -30,13 +30,23 @@ protected:
 const Kind kinds[] = {
     {"Lun", {"lun", "create", "--name", "n1", "--pool", "0", "--size", "1MiB"}, {"lun"}, "LUN", false},
     {"Host", {"host", "create", "--name", "n1", "--os", "0", "--ip", "192.0.2.9"}, {"host"}, "host", false},
-    {"LunGroup", {"lungroup", "create", "--name", "n1", "--description", "d"}, {"lungroup"}, "LUN group", true},
+    {"LunGroup",
+     {"lungroup", "create", "--name", "n1", "--description", "d"},
+     {"lungroup"},
+     "LUN group",
+     true},
     {"HostGroup", {"hostgroup", "create", "--name", "n1"}, {"hostgroup"}, "host group", true},
     {"View", {"view", "create", "--name", "n1", "--in-band-commands"}, {"view"}, "mapping view", true},
-    {"IscsiInitiator", {"initiator", "iscsi", "create", "iqn.2024-05.org.example:a", "--name", "n1"},
-     {"initiator", "iscsi"}, "iSCSI initiator", true},
-    {"FCInitiator", {"initiator", "fc", "create", "2100001405a0ffff", "--name", "n1"}, {"initiator", "fc"},
-     "FC initiator", true},
+    {"IscsiInitiator",
+     {"initiator", "iscsi", "create", "iqn.2024-05.org.example:a", "--name", "n1"},
+     {"initiator", "iscsi"},
+     "iSCSI initiator",
+     true},
+    {"FCInitiator",
+     {"initiator", "fc", "create", "2100001405a0ffff", "--name", "n1"},
+     {"initiator", "fc"},
+     "FC initiator",
+     true},
 };
 
 TEST_P(ObjectOf, IsCreatedShownAndDeletedInBothForms)
@@ -73,11 +83,12 @@ TEST_P(ObjectOf, ThatTheArrayDoesNotKnowEndsWithCode4)
 }
 
 INSTANTIATE_TEST_SUITE_P(Cli, ObjectOf, ::testing::ValuesIn(kinds),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& one) { return std::string(one.param.name); });
 
 TEST_F(CliTest, UnsetFieldsAndSecretsAreNullInJson)
 {
-    const Json::Value initiator = cli.json({"initiator", "iscsi", "create", "iqn.2024-05.org.example:a"}).json();
+    const Json::Value initiator =
+        cli.json({"initiator", "iscsi", "create", "iqn.2024-05.org.example:a"}).json();
     for (const char* field : {"NAME", "PARENTID", "CHAPPASSWORD", "CHAPOLDPASSWORDINITATORVERTARGET"}) {
         EXPECT_TRUE(initiator.isMember(field) && initiator[field].isNull()) << field;
     }
@@ -88,7 +99,7 @@ TEST_F(CliTest, UnsetFieldsAndSecretsAreNullInJson)
 TEST_F(CliTest, SizesAreReadAsPeopleWriteThem)
 {
     const std::pair<const char*, uint64_t> sizes[] = {
-        {"1048576", 1048576}, {"1M", 1048576}, {"1MiB", 1048576},       {"1mb", 1000000 - 1000000 % 512},
+        {"1048576", 1048576},   {"1M", 1048576},      {"1MiB", 1048576},    {"1mb", 1000000 - 1000000 % 512},
         {"1.5GiB", 1610612736}, {"10 MiB", 10485760}, {"1T", 1099511627776}};
     for (const auto& [text, bytes] : sizes) {
         const Outcome outcome =
@@ -111,21 +122,24 @@ TEST_F(CliTest, AThinLunBeginsWithTheInitialSizeAskedFor)
         cli.json({"lun", "create", "--name", "a", "--pool", "0", "--size", "1G", "--type", "thin"}).json();
     EXPECT_EQ(none["ALLOCTYPE"].asInt(), 1);
     EXPECT_EQ(none["ALLOCCAPACITY"].asUInt64(), 0U);
-    const Json::Value some = cli.json({"lun", "create", "--name", "b", "--pool", "0", "--size", "1G", "--type", "thin",
-                                       "--initial-size", "1M"})
+    const Json::Value some = cli.json({"lun", "create", "--name", "b", "--pool", "0", "--size", "1G",
+                                       "--type", "thin", "--initial-size", "1M"})
                                  .json();
     EXPECT_EQ(some["ALLOCCAPACITY"].asUInt64(), 1048576U);
 }
 
 TEST_F(CliTest, ANameCannotSteerTheTerminal)
 {
-    const std::string lun = array.create("lun", [] {
-        Json::Value members(Json::objectValue);
-        members["NAME"] = "a\x1b[2Jb";
-        members["PARENTID"] = "0";
-        members["CAPACITY"] = 2048;
-        return members;
-    }())["ID"].asString();
+    const std::string lun = array
+                                .create("lun",
+                                        [] {
+                                            Json::Value members(Json::objectValue);
+                                            members["NAME"] = "a\x1b[2Jb";
+                                            members["PARENTID"] = "0";
+                                            members["CAPACITY"] = 2048;
+                                            return members;
+                                        }())["ID"]
+                                .asString();
     EXPECT_THAT(expect(0, {"lun", "show", lun}).out, HasSubstr("a\\x1B[2Jb"));
     EXPECT_EQ(cli.json({"lun", "show", lun}).json()["NAME"].asString(), "a\x1b[2Jb");
 }

@@ -45,7 +45,9 @@ const Mistake mistakes[] = {
     {"ArrayPortTooHigh", {"ping", "--array", "[2001:db8::1]:65536"}, "from 1 to 65535"},
     {"NoUser", {"ping", "--array", "192.0.2.1"}, "--user"},
     {"NoPasswordAndNoTerminal", {"ping", "--array", "192.0.2.1", "--user", "a"}, "--password-file"},
-    {"NoPasswordFile", {"ping", "--array", "192.0.2.1", "--user", "a", "--password-file", "/nowhere"}, "No such file"},
+    {"NoPasswordFile",
+     {"ping", "--array", "192.0.2.1", "--user", "a", "--password-file", "/nowhere"},
+     "No such file"},
     {"NoCaFile", {"ping", "--ca-file", "/nowhere"}, "No such file"},
     {"PinOfAnotherKind", {"ping", "--pin", "md5//x"}, "sha256//"},
     {"TimeoutZero", {"ping", "--timeout", "0"}, "from 1 to 86400"},
@@ -60,8 +62,11 @@ const Mistake mistakes[] = {
     {"SizeThatIsNoWholeNumber", newLun("0.3"), "whole number of bytes"},
     {"SizeBelowASector", newLun("511"), "less than one sector"},
     {"ThinOptionForAThickLun",
-     {"lun", "create", "--name", "a", "--pool", "0", "--size", "1G", "--usage-threshold", "5"}, "--type thin"},
-    {"ChapWithoutSecret", {"initiator", "iscsi", "create", "iqn.x", "--chap", "oneway"}, "--chap-secret-file"},
+     {"lun", "create", "--name", "a", "--pool", "0", "--size", "1G", "--usage-threshold", "5"},
+     "--type thin"},
+    {"ChapWithoutSecret",
+     {"initiator", "iscsi", "create", "iqn.x", "--chap", "oneway"},
+     "--chap-secret-file"},
     {"NothingToModify", {"initiator", "iscsi", "modify", "iqn.x"}, "nothing is to be changed"},
     {"PictureAsJson", {"topology", "--host", "1", "--format", "svg", "--output", "json"}, "does not go with"},
     {"EveryHostAndOne", {"detach", "lun", "1", "--all-hosts", "--initiator", "iqn.x"}, "--all-hosts"},
@@ -92,7 +97,7 @@ TEST_P(WrongLine, IsAJsonObjectWhereJsonIsAskedFor)
 }
 
 INSTANTIATE_TEST_SUITE_P(CommandLine, WrongLine, ::testing::ValuesIn(mistakes),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& one) { return std::string(one.param.name); });
 
 std::string fileText(const std::string& path)
 {
@@ -145,9 +150,9 @@ TEST(Completion, ProposesWhatFits)
         {"tesselctl ping --password-f", "--password-file"},
     };
     for (const auto& [line, proposed] : typed) {
-        const std::string script = std::string("source " TESSELCTL_SOURCE "/completion/tesselctl.bash; COMP_WORDS=(") +
-                                   line +
-                                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tesselctl; echo \"${COMPREPLY[*]}\"";
+        const std::string script =
+            std::string("source " TESSELCTL_SOURCE "/completion/tesselctl.bash; COMP_WORDS=(") + line +
+            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tesselctl; echo \"${COMPREPLY[*]}\"";
         FILE* bash = popen(("bash -c '" + script + "'").c_str(), "r");
         char answer[4096] = "";
         EXPECT_NE(fgets(answer, sizeof(answer), bash), nullptr);

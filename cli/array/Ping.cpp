@@ -1,0 +1,72 @@
+#include "kernel/Context.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+
+namespace tesselctl {
+namespace {
+
+/// Seconds with milliseconds that something took.
+template <class Work>
+double timed(Work work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    return took.count() * 1000;
+}
+
+struct Step
+{
+    const char* name;
+    double milliseconds;
+};
+
+void tellSteps(Context& context, const std::string& array, const std::vector<Step>& steps)
+{
+    std::string text = "array " + array + "\n";
+    Json::Value json(Json::objectValue);
+    json["array"] = array;
+    for (const auto& step : steps) {
+        std::array<char, 64> line{};
+        std::snprintf(line.data(), line.size(), "%-11s %8.1f ms\n", step.name, step.milliseconds);
+        text += line.data();
+        json["milliseconds"][step.name] = step.milliseconds;
+    }
+    context.printer().result(text, json);
+}
+
+void ping(Context& context)
+{
+    std::vector<Step> steps;
+    bool alive = false;
+    bool closed = false;
+    const double opening = timed([&] { context.session(); });
+    Session& session = context.session();
+    if (!session.isAdopted()) {
+        steps.push_back({"login", opening});
+    }
+    steps.push_back({"keep-alive", timed([&] { alive = session.keepAlive(); })});
+    if (!alive) {
+        throw Failure(
+            "the array did not accept the keep-alive: the session is over, or the array is busy; its words "
+            "are in the run log");
+    }
+    if (!session.isAdopted()) {
+        steps.push_back({"logout", timed([&] { closed = session.close(); })});
+        if (!closed) {
+            throw Failure("the array did not accept the logout; its words are in the run log");
+        }
+    }
+    tellSteps(context, session.address().text(), steps);
+}
+
+} // namespace
+
+Commands pingCommands()
+{
+    return {{{"ping"}, "log in, keep the session alive and log out; tells the times", {}, {}, {}, ping}};
+}
+
+} // namespace tesselctl

@@ -1,0 +1,89 @@
+#include "attach/Attachable.h"
+
+#include "objects/Membership.h"
+
+namespace tesselctl {
+namespace {
+
+template <class Handler, class Record>
+auto field(const char* title, Record (Handler::*get)(const std::string&), std::string Record::*member)
+{
+    return [=](Session& session, const std::string& id) {
+        const auto read = [&](const std::string& wanted) {
+            return (session.handler<Handler>().*get)(wanted);
+        };
+        return mustRead(title, id, read).*member;
+    };
+}
+
+/// list(owner, query) asked for the object alone.
+template <class Handler, class Record, class Query>
+auto listedBy(std::vector<Record> (Handler::*list)(const std::string&, Query&))
+{
+    return [=](Session& session, const std::string& id, const std::string& owner) {
+        return lists(session, list, owner, id);
+    };
+}
+
+auto groupsBy(std::vector<LunGroupMO> (CLunGroupHandler::*list)(const std::string&, LunGroupQuery&))
+{
+    return [=](Session& session, const std::string& id) {
+        LunGroupQuery query;
+        return (session.handler<CLunGroupHandler>().*list)(id, query);
+    };
+}
+
+Attachable lun()
+{
+    return {"lun",
+            "LUN",
+            &CDiskAttachHandler::attachLunToHost,
+            &CDiskAttachHandler::detachLunFromHost,
+            &CDiskScannerHandler::scanLunAfterAttach,
+            &CDiskScannerHandler::scanLunBeforeDetach,
+            field("LUN", &CLunHandler::getLun, &LunMO::WWN),
+            field("LUN", &CLunHandler::getLun, &LunMO::NAME),
+            listedBy(&CLunHandler::getLunByHost),
+            listedBy(&CLunHandler::getLunByLunGroup),
+            groupsBy(&CLunGroupHandler::getLunGroupByLun)};
+}
+
+Attachable snapshot()
+{
+    return {"snapshot",
+            "snapshot",
+            &CDiskAttachHandler::attachSnapshotToHost,
+            &CDiskAttachHandler::detachSnapshotFromHost,
+            &CDiskScannerHandler::scanSnapshotAfterAttach,
+            &CDiskScannerHandler::scanSnapshotBeforeDetach,
+            field("snapshot", &CSnapshotHandler::getSnapshot, &SnapshotMO::WWN),
+            field("snapshot", &CSnapshotHandler::getSnapshot, &SnapshotMO::NAME),
+            listedBy(&CSnapshotHandler::getSnapshotByHost),
+            listedBy(&CSnapshotHandler::getSnapshotByLunGroup),
+            groupsBy(&CLunGroupHandler::getLunGroupBySnapshot)};
+}
+
+} // namespace
+
+const std::vector<Attachable>& attachables()
+{
+    static const std::vector<Attachable> both = {lun(), snapshot()};
+    return both;
+}
+
+Commands forEachAttachable(const std::string& verb, const std::string& summary,
+                           const std::vector<Option>& options, void (*run)(Context&, const Attachable&))
+{
+    Commands commands;
+    for (const auto& object : attachables()) {
+        commands.push_back({{verb, object.word},
+                            summary + " a " + object.title,
+                            {object.idArgument()},
+                            options,
+                            {},
+                            [&object, run](Context& context) { run(context, object); }});
+    }
+    return commands;
+}
+
+} // namespace tesselctl

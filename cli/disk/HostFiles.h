@@ -1,0 +1,34 @@
+#ifndef TESSELCTL_DISK_HOSTFILES_H
+#define TESSELCTL_DISK_HOSTFILES_H
+
+#include <string>
+#include <vector>
+
+namespace tesselctl {
+
+/// A path of this host, "/sys/block"; below the folder TESSELCTL_ROOT when the environment names one.
+std::string hostPath(const std::string& path);
+
+/// The whole file; empty when it cannot be read.
+std::string readFile(const std::string& path);
+
+/// The lines of a file.
+std::vector<std::string> readLines(const std::string& path);
+
+/// The names in a folder in ascending order; none when it cannot be read.
+std::vector<std::string> namesIn(const std::string& folder);
+
+bool exists(const std::string& path);
+
+/// The program that a shell would run for a name; empty when there is none.
+std::string findProgram(const std::string& name);
+
+/// Whether this process may do what needs the capability (CAP_SYS_ADMIN ...).
+bool hasCapability(int capability);
+
+/// Throws unless this process may write sysfs and send SCSI commands.
+void requireScanRights(const std::string& work);
+
+} // namespace tesselctl
+
+#endif

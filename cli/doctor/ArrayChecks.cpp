@@ -1,0 +1,87 @@
+#include "doctor/Finding.h"
+
+#include "disk/HostFiles.h"
+#include "kernel/Outcome.h"
+#include "session/Reach.h"
+#include "session/Secret.h"
+
+#include <openssl/bio.h>
+#include <openssl/pem.h>
+
+#include <cstring>
+#include <memory>
+#include <unistd.h>
+
+namespace tesselctl {
+namespace {
+
+bool holdsCertificate(const std::string& file)
+{
+    const std::unique_ptr<BIO, decltype(&BIO_free)> input(BIO_new_file(file.c_str(), "r"), BIO_free);
+    if (!input) {
+        return false;
+    }
+    const std::unique_ptr<X509, decltype(&X509_free)> certificate(
+        PEM_read_bio_X509(input.get(), nullptr, nullptr, nullptr), X509_free);
+    return certificate != nullptr;
+}
+
+} // namespace
+
+Findings checkLogs(Context&)
+{
+    const std::string directory = logDirectory();
+    const std::string parent = directory.substr(0, directory.rfind('/'));
+    const bool isThere = exists(directory);
+    if (access((isThere ? directory : parent).c_str(), W_OK) == 0) {
+        return {{Verdict::ok, "log directory", directory + (isThere ? "" : " (made with the first log line)"),
+                 ""}};
+    }
+    return {{Verdict::warning, "log directory", directory + ": " + std::strerror(errno),
+             "logs go to $XDG_STATE_HOME/ovra/logs (~/.local/state/ovra/logs) instead; name another "
+             "directory in " +
+                 parent + "/Tessel_API.ini"}};
+}
+
+Findings checkTrust(Context&)
+{
+    const std::string file = environment("OVRA_REST_CA_FILE");
+    if (environment("OVRA_REST_INSECURE") == "1") {
+        return {{Verdict::warning, "trust", "--insecure: the array is not verified",
+                 "use --pin or --ca-file: anybody on the way can read the password"}};
+    }
+    if (file.empty()) {
+        const bool pinned = !environment("OVRA_REST_PINNED_KEY").empty();
+        return {{Verdict::ok, "trust", pinned ? "a pinned key" : "the certificates of this system", ""}};
+    }
+    if (!holdsCertificate(file)) {
+        return {{Verdict::failure, "CA file", file + " holds no certificate that can be read",
+                 "name a file with certificates in PEM form"}};
+    }
+    return {{Verdict::ok, "CA file", file, ""}};
+}
+
+Findings checkArray(Context& context)
+{
+    const std::string array = context.text("--array", environment("TESSEL_ARRAY"));
+    if (array.empty()) {
+        return {};
+    }
+    const ArrayAddress address = parseArrayAddress("--array", array);
+    const Reach reach = tryReach(address);
+    if (!reach.reached) {
+        return {{Verdict::failure, "array " + address.text(), "not reached", reach.advice}};
+    }
+    Findings findings = {{Verdict::ok, "array " + address.text(), "reached and trusted", ""}};
+    try {
+        const bool alive = context.session().keepAlive();
+        findings.push_back({alive ? Verdict::ok : Verdict::failure, "session",
+                            alive ? "open" : "the keep-alive failed",
+                            alive ? "" : "see the run log in " + logDirectory()});
+    } catch (const std::exception& error) {
+        findings.push_back({Verdict::failure, "session", "none", outcomeOf(error).message});
+    }
+    return findings;
+}
+
+} // namespace tesselctl

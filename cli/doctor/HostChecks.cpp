@@ -1,0 +1,110 @@
+#include "doctor/Finding.h"
+
+#include "disk/HostFiles.h"
+
+#include <linux/capability.h>
+
+namespace tesselctl {
+namespace {
+
+struct Tool
+{
+    const char* name;
+    const char* package;
+    const char* use;
+    bool needed; ///< nothing works without it
+};
+
+const std::vector<Tool>& tools()
+{
+    static const std::vector<Tool> all = {
+        {"rescan-scsi-bus.sh", "sg3-utils", "rescans the SCSI buses", true},
+        {"sg_inq", "sg3-utils", "is what rescan-scsi-bus.sh asks devices with", true},
+        {"lsscsi", "lsscsi", "lists the devices to wait for and to remove", true},
+        {"multipath", "multipath-tools", "finds the path of a stale device-mapper disk", false},
+        {"timeout", "coreutils", "limits the rescan of Korvex", true},
+        {"ls", "coreutils", "lists the disks by their identity", true},
+        {"grep", "grep", "filters these lists", true},
+        {"which", "debianutils", "looks for Korvex", true},
+    };
+    return all;
+}
+
+} // namespace
+
+Findings checkRights(Context&)
+{
+    Findings findings;
+    const auto check = [&](int capability, const char* name, const char* use) {
+        const bool has = hasCapability(capability);
+        findings.push_back({has ? Verdict::ok : Verdict::failure, name, has ? "held" : "not held",
+                            has ? "" : std::string(use) + " needs it: run as root"});
+    };
+    check(CAP_SYS_ADMIN, "right CAP_SYS_ADMIN", "rescanning and removing devices");
+    check(CAP_SYS_RAWIO, "right CAP_SYS_RAWIO", "reading the identity of disks");
+    return findings;
+}
+
+Findings checkTools(Context&)
+{
+    Findings findings;
+    for (const auto& tool : tools()) {
+        const std::string program = findProgram(tool.name);
+        const Verdict missing = tool.needed ? Verdict::failure : Verdict::warning;
+        findings.push_back(
+            {program.empty() ? missing : Verdict::ok, std::string("tool ") + tool.name,
+             program.empty() ? "not found in PATH" : program,
+             program.empty() ? "install the package " + std::string(tool.package) + ": it " + tool.use : ""});
+    }
+    return findings;
+}
+
+Findings checkRescanScript(Context&)
+{
+    const std::string script = readFile(findProgram("rescan-scsi-bus.sh"));
+    const std::string inquiry = readFile(findProgram("sg_inq"));
+    if (script.empty() || inquiry.empty()) {
+        return {};
+    }
+    // The script takes a disk for gone when it does not find the word that its own sg_inq no longer prints.
+    const bool scriptKnowsBoth = script.find("PDT=") != std::string::npos;
+    const bool readsOldWord = script.find("Device_type=") != std::string::npos;
+    const bool printsNewWord = inquiry.find("PDT=") != std::string::npos;
+    if (readsOldWord && !scriptKnowsBoth && printsNewWord) {
+        return {{Verdict::warning, "rescan-scsi-bus.sh -r",
+                 "removes healthy disks: it looks for Device_type=, but sg_inq prints PDT=",
+                 "install sg3-utils 1.48 or later; until then scans run without -r and dead disks stay"}};
+    }
+    return {{Verdict::ok, "rescan-scsi-bus.sh -r", "understands what sg_inq prints", ""}};
+}
+
+Findings checkKorvex(Context&)
+{
+    const std::string program = findProgram("kxRescan");
+    return {{Verdict::ok, "Korvex multipath",
+             program.empty() ? "not installed; the system's own rescan is used"
+                             : program + " rescans and removes devices",
+             ""}};
+}
+
+Findings checkUdev(Context&)
+{
+    const std::string folder = "/dev/disk/by-id";
+    const bool isThere = exists(hostPath(folder));
+    const auto names = namesIn(hostPath(folder));
+    bool hasScsi = false;
+    for (const auto& name : names) {
+        hasScsi = hasScsi || name.compare(0, 5, "scsi-") == 0 || name.compare(0, 4, "wwn-") == 0;
+    }
+    Findings findings;
+    findings.push_back({isThere ? Verdict::ok : Verdict::warning, folder,
+                        !isThere  ? "not there"
+                        : hasScsi ? std::to_string(names.size()) + " names of disks"
+                                  : "there, without SCSI disks yet",
+                        isThere ? ""
+                                : "udev makes it with the first disk: check that systemd-udevd runs "
+                                  "('udevadm control --ping')"});
+    return findings;
+}
+
+} // namespace tesselctl

@@ -1,0 +1,210 @@
+#include "graph/Visibility.h"
+
+#include <algorithm>
+#include <set>
+
+namespace tesselctl {
+namespace {
+
+using Nodes = std::vector<size_t>;
+
+bool isInitiator(const Node& node)
+{
+    return node.layer == Layer::initiator;
+}
+
+/// A word for the shell: what holds other than harmless characters is quoted.
+std::string word(const std::string& text)
+{
+    const char* harmless = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.:@%+=,/-";
+    if (!text.empty() && text.find_first_not_of(harmless) == std::string::npos) {
+        return text;
+    }
+    std::string quoted = "'";
+    for (const char c : text) {
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+class Examination
+{
+public:
+    Examination(const Graph& graph, size_t from, size_t to) : m_graph(graph), m_from(from), m_to(to)
+    {
+        // Everything that stands on the way from each end, by layer.
+        collect(from, true, m_ahead);
+        collect(to, false, m_back);
+    }
+
+    Visibility result()
+    {
+        m_result.isVisible = std::count(ahead(Layer::unit).begin(), ahead(Layer::unit).end(), m_to) != 0;
+        tellAhead();
+        if (!m_result.isVisible) {
+            tellBack();
+            findRemedies();
+        }
+        return m_result;
+    }
+
+private:
+    using Layers = std::array<Nodes, layerCount>;
+
+    void collect(size_t node, bool forward, Layers& layers)
+    {
+        Nodes& layer = layers.at(static_cast<size_t>(m_graph.nodes()[node].layer));
+        if (std::find(layer.begin(), layer.end(), node) != layer.end()) {
+            return;
+        }
+        layer.push_back(node);
+        for (const size_t next : forward ? m_graph.after(node) : m_graph.before(node)) {
+            collect(next, forward, layers);
+        }
+    }
+
+    const Nodes& ahead(Layer layer) const { return m_ahead.at(static_cast<size_t>(layer)); }
+    const Nodes& back(Layer layer) const { return m_back.at(static_cast<size_t>(layer)); }
+    std::string label(size_t node) const { return m_graph.nodes()[node].label(); }
+    std::string id(size_t node) const { return word(m_graph.nodes()[node].id); }
+
+    void tell(bool stands, const std::string& text) { m_result.links.push_back({stands, text}); }
+
+    /// On a way that stands only what leads to the object is told; else everything that was found.
+    bool matters(size_t node) const
+    {
+        const Nodes& nodes = back(m_graph.nodes()[node].layer);
+        return !m_result.isVisible || m_graph.nodes()[node].layer <= Layer::host ||
+               std::find(nodes.begin(), nodes.end(), node) != nodes.end();
+    }
+
+    void tellLinks(Layer layer, const std::string& stands, const std::string& missing)
+    {
+        for (const size_t node : ahead(layer)) {
+            if (!matters(node)) {
+                continue;
+            }
+            Nodes next = m_graph.after(node);
+            if (layer == Layer::lunGroup) {
+                next.erase(std::remove_if(next.begin(), next.end(), [&](size_t n) { return n != m_to; }),
+                           next.end());
+            }
+            for (const size_t other : next) {
+                if (matters(other)) {
+                    tell(true, label(node) + " " + stands + " " + label(other));
+                }
+            }
+            if (next.empty()) {
+                tell(false, label(node) + " " + missing);
+            }
+        }
+    }
+
+    void tellAhead()
+    {
+        tellLinks(Layer::initiator, "is bound to", "is bound to no host");
+        tellLinks(Layer::host, "is in", "is in no host group");
+        tellLinks(Layer::hostGroup, "is in", "is in no mapping view");
+        tellLinks(Layer::view, "holds", "holds no LUN group");
+        tellLinks(Layer::lunGroup, "holds", "does not hold " + label(m_to));
+    }
+
+    /// What stands on the LUN's own side and does not reach the host.
+    void tellBack()
+    {
+        if (back(Layer::lunGroup).empty()) {
+            tell(false, label(m_to) + " is in no LUN group");
+        }
+        for (const size_t group : back(Layer::lunGroup)) {
+            tell(true, label(m_to) + " is in " + label(group));
+            if (m_graph.before(group).empty()) {
+                tell(false, label(group) + " is in no mapping view");
+            }
+            for (const size_t view : m_graph.before(group)) {
+                tell(true, label(group) + " is in " + label(view));
+                tellHostGroups(view);
+            }
+        }
+    }
+
+    void tellHostGroups(size_t view)
+    {
+        if (m_graph.before(view).empty()) {
+            tell(false, label(view) + " holds no host group");
+        }
+        for (const size_t hostGroup : m_graph.before(view)) {
+            const Nodes& ours = ahead(Layer::hostGroup);
+            const bool fits =
+                ahead(Layer::host).empty() || std::count(ours.begin(), ours.end(), hostGroup) != 0;
+            tell(fits,
+                 label(view) + " holds " + label(hostGroup) + (fits ? "" : ", which the host is not in"));
+        }
+    }
+
+    void remedy(const std::string& command, const std::string& effect = "")
+    {
+        m_result.remedies.push_back({"tesselctl " + command, effect});
+    }
+
+    void findRemedies()
+    {
+        const Node& from = m_graph.nodes()[m_from];
+        const Node& to = m_graph.nodes()[m_to];
+        const bool isIscsi = isInitiator(from) && from.type == "initiator";
+        if (isInitiator(from) && ahead(Layer::host).empty()) {
+            remedy("initiator " + std::string(isIscsi ? "iscsi" : "fc") + " add " + id(m_from) +
+                       " --host HOST",
+                   "then ask again");
+        } else {
+            singleLinks(to);
+        }
+        if (isIscsi) {
+            remedy("attach " + (to.type == "LUN" ? std::string("lun ") : std::string("snapshot ")) +
+                       id(m_to) + " --initiator " + id(m_from),
+                   "makes new groups and a mapping view for it alone");
+        }
+    }
+
+    /// One command that closes the way.
+    void singleLinks(const Node& to)
+    {
+        for (const size_t view : ahead(Layer::view)) {
+            for (const size_t group : m_graph.after(view).empty() ? back(Layer::lunGroup) : Nodes()) {
+                remedy("view add " + id(view) + " --lungroup " + id(group),
+                       "the host then sees everything in " + label(group));
+            }
+        }
+        for (const size_t view : back(Layer::view)) {
+            for (const size_t group : m_graph.before(view).empty() ? ahead(Layer::hostGroup) : Nodes()) {
+                remedy("view add " + id(view) + " --hostgroup " + id(group),
+                       "every host of " + label(group) + " then sees it");
+            }
+            for (const size_t group : m_graph.before(view)) {
+                for (const size_t host : ahead(Layer::host)) {
+                    remedy("hostgroup add " + id(group) + " --host " + id(host),
+                           "the host then sees everything that " + label(group) + " sees");
+                }
+            }
+        }
+        for (const size_t group : ahead(Layer::lunGroup)) {
+            remedy("lungroup add " + id(group) + (to.type == "LUN" ? " --lun " : " --snapshot ") + id(m_to),
+                   "every host that sees " + label(group) + " then sees it");
+        }
+    }
+
+    const Graph& m_graph;
+    size_t m_from;
+    size_t m_to;
+    Layers m_ahead;
+    Layers m_back;
+    Visibility m_result;
+};
+
+} // namespace
+
+Visibility examine(const Graph& graph, size_t from, size_t to)
+{
+    return Examination(graph, from, to).result();
+}
+
+} // namespace tesselctl

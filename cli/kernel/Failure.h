@@ -1,0 +1,55 @@
+#ifndef TESSELCTL_KERNEL_FAILURE_H
+#define TESSELCTL_KERNEL_FAILURE_H
+
+#include <stdexcept>
+#include <string>
+
+namespace tesselctl {
+
+/// How tesselctl ends; documented in its man page.
+enum class ExitCode : int
+{
+    success = 0,
+    failure = 1,
+    usage = 2,
+    arrayError = 3,
+    notFound = 4
+};
+
+/// Ends a command: one line that tells the administrator what to do, and how the process exits.
+class Failure : public std::runtime_error
+{
+public:
+    explicit Failure(const std::string& message, ExitCode code = ExitCode::failure)
+        : std::runtime_error(message), m_code(code)
+    {
+    }
+    ExitCode code() const { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+
+class UsageError : public Failure
+{
+public:
+    explicit UsageError(const std::string& message) : Failure(message, ExitCode::usage) {}
+};
+
+class NotFound : public Failure
+{
+public:
+    /// @param arrayCode the array's error code for it; 0 when the array answered without the object.
+    explicit NotFound(const std::string& message, int arrayCode = 0)
+        : Failure(message, ExitCode::notFound), m_arrayCode(arrayCode)
+    {
+    }
+    int arrayCode() const { return m_arrayCode; }
+
+private:
+    int m_arrayCode;
+};
+
+} // namespace tesselctl
+
+#endif

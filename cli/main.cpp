@@ -1,0 +1,6 @@
+#include "kernel/CommandLine.h"
+
+int main(int argc, char** argv)
+{
+    return tesselctl::run(argc, argv);
+}

@@ -1,0 +1,172 @@
+#include "output/Printer.h"
+
+#include "kernel/Failure.h"
+#include "output/Table.h"
+#include "text/Display.h"
+#include "text/Numbers.h"
+
+#include <json/writer.h>
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+namespace tesselctl {
+namespace {
+
+/// Fields that hold bytes.
+const std::array<const char*, 2> byteFields = {"CAPACITY", "ALLOCCAPACITY"};
+
+const RecordField& fieldOf(const Row& row, const std::string& name)
+{
+    const auto found =
+        std::find_if(row.begin(), row.end(), [&](const RecordField& f) { return f.name == name; });
+    if (found == row.end()) {
+        std::string known;
+        for (const auto& field : row) {
+            known += (known.empty() ? "" : ", ") + field.name;
+        }
+        throw UsageError("there is no column '" + name + "'; choose from " + known);
+    }
+    return *found;
+}
+
+TableLine titlesOf(const Row& row, const std::vector<std::string>& columns)
+{
+    if (columns != std::vector<std::string>{"*"}) {
+        return columns;
+    }
+    TableLine titles;
+    for (const auto& field : row) {
+        titles.push_back(field.name);
+    }
+    return titles;
+}
+
+Json::Value numberOf(const std::string& text)
+{
+    return text[0] == '-' ? Json::Value(Json::Int64(std::stoll(text)))
+                          : Json::Value(Json::UInt64(std::stoull(text)));
+}
+
+} // namespace
+
+void checkColumns(const Row& row, const std::vector<std::string>& columns)
+{
+    for (const auto& column : titlesOf(row, columns)) {
+        fieldOf(row, column);
+    }
+}
+
+std::string humanValue(const RecordField& field, bool inTable)
+{
+    if (field.isSecret) {
+        return "(never shown)";
+    }
+    if (!field.isSet) {
+        return "-";
+    }
+    const bool isBytes = std::find(byteFields.begin(), byteFields.end(), field.name) != byteFields.end();
+    if (!isBytes) {
+        return printable(field.value);
+    }
+    const std::string human = humanSize(std::stoull(field.value));
+    return inTable ? human : field.value + " (" + human + ")";
+}
+
+Json::Value toJson(const Row& row)
+{
+    Json::Value object(Json::objectValue);
+    for (const auto& field : row) {
+        Json::Value& value = object[field.name];
+        if (!field.isSet || field.isSecret) {
+            continue; // null
+        }
+        switch (field.kind) {
+        case RecordField::NUMBER:
+            value = numberOf(field.value);
+            break;
+        case RecordField::FLAG:
+            value = field.value == "true";
+            break;
+        case RecordField::TEXT:
+            value = validUtf8(field.value);
+            break;
+        }
+    }
+    return object;
+}
+
+std::string jsonText(const Json::Value& value, bool indented)
+{
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = indented ? "  " : "";
+    builder["emitUTF8"] = true;
+    return Json::writeString(builder, value);
+}
+
+void Printer::record(const Row& row)
+{
+    size_t width = 0;
+    for (const auto& field : row) {
+        width = std::max(width, field.name.size());
+    }
+    std::string text;
+    for (const auto& field : row) {
+        text +=
+            field.name + std::string(width + 2 - field.name.size(), ' ') + humanValue(field, false) + "\n";
+    }
+    result(text, toJson(row));
+}
+
+void Printer::records(const std::vector<Row>& rows, const std::vector<std::string>& columns,
+                      const std::string& title)
+{
+    Json::Value array(Json::arrayValue);
+    std::vector<TableLine> lines;
+    for (const auto& row : rows) {
+        lines.resize(std::max<size_t>(lines.size(), 1));
+        lines[0] = titlesOf(row, columns);
+        TableLine line;
+        for (const auto& column : lines[0]) {
+            line.push_back(humanValue(fieldOf(row, column), true));
+        }
+        lines.push_back(line);
+        array.append(toJson(row));
+    }
+    result(rows.empty() ? "No " + title + "s.\n" : layOut(lines, terminalWidth()), array);
+}
+
+void Printer::result(const std::string& text, const Json::Value& json)
+{
+    std::cout << (m_json ? jsonText(json, true) + "\n" : text) << std::flush;
+    if (!std::cout) {
+        throw Failure("the result could not be written to standard output");
+    }
+}
+
+void Printer::note(const std::string& text) const
+{
+    if (!m_json) {
+        std::cerr << "tesselctl: " << printable(text) << std::endl;
+        return;
+    }
+    Json::Value line(Json::objectValue);
+    line["note"] = validUtf8(text);
+    std::cerr << jsonText(line, false) << std::endl;
+}
+
+void Printer::failure(const std::string& message, int exitCode, const int* arrayCode)
+{
+    if (!m_json) {
+        std::cerr << "tesselctl: " << printable(message) << std::endl;
+        return;
+    }
+    Json::Value error(Json::objectValue);
+    error["error"]["message"] = validUtf8(message);
+    error["error"]["exitCode"] = exitCode;
+    error["error"]["arrayCode"] = arrayCode == nullptr ? Json::Value() : Json::Value(*arrayCode);
+    std::cerr << jsonText(error, false) << std::endl;
+}
+
+} // namespace tesselctl

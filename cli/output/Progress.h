@@ -1,0 +1,43 @@
+#ifndef TESSELCTL_OUTPUT_PROGRESS_H
+#define TESSELCTL_OUTPUT_PROGRESS_H
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace tesselctl {
+
+/**
+ * One line on the terminal that tells what long work is doing, how far it is and for how long: shown after
+ * the first second, gone with this object. Nothing at all where standard error is no terminal.
+ */
+class Progress
+{
+public:
+    explicit Progress(std::string work);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /// How far the work is: "300 so far".
+    void update(const std::string& state);
+
+private:
+    void show();
+    void draw();
+
+    std::string m_work;
+    std::string m_state;
+    std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
+    bool m_isOver = false;
+    bool m_isShown = false;
+    std::thread m_thread;
+};
+
+} // namespace tesselctl
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef TESSELCTL_SESSION_REACH_H
+#define TESSELCTL_SESSION_REACH_H
+
+#include "session/ArrayAddress.h"
+
+#include <string>
+
+namespace tesselctl {
+
+/// Whether the array can be talked to, and what to do when not.
+struct Reach
+{
+    bool reached = false;
+    std::string advice; ///< empty when reached
+};
+
+/**
+ * Opens a connection as the REST library's settings ask for and looks how far it comes: TCP, TLS, trust. The
+ * library itself tells no more than that a request failed.
+ */
+Reach tryReach(const ArrayAddress& address);
+
+/// The directory of the SDK's run log: "logs" beside the log library.
+std::string logDirectory();
+
+} // namespace tesselctl
+
+#endif

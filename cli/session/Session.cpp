@@ -1,0 +1,93 @@
+#include "session/Session.h"
+
+#include "kernel/Failure.h"
+#include "session/Reach.h"
+#include "session/Secret.h"
+
+namespace tesselctl {
+namespace {
+
+const unsigned int readBackTimes = 10;
+const unsigned int readBackPauseMicroseconds = 500000;
+
+/// The text of an option, or of the environment variable that stands in for it.
+std::string given(const Values& values, const char* option, const char* variable)
+{
+    return values.has(option) ? values.text(option) : environment(variable);
+}
+
+std::string secret(const Values& values, const char* fileOption, const char* variable)
+{
+    return values.has(fileOption) ? secretFromFile(fileOption, values.text(fileOption))
+                                  : environment(variable);
+}
+
+} // namespace
+
+std::unique_ptr<Session> Session::open(const Values& values)
+{
+    const std::string array = given(values, "--array", "TESSEL_ARRAY");
+    if (array.empty()) {
+        throw UsageError("no array is named: give --array IP[:PORT] or set TESSEL_ARRAY");
+    }
+    const bool adopted = values.has("--device-id");
+    std::unique_ptr<Session> session(new Session(parseArrayAddress("--array", array), adopted));
+    adopted ? session->adopt(values) : session->logIn(values);
+    session->m_open = true;
+    return session;
+}
+
+Session::Session(const ArrayAddress& address, bool adopted)
+    : m_manager(CDeviceManager::getInstance(readBackTimes, readBackPauseMicroseconds)), m_address(address),
+      m_adopted(adopted)
+{
+}
+
+Session::~Session()
+{
+    close();
+}
+
+void Session::logIn(const Values& values)
+{
+    const std::string user = given(values, "--user", "TESSEL_USER");
+    if (user.empty()) {
+        throw UsageError("no user is named: give --user NAME or set TESSEL_USER");
+    }
+    std::string password = secret(values, "--password-file", "TESSEL_PASSWORD");
+    if (password.empty()) {
+        password = askSecret("Password of " + user + " on " + m_address.text() + ": ");
+    }
+    const USERTYPE scope = values.text("--scope") == "domain" ? USERTYPE_DOMAIN : USERTYPE_LOCAL;
+    if (!m_manager->loginDevice(m_address.ip, m_address.port, user, password, scope)) {
+        const Reach reach = tryReach(m_address);
+        throw Failure(reach.reached
+                          ? "the array " + m_address.text() + " refused the login of " + user +
+                                ": check user name, password and --scope; its words are in the run log, " +
+                                logDirectory()
+                          : reach.advice);
+    }
+}
+
+void Session::adopt(const Values& values)
+{
+    const std::string token = secret(values, "--token-file", "TESSEL_TOKEN");
+    const std::string cookie = secret(values, "--cookie-file", "TESSEL_COOKIE");
+    if (token.empty() || cookie.empty()) {
+        throw UsageError(
+            "--device-id adopts an open session and needs its token (--token-file or TESSEL_TOKEN) "
+            "and its cookie (--cookie-file or TESSEL_COOKIE)");
+    }
+    if (!m_manager->useConnection(m_address.ip, m_address.port, values.text("--device-id"), token, cookie)) {
+        throw UsageError("the session could not be adopted: device ID, token and cookie may not be empty");
+    }
+}
+
+bool Session::close()
+{
+    const bool logOut = m_open && !m_adopted;
+    m_open = false;
+    return !logOut || m_manager->logoutDevice();
+}
+
+} // namespace tesselctl

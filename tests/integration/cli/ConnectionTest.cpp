@@ -1,0 +1,233 @@
+#include "../simulator/ArrayClient.h"
+#include "Cli.h"
+
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+TEST_F(CliTest, PingLogsInKeepsAliveAndLogsOut)
+{
+    const Outcome outcome = cli.json({"ping"});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome;
+    for (const char* step : {"login", "keep-alive", "logout"}) {
+        EXPECT_GE(outcome.json()["milliseconds"][step].asDouble(), 0.0) << step;
+    }
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 0) << "the session is closed";
+    EXPECT_THAT(expect(0, {"ping"}).out, HasSubstr("keep-alive"));
+}
+
+TEST_F(CliTest, AFailedCommandLogsOutToo)
+{
+    expect(4, {"lun", "show", "77"});
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
+}
+
+TEST_F(CliTest, OptionsOverrideTheEnvironmentAndAPasswordFileThePassword)
+{
+    const Folder folder;
+    const std::string file = folder.write("password", array.password() + "\nsecond line\n");
+    const std::string place = array.ip() + ":" + std::to_string(array.port());
+    cli.environment = {
+        {"TESSEL_ARRAY", "192.0.2.1"}, {"TESSEL_USER", "nobody"}, {"TESSEL_PASSWORD", "wrong"}};
+    expect(0, {"ping", "--array", place, "--user", array.user(), "--password-file", file, "--ca-file",
+               array.caFile()});
+}
+
+struct Trust
+{
+    const char* name;
+    Words (*options)(const tessel_test::ArraySim&);
+    int exitCode;
+    const char* message;
+};
+
+class Trusting : public CliTest, public ::testing::WithParamInterface<Trust>
+{
+};
+
+const Trust trusts[] = {
+    {"TheSystemsOwn", [](const auto&) { return Words{}; }, 1, "tesselctl fingerprint"},
+    {"ItsPin",
+     [](const auto& array) {
+         return Words{"--pin", array.pinnedKey()};
+     },
+     0, ""},
+    {"AnotherPin",
+     [](const auto&) {
+         return Words{"--pin", "sha256//" + std::string(43, 'A') + "="};
+     },
+     1, "not the pinned one"},
+    {"ItsCaFile",
+     [](const auto& array) {
+         return Words{"--ca-file", array.caFile()};
+     },
+     0, ""},
+    {"NothingOnRequest", [](const auto&) { return Words{"--insecure"}; }, 0, ""},
+};
+
+TEST_P(Trusting, DecidesWhetherTheArrayIsTalkedTo)
+{
+    cli.environment.erase("OVRA_REST_CA_FILE");
+    Words words = {"ping"};
+    const Words options = GetParam().options(array);
+    words.insert(words.end(), options.begin(), options.end());
+    EXPECT_THAT(expect(GetParam().exitCode, words).err, HasSubstr(GetParam().message));
+}
+
+INSTANTIATE_TEST_SUITE_P(Connection, Trusting, ::testing::ValuesIn(trusts),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+TEST_F(CliTest, AFailedLoginTellsWhatToDo)
+{
+    EXPECT_THAT(expect(1, {"ping", "--array", "127.0.0.1:1"}).err, HasSubstr("cannot be reached"));
+    const std::string noTls = "127.0.0.1:" + std::to_string(array.controlPort());
+    EXPECT_THAT(expect(1, {"ping", "--array", noTls}).err, HasSubstr("does not speak TLS"));
+    cli.environment["TESSEL_PASSWORD"] = "Wrong-password-1";
+    const Outcome refused = expect(1, {"ping"});
+    EXPECT_THAT(refused.err, HasSubstr("refused the login of admin"));
+    EXPECT_THAT(refused.err, Not(HasSubstr("Wrong-password-1")));
+}
+
+TEST_F(CliTest, AnAdoptedSessionIsUsedAndLeftOpen)
+{
+    ArrayClient client(array);
+    ASSERT_EQ(client.login().code(), 0);
+    const Folder folder;
+    cli.environment.erase("TESSEL_PASSWORD");
+    const Words adopt = {"--device-id",   client.deviceId,
+                         "--token-file",  folder.write("token", client.token),
+                         "--cookie-file", folder.write("cookie", client.cookie)};
+    Words ping = {"ping"};
+    ping.insert(ping.end(), adopt.begin(), adopt.end());
+    const Outcome outcome = cli.json(ping);
+    ASSERT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_FALSE(outcome.json()["milliseconds"].isMember("login"));
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 1);
+
+    cli.environment["TESSEL_TOKEN"] = client.token;
+    cli.environment["TESSEL_COOKIE"] = client.cookie;
+    expect(0, {"port", "eth", "list", "--device-id", client.deviceId});
+    array.dropSessions();
+    EXPECT_THAT(expect(3, {"port", "eth", "list", "--device-id", client.deviceId}).err,
+                HasSubstr("log in again"));
+}
+
+TEST_F(CliTest, FingerprintShowsTheCertificateAndThePinThatTrustsIt)
+{
+    const std::string place = array.ip() + ":" + std::to_string(array.port());
+    const Outcome outcome = Cli().json({"fingerprint", place});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome;
+    const Json::Value shown = outcome.json();
+    EXPECT_EQ(shown["pin"].asString(), array.pinnedKey());
+    EXPECT_TRUE(shown["inForce"].asBool());
+    EXPECT_FALSE(shown["verified"].asBool());
+    EXPECT_EQ(shown["sha256"].asString().size(), 95U);
+    EXPECT_TRUE(Cli().json({"fingerprint", place, "--ca-file", array.caFile()}).json()["verified"].asBool());
+    const Outcome text = Cli().run({"fingerprint", place});
+    for (const char* part : {"subject", "issuer", "valid until", "SHA-256"}) {
+        EXPECT_THAT(text.out, HasSubstr(part));
+    }
+    EXPECT_THAT(text.out, HasSubstr("--pin " + array.pinnedKey()));
+    EXPECT_EQ(Cli().run({"fingerprint", "127.0.0.1:1"}).exitCode, 1);
+}
+
+TEST_F(CliTest, AnErrorOfTheArrayEndsWithCode3AndItsCode)
+{
+    array.addErrorFault("GET", "/lun/7", 1077000001);
+    const Outcome text = expect(3, {"lun", "show", "7"});
+    EXPECT_THAT(text.err, HasSubstr("error code 1077000001"));
+    EXPECT_THAT(text.err, Not(HasSubstr("Exception")));
+    array.addErrorFault("GET", "/lun/7", 1077000001);
+    const Json::Value error = cli.json({"lun", "show", "7"}).errorJson()["error"];
+    EXPECT_EQ(error["arrayCode"].asInt(), 1077000001);
+    EXPECT_EQ(error["exitCode"].asInt(), 3);
+}
+
+TEST_F(CliTest, AnAnswerThatCannotBeReadEndsWithCode1)
+{
+    array.addFault(R"({"method":"GET","path":"/lun/7","action":"answer","status":200,"body":"no JSON"})");
+    const Outcome outcome = expect(1, {"lun", "show", "7"});
+    EXPECT_THAT(outcome.err, HasSubstr("did not answer getLun"));
+    EXPECT_THAT(outcome.err, Not(HasSubstr("Exception")));
+}
+
+/// tesselctl on a terminal of its own.
+class Terminal
+{
+public:
+    explicit Terminal(const tessel_test::ArraySim& array)
+    {
+        const std::string place = array.ip() + ":" + std::to_string(array.port());
+        m_child = forkpty(&m_master, nullptr, nullptr, nullptr);
+        if (m_child == 0) {
+            // A shell keeps the terminal open behind tesselctl, so that its modes can be looked at.
+            const std::string line = std::string(TESSELCTL) + " ping --array " + place + " --user " +
+                                     array.user() + " --ca-file " + array.caFile() +
+                                     "; echo ended $?; read end";
+            execl("/bin/sh", "sh", "-c", ("trap : INT; " + line).c_str(), nullptr);
+            _exit(127);
+        }
+    }
+    ~Terminal()
+    {
+        close(m_master);
+        waitpid(m_child, nullptr, 0);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// Reads until the text has been shown; the test fails when the terminal ends before.
+    void await(const std::string& text)
+    {
+        std::array<char, 512> buffer{};
+        while (m_shown.find(text) == std::string::npos) {
+            const ssize_t got = read(m_master, buffer.data(), buffer.size());
+            ASSERT_GT(got, 0) << "waiting for " << text << " in " << m_shown;
+            m_shown.append(buffer.data(), static_cast<size_t>(got));
+        }
+    }
+    void type(const std::string& text)
+    {
+        EXPECT_EQ(write(m_master, text.data(), text.size()), ssize_t(text.size()));
+    }
+    bool echoes() const
+    {
+        termios modes{};
+        tcgetattr(m_master, &modes);
+        return (modes.c_lflag & ECHO) != 0;
+    }
+    const std::string& shown() const { return m_shown; }
+
+private:
+    int m_master = -1;
+    pid_t m_child = -1;
+    std::string m_shown;
+};
+
+TEST_F(CliTest, ThePasswordIsAskedForWithoutEcho)
+{
+    Terminal terminal(array);
+    terminal.await("Password of admin");
+    EXPECT_FALSE(terminal.echoes());
+    terminal.type(array.password() + "\n");
+    terminal.await("ended 0");
+    EXPECT_TRUE(terminal.echoes());
+    EXPECT_THAT(terminal.shown(), Not(HasSubstr(array.password())));
+}
+
+TEST_F(CliTest, AnInterruptedQuestionGivesTheTerminalItsEchoBack)
+{
+    Terminal terminal(array);
+    terminal.await("Password of admin");
+    terminal.type("half\x03");
+    terminal.await("ended 130");
+    EXPECT_TRUE(terminal.echoes());
+}
+
+} // namespace

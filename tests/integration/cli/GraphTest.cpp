@@ -1,0 +1,183 @@
+#include "Cli.h"
+
+#include <sstream>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+/// One link of the way that is left out, and what explain must say then.
+struct Gap
+{
+    const char* name;
+    void (*cut)(const MappingTest&, const Words& ids, const Cli&);
+    const char* missing;
+    const char* remedy; ///< with LUN, HOST ... for the IDs
+};
+
+class MissingLink : public MappingTest, public ::testing::WithParamInterface<Gap>
+{
+protected:
+    /// The text with the names of objects replaced by their IDs.
+    std::string withIds(std::string text) const
+    {
+        const std::pair<const char*, std::string> ids[] = {
+            {"HOSTGROUP", hostGroup}, {"LUNGROUP", lunGroup}, {"HOST", host},
+            {"VIEW", view},           {"LUN", lun},           {"IQN", iqn}};
+        for (const auto& [name, id] : ids) {
+            const size_t at = text.find(std::string("<") + name + ">");
+            if (at != std::string::npos) {
+                text.replace(at, std::string(name).size() + 2, id);
+            }
+        }
+        return text;
+    }
+};
+
+enum Id
+{
+    lunId,
+    hostId,
+    lunGroupId,
+    hostGroupId,
+    viewId,
+    iqnId
+};
+
+const Gap gaps[] = {
+    {"InitiatorToHost",
+     [](const MappingTest&, const Words& ids, const Cli& cli) {
+         cli.run({"initiator", "iscsi", "remove", ids[iqnId]});
+     },
+     "is bound to no host", "tesselctl initiator iscsi add <IQN> --host HOST"},
+    {"HostToHostGroup",
+     [](const MappingTest&, const Words& ids, const Cli& cli) {
+         cli.run({"hostgroup", "remove", ids[hostGroupId], "--host", ids[hostId]});
+     },
+     "is in no host group", "tesselctl hostgroup add <HOSTGROUP> --host <HOST>"},
+    {"HostGroupToView",
+     [](const MappingTest&, const Words& ids, const Cli& cli) {
+         cli.run({"view", "remove", ids[viewId], "--hostgroup", ids[hostGroupId]});
+     },
+     "is in no mapping view", "tesselctl view add <VIEW> --hostgroup <HOSTGROUP>"},
+    {"ViewToLunGroup",
+     [](const MappingTest&, const Words& ids, const Cli& cli) {
+         cli.run({"view", "remove", ids[viewId], "--lungroup", ids[lunGroupId]});
+     },
+     "holds no LUN group", "tesselctl view add <VIEW> --lungroup <LUNGROUP>"},
+    {"LunGroupToLun",
+     [](const MappingTest&, const Words& ids, const Cli& cli) {
+         cli.run({"lungroup", "remove", ids[lunGroupId], "--lun", ids[lunId]});
+     },
+     "is in no LUN group", "tesselctl lungroup add <LUNGROUP> --lun <LUN>"},
+};
+
+TEST_P(MissingLink, IsNamedByExplainWithTheCommandThatMakesIt)
+{
+    bindAll();
+    GetParam().cut(*this, {lun, host, lunGroup, hostGroup, view, iqn}, cli);
+    const Outcome text = expect(1, {"explain", "lun", lun, "--initiator", iqn});
+    EXPECT_THAT(text.out, HasSubstr("is NOT visible to"));
+    EXPECT_THAT(text.out, HasSubstr(GetParam().missing));
+    const std::string remedy = withIds(GetParam().remedy);
+    EXPECT_THAT(text.out, HasSubstr(remedy + "\n"));
+
+    const Outcome json = cli.json({"explain", "lun", lun, "--initiator", iqn});
+    EXPECT_EQ(json.exitCode, 1);
+    EXPECT_FALSE(json.json()["visible"].asBool());
+    const Json::Value remedies = json.json()["remedies"];
+    ASSERT_GT(remedies.size(), 0U);
+    EXPECT_EQ(remedies[0]["command"].asString(), remedy);
+}
+
+TEST_P(MissingLink, IsMadeByTheCommandThatExplainProposes)
+{
+    bindAll();
+    GetParam().cut(*this, {lun, host, lunGroup, hostGroup, view, iqn}, cli);
+    Words words;
+    std::istringstream remedy(withIds(GetParam().remedy));
+    for (std::string word; remedy >> word;) {
+        words.push_back(word == "HOST" ? host : word);
+    }
+    words.erase(words.begin());
+    expect(0, words);
+    expect(0, {"explain", "lun", lun, "--initiator", iqn});
+}
+
+INSTANTIATE_TEST_SUITE_P(Explain, MissingLink, ::testing::ValuesIn(gaps),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+TEST_F(MappingTest, ExplainWalksTheWholeWayOfAVisibleLun)
+{
+    bindAll();
+    const Outcome text = expect(0, {"explain", "lun", lun, "--initiator", iqn});
+    EXPECT_THAT(text.out, HasSubstr("is visible to"));
+    EXPECT_THAT(text.out, Not(HasSubstr("MISSING")));
+    const Json::Value json = cli.json({"explain", "lun", lun, "--host", host}).json();
+    EXPECT_TRUE(json["visible"].asBool());
+    EXPECT_EQ(json["links"].size(), 4U);
+    EXPECT_EQ(json["remedies"].size(), 0U);
+}
+
+TEST_F(MappingTest, ExplainWorksForSnapshotsAndFCInitiators)
+{
+    const std::string snapshot = array.createSnapshot(lun, "snap");
+    bindAll();
+    expect(0, {"initiator", "fc", "create", "2100001405a0ffff", "--host", host});
+    const Outcome not_yet = expect(1, {"explain", "snapshot", snapshot, "--initiator", "2100001405a0ffff"});
+    EXPECT_THAT(not_yet.out, HasSubstr("tesselctl lungroup add " + lunGroup + " --snapshot " + snapshot));
+    EXPECT_THAT(not_yet.out, Not(HasSubstr("tesselctl attach"))) << "attach is for iSCSI alone";
+    expect(0, {"lungroup", "add", lunGroup, "--snapshot", snapshot});
+    expect(0, {"explain", "snapshot", snapshot, "--initiator", "2100001405a0ffff"});
+}
+
+TEST_F(MappingTest, ExplainOfWhatTheArrayDoesNotKnowEndsWithCode4)
+{
+    expect(4, {"explain", "lun", "99", "--initiator", iqn});
+    EXPECT_THAT(expect(4, {"explain", "lun", lun, "--initiator", "iqn.new"}).err,
+                HasSubstr("tesselctl initiator iscsi create iqn.new"));
+}
+
+TEST_F(MappingTest, TopologyIsDrawnAsATree)
+{
+    bindAll();
+    const std::string forward = "initiator " + iqn + "\n└─ host " + host + " (web1)\n   └─ host group " +
+                                hostGroup + " (hosts)\n      └─ view " + view +
+                                " (view)\n         └─ LUN group " + lunGroup +
+                                " (luns)\n            └─ LUN " + lun + " (db01)\n";
+    EXPECT_EQ(expect(0, {"topology", "--initiator", iqn}).out, forward);
+    const std::string back = "LUN " + lun + " (db01)\n`- LUN group " + lunGroup + " (luns)\n   `- view " +
+                             view + " (view)\n      `- host group " + hostGroup + " (hosts)\n";
+    EXPECT_EQ(expect(0, {"topology", "--lun", lun, "--ascii"}).out, back);
+    expect(4, {"topology", "--host", "99"});
+}
+
+TEST_F(MappingTest, TopologyHasEveryObjectOnceInJsonDotAndSvg)
+{
+    bindAll();
+    const std::string other = make({"lungroup", "create", "--name", "q\"<&>\\"});
+    const std::string secondView = make({"view", "create", "--name", "second"});
+    expect(0, {"lungroup", "add", other, "--lun", lun});
+    expect(0, {"view", "add", secondView, "--lungroup", other});
+    const std::string secondGroup = make({"hostgroup", "create", "--name", "more"});
+    expect(0, {"view", "add", secondView, "--hostgroup", secondGroup});
+    expect(0, {"hostgroup", "add", secondGroup, "--host", host});
+
+    const Json::Value json = cli.json({"topology", "--host", host}).json();
+    EXPECT_EQ(json["nodes"].size(), 8U) << "the LUN stands in two groups and is one node";
+    EXPECT_EQ(json["edges"].size(), 8U);
+    const std::string dot = expect(0, {"topology", "--host", host, "--format", "dot"}).out;
+    EXPECT_THAT(dot, HasSubstr("digraph"));
+    EXPECT_THAT(dot, HasSubstr("q\\\"<&>\\\\"));
+    const std::string svg = expect(0, {"topology", "--host", host, "--format", "svg"}).out;
+    EXPECT_THAT(svg, HasSubstr("q&quot;&lt;&amp;&gt;"));
+    EXPECT_THAT(svg, HasSubstr("</svg>"));
+    size_t boxes = 0;
+    for (size_t at = svg.find("<g><title>"); at != std::string::npos; at = svg.find("<g><title>", at + 1)) {
+        ++boxes;
+    }
+    EXPECT_EQ(boxes, 8U);
+}
+
+} // namespace
