@@ -2,7 +2,10 @@
 # Two processes scan at once; the one that holds the rescan lock is killed: the other one gets it and finds its disk.
 . "$(dirname "$0")/array.sh"
 
-lock_value() { ipcs -s -i "$(ipcs -s | awk '$1 == "0x000004d3" { print $2 }')" | awk '$1 == "0" { print $2 }'; }
+semaphore() { ipcs -s | awk '$1 == "0x000004d3" { print $2 }'; }
+lock_value() { ipcs -s -i "$(semaphore)" | awk '$1 == "0" { print $2 }'; }
+someone_waits() { ipcs -s -i "$(semaphore)" | awk '$1 == "0" && $3 == 1 { found = 1 } END { exit !found }'; }
+rescanning() { [ "$(korvex_calls)" = 1 ]; }
 
 expect "an array with real disks" arraysim_begin
 lun=$(arraysim_lun killed)
@@ -11,12 +14,12 @@ sdk attach-lun "$lun"
 korvex_install 0 600
 sdk scan-lun "$lun" &
 holder=$!
-expect "the first scan rescans" wait_for 120 test "$(korvex_calls)" = 1
+expect "the first scan rescans" wait_for 120 rescanning
 same "the lock is held" "$(lock_value)" 0
 korvex_install 0 0
 sdk scan-lun "$lun" > /run/lab/second &
 waiter=$!
-expect "the second one waits" wait_for 120 sh -c "ipcs -s -i $(ipcs -s | awk '$1 == "0x000004d3" { print $2 }') | awk '\$1 == \"0\" && \$3 == 1 { found = 1 } END { exit !found }'"
+expect "the second one waits" wait_for 120 someone_waits
 kill -KILL $holder
 pkill -KILL -f 'sleep 600'
 expect "the second one ends" wait $waiter
