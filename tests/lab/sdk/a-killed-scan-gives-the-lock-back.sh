@@ -13,14 +13,13 @@ sdk attach-lun "$lun"
 # A rescan that lasts: long enough to be killed in.
 korvex_install 0 600
 sdk scan-lun "$lun" &
-holder=$!
 expect "the first scan rescans" wait_for 120 rescanning
 same "the lock is held" "$(lock_value)" 0
 korvex_install 0 0
 sdk scan-lun "$lun" > /run/lab/second &
 waiter=$!
 expect "the second one waits" wait_for 120 someone_waits
-kill -KILL $holder
+pkill -KILL -o -x sdk_host
 pkill -KILL -f 'sleep 600'
 expect "the second one ends" wait $waiter
 expect "with its disk: $(cat /run/lab/second)" [ -b "$(cat /run/lab/second)" ]
