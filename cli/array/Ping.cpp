@@ -1,4 +1,5 @@
 #include "kernel/Context.h"
+#include "session/Reach.h"
 
 #include <array>
 #include <chrono>
@@ -37,6 +38,14 @@ void tellSteps(Context& context, const std::string& array, const std::vector<Ste
     context.printer().result(text, json);
 }
 
+Failure refused(const ArrayAddress& array, const std::string& what)
+{
+    const Reach reach = tryReach(array);
+    return Failure(reach.reached ? "the array did not accept the " + what +
+                                       "; its words are in the run log in " + logDirectory()
+                                 : reach.advice);
+}
+
 void ping(Context& context)
 {
     std::vector<Step> steps;
@@ -49,14 +58,12 @@ void ping(Context& context)
     }
     steps.push_back({"keep-alive", timed([&] { alive = session.keepAlive(); })});
     if (!alive) {
-        throw Failure(
-            "the array did not accept the keep-alive: the session is over, or the array is busy; its words "
-            "are in the run log");
+        throw refused(session.address(), "keep-alive: the session is over, or the array is busy");
     }
     if (!session.isAdopted()) {
         steps.push_back({"logout", timed([&] { closed = session.close(); })});
         if (!closed) {
-            throw Failure("the array did not accept the logout; its words are in the run log");
+            throw refused(session.address(), "logout");
         }
     }
     tellSteps(context, session.address().text(), steps);

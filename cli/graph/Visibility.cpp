@@ -1,5 +1,7 @@
 #include "graph/Visibility.h"
 
+#include "text/ShellWord.h"
+
 #include <algorithm>
 #include <set>
 
@@ -11,20 +13,6 @@ using Nodes = std::vector<size_t>;
 bool isInitiator(const Node& node)
 {
     return node.layer == Layer::initiator;
-}
-
-/// A word for the shell: what holds other than harmless characters is quoted.
-std::string word(const std::string& text)
-{
-    const char* harmless = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.:@%+=,/-";
-    if (!text.empty() && text.find_first_not_of(harmless) == std::string::npos) {
-        return text;
-    }
-    std::string quoted = "'";
-    for (const char c : text) {
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    }
-    return quoted + "'";
 }
 
 class Examination
@@ -66,7 +54,7 @@ private:
     const Nodes& ahead(Layer layer) const { return m_ahead.at(static_cast<size_t>(layer)); }
     const Nodes& back(Layer layer) const { return m_back.at(static_cast<size_t>(layer)); }
     std::string label(size_t node) const { return m_graph.nodes()[node].label(); }
-    std::string id(size_t node) const { return word(m_graph.nodes()[node].id); }
+    std::string id(size_t node) const { return shellWord(m_graph.nodes()[node].id); }
 
     void tell(bool stands, const std::string& text) { m_result.links.push_back({stands, text}); }
 

@@ -83,8 +83,7 @@ Inputs<LunMO> filters()
 
 Commands lunCommands()
 {
-    const ObjectKind lun{
-        {"lun"}, "LUN", "ID", {"ID", "NAME", "CAPACITY", "HEALTHSTATUS", "RUNNINGSTATUS", "WWN"}};
+    const ObjectKind lun{{"lun"}, "LUN", "ID", {"ID", "NAME", "CAPACITY", "RUNNINGSTATUS", "WWN"}};
     return {
         createCommand(lun, newLun(), &CLunHandler::createLun, {}, complete),
         showCommand(lun, &CLunHandler::getLun),

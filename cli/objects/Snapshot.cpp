@@ -21,7 +21,7 @@ Inputs<SnapshotMO> filters()
 Commands snapshotCommands()
 {
     const ObjectKind snapshot{
-        {"snapshot"}, "snapshot", "ID", {"ID", "NAME", "PARENTID", "HEALTHSTATUS", "RUNNINGSTATUS", "WWN"}};
+        {"snapshot"}, "snapshot", "ID", {"ID", "NAME", "PARENTID", "RUNNINGSTATUS", "WWN"}};
     return {
         showCommand(snapshot, &CSnapshotHandler::getSnapshot),
         listCommand<SnapshotMO, SnapshotQuery>(

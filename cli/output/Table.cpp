@@ -18,13 +18,15 @@ bool isNumber(const std::string& text)
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-/// Takes from the widest column until everything fits or no column can give more.
+/// Takes from the widest column until everything fits; a table that cannot fit is left whole, to be wrapped.
 void shrink(std::vector<size_t>& widths, size_t width)
 {
     const size_t gaps = gap * (widths.size() - 1);
+    const std::vector<size_t> whole = widths;
     while (std::accumulate(widths.begin(), widths.end(), gaps) > width) {
         const auto widest = std::max_element(widths.begin(), widths.end());
         if (*widest <= narrowest) {
+            widths = whole;
             return;
         }
         --*widest;

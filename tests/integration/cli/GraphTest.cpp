@@ -16,6 +16,11 @@ struct Gap
     const char* remedy; ///< with LUN, HOST ... for the IDs
 };
 
+void PrintTo(const Gap& one, std::ostream* stream)
+{
+    *stream << one.name;
+}
+
 class MissingLink : public MappingTest, public ::testing::WithParamInterface<Gap>
 {
 protected:

@@ -15,6 +15,11 @@ struct Kind
     bool canBeDeleted;
 };
 
+void PrintTo(const Kind& one, std::ostream* stream)
+{
+    *stream << one.name;
+}
+
 class ObjectOf : public CliTest, public ::testing::WithParamInterface<Kind>
 {
 protected:
@@ -130,18 +135,19 @@ TEST_F(CliTest, AThinLunBeginsWithTheInitialSizeAskedFor)
 
 TEST_F(CliTest, ANameCannotSteerTheTerminal)
 {
-    const std::string lun = array
-                                .create("lun",
-                                        [] {
-                                            Json::Value members(Json::objectValue);
-                                            members["NAME"] = "a\x1b[2Jb";
-                                            members["PARENTID"] = "0";
-                                            members["CAPACITY"] = 2048;
-                                            return members;
-                                        }())["ID"]
-                                .asString();
-    EXPECT_THAT(expect(0, {"lun", "show", lun}).out, HasSubstr("a\\x1B[2Jb"));
-    EXPECT_EQ(cli.json({"lun", "show", lun}).json()["NAME"].asString(), "a\x1b[2Jb");
+    Json::Value fault(Json::objectValue);
+    fault["method"] = "GET";
+    fault["path"] = "/hostgroup/1";
+    fault["action"] = "answer";
+    fault["count"] = 2;
+    fault["body"] =
+        R"({"data":{"ID":"1","NAME":"a\u001b[2Jb","DESCRIPTION":"c\u202ed","ISADD2MAPPINGVIEW":"false"},)"
+        R"("error":{"code":0,"description":"0"}})";
+    array.addFault(fault);
+    const std::string text = expect(0, {"hostgroup", "show", "1"}).out;
+    EXPECT_THAT(text, HasSubstr("a\\x1B[2Jb"));
+    EXPECT_THAT(text, HasSubstr("c\\u{202E}d"));
+    EXPECT_EQ(cli.json({"hostgroup", "show", "1"}).json()["NAME"].asString(), "a\x1b[2Jb");
 }
 
 TEST_F(CliTest, PortsOfEveryKindAreListedAndShown)

@@ -1,0 +1,80 @@
+#include "HostFixture.h"
+
+#include <sys/sem.h>
+
+using ::testing::HasSubstr;
+
+namespace {
+
+const key_t rescanKey = 1235;
+
+Json::Value checkOf(const Outcome& doctor, const std::string& subject)
+{
+    const Json::Value checks = doctor.json()["checks"];
+    for (const auto& check : checks) {
+        if (check["subject"].asString().find(subject) != std::string::npos) {
+            return check;
+        }
+    }
+    ADD_FAILURE() << "no check of " << subject << " in " << doctor.out;
+    return Json::Value(Json::objectValue);
+}
+
+TEST_F(HostTest, DoctorFindsAWholeHostFit)
+{
+    const Outcome outcome = cli.json({"doctor"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_TRUE(outcome.json()["fit"].asBool());
+    EXPECT_EQ(checkOf(outcome, "rescan-scsi-bus.sh -r")["verdict"], "ok");
+    EXPECT_EQ(checkOf(outcome, "rescan lock")["found"], "not made yet; the first scan makes it");
+    EXPECT_EQ(checkOf(outcome, "session")["found"], "open");
+    EXPECT_THAT(expect(0, {"doctor"}).out, HasSubstr("ok       tool lsscsi"));
+}
+
+TEST_F(HostTest, DoctorNamesAMissingToolAndItsPackage)
+{
+    std::filesystem::remove(folder.path() + "/bin/lsscsi");
+    std::filesystem::remove(folder.path() + "/bin/multipath");
+    const Outcome outcome = cli.json({"doctor"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(checkOf(outcome, "tool lsscsi")["verdict"], "failure");
+    EXPECT_THAT(checkOf(outcome, "tool lsscsi")["advice"].asString(),
+                HasSubstr("install the package lsscsi"));
+    EXPECT_EQ(checkOf(outcome, "tool multipath")["verdict"], "warning");
+    EXPECT_THAT(expect(1, {"doctor"}).out, HasSubstr("failure  tool lsscsi"));
+}
+
+TEST_F(HostTest, DoctorRecognisesTheRescanScriptThatRemovesHealthyDisks)
+{
+    stub("rescan-scsi-bus.sh", "sg_inq | grep Device_type=");
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "rescan-scsi-bus.sh -r")["verdict"], "warning");
+    stub("sg_inq", "echo Device_type=0");
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "rescan-scsi-bus.sh -r")["verdict"], "ok");
+}
+
+TEST_F(HostTest, DoctorTellsWhoHoldsTheRescanLock)
+{
+    cli.prepare = [] {
+        if (unshare(CLONE_NEWIPC) != 0) {
+            _exit(126);
+        }
+        const int set = semget(rescanKey, 1, IPC_CREAT | 0600);
+        semctl(set, 0, SETVAL, 0);
+    };
+    const Json::Value lock = checkOf(cli.json({"doctor"}), "rescan lock");
+    EXPECT_EQ(lock["verdict"], "warning");
+    EXPECT_THAT(lock["found"].asString(), HasSubstr("held by process"));
+}
+
+TEST_F(HostTest, DoctorLooksAtTheWayToTheArray)
+{
+    const Outcome unreached = cli.json({"doctor", "--array", "127.0.0.1:1"});
+    EXPECT_EQ(unreached.exitCode, 1);
+    EXPECT_EQ(checkOf(unreached, "array")["verdict"], "failure");
+    const std::string noCa = folder.write("empty.pem", "nothing\n");
+    EXPECT_EQ(checkOf(cli.json({"doctor", "--ca-file", noCa}), "CA file")["verdict"], "failure");
+    cli.environment["TESSEL_PASSWORD"] = "wrong";
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "session")["verdict"], "failure");
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+#include "Cli.h"
+
+#include <array>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+/// tesselctl on a terminal of its own.
+class Terminal
+{
+public:
+    explicit Terminal(const tessel_test::ArraySim& array, const std::string& command)
+    {
+        const std::string place = array.ip() + ":" + std::to_string(array.port());
+        m_child = forkpty(&m_master, nullptr, nullptr, nullptr);
+        if (m_child == 0) {
+            // A shell keeps the terminal open behind tesselctl, so that its modes can be looked at.
+            const std::string line = std::string(TESSELCTL) + " " + command + " --array " + place +
+                                     " --user " + array.user() + " --ca-file " + array.caFile() +
+                                     "; echo ended $?; read end";
+            execl("/bin/sh", "sh", "-c", ("trap : INT; " + line).c_str(), nullptr);
+            _exit(127);
+        }
+    }
+    ~Terminal()
+    {
+        close(m_master);
+        waitpid(m_child, nullptr, 0);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// Reads until the text has been shown; the test fails when the terminal ends before.
+    void await(const std::string& text)
+    {
+        std::array<char, 512> buffer{};
+        while (m_shown.find(text) == std::string::npos) {
+            const ssize_t got = read(m_master, buffer.data(), buffer.size());
+            ASSERT_GT(got, 0) << "waiting for " << text << " in " << m_shown;
+            m_shown.append(buffer.data(), static_cast<size_t>(got));
+        }
+    }
+    void type(const std::string& text)
+    {
+        EXPECT_EQ(write(m_master, text.data(), text.size()), ssize_t(text.size()));
+    }
+    bool echoes() const
+    {
+        termios modes{};
+        tcgetattr(m_master, &modes);
+        return (modes.c_lflag & ECHO) != 0;
+    }
+    const std::string& shown() const { return m_shown; }
+
+private:
+    int m_master = -1;
+    pid_t m_child = -1;
+    std::string m_shown;
+};
+
+TEST_F(CliTest, ThePasswordIsAskedForWithoutEcho)
+{
+    Terminal terminal(array, "ping");
+    terminal.await("Password of admin");
+    EXPECT_FALSE(terminal.echoes());
+    terminal.type(array.password() + "\n");
+    terminal.await("ended 0");
+    EXPECT_TRUE(terminal.echoes());
+    EXPECT_THAT(terminal.shown(), Not(HasSubstr(array.password())));
+}
+
+TEST_F(CliTest, LongWorkTellsOnATerminalWhatItDoesAndForHowLong)
+{
+    const Folder folder;
+    const std::string password = folder.write("password", array.password());
+    array.addFault(R"({"method":"GET","path":"/FC_PORT","action":"delay","delayMs":2500})");
+    Terminal terminal(array, "port fc list --password-file " + password);
+    terminal.await("reading FC ports, ");
+    terminal.await("ended 0");
+    EXPECT_THAT(terminal.shown(), HasSubstr("LOCATION"));
+}
+
+TEST_F(CliTest, AnInterruptedQuestionGivesTheTerminalItsEchoBack)
+{
+    Terminal terminal(array, "ping");
+    terminal.await("Password of admin");
+    terminal.type("half\x03");
+    terminal.await("ended 130");
+    EXPECT_TRUE(terminal.echoes());
+}
+
+} // namespace
