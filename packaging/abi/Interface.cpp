@@ -1,6 +1,6 @@
-// The binary interface as a program sees it: every type of the exported headers is mentioned by a function here, so
-// that abidw finds the layout of the records and the tables of the handlers' virtual functions. The library's own
-// debug information does not show them, for no function that it exports takes a handler.
+// The binary interface as a program sees it: every type of the exported headers is mentioned by a function
+// here, so that abidw finds the layout of the records and the tables of the handlers' virtual functions. The
+// library's own debug information does not show them, for no function that it exports takes a handler.
 #include <tessel/Tessel.h>
 
 #include <utility>
@@ -60,6 +60,7 @@ template std::vector<RecordField> fieldsOfRecord(const FCPortMO&);
 template std::vector<RecordField> fieldsOfRecord(const FCoEPortMO&);
 template std::vector<RecordField> fieldsOfRecord(const ETHPortMO&);
 
-extern TESSEL_API decltype(&CDeviceManager::getInstance) const makesDeviceManager = &CDeviceManager::getInstance;
+extern TESSEL_API decltype(&CDeviceManager::getInstance) const makesDeviceManager =
+    &CDeviceManager::getInstance;
 extern TESSEL_API decltype(&CDeviceManager::releaseInstance) const releasesDeviceManager =
     &CDeviceManager::releaseInstance;

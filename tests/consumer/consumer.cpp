@@ -8,8 +8,7 @@ int main()
 {
     CDeviceManager* manager = CDeviceManager::getInstance(3, 500000);
     CLunHandler* luns = dynamic_cast<CLunHandler*>(manager->getHandler(LUN_HANDLER));
-    if (luns == nullptr)
-    {
+    if (luns == nullptr) {
         std::cerr << "there is no LUN handler\n";
         return 1;
     }
@@ -22,12 +21,9 @@ int main()
 
     // Exceptions of the library are known by their type on this side of it.
     bool refused = false;
-    try
-    {
+    try {
         luns->getLun("");
-    }
-    catch (const OvraAPIException& exception)
-    {
+    } catch (const OvraAPIException& exception) {
         refused = std::strncmp(exception.what(), "Exception:", 10) == 0;
         std::cout << exception.what() << "\n";
     }

@@ -16,6 +16,7 @@ int main()
     request.SetServerUrl("/lun");
     request.BodyAddProperty("NAME", std::string("from outside"));
 
-    std::cout << "timeout = " << RestGetSettings().timeoutSeconds << ", dropped = " << Log_Dropped_Count() << "\n";
+    std::cout << "timeout = " << RestGetSettings().timeoutSeconds << ", dropped = " << Log_Dropped_Count()
+              << "\n";
     return RestGetSettings().timeoutSeconds == 7 && OvraTool::CheckIPValid("192.0.2.1") ? 0 : 1;
 }
