@@ -4,8 +4,8 @@
 #include <sched.h>
 
 /**
- * Gives the process System V semaphores of its own: making a disk scanner makes the rescan lock, and the machine's is
- * not a test's to touch. False where that is not allowed.
+ * Gives the process System V semaphores of its own: making a disk scanner makes the rescan lock, and the
+ * machine's is not a test's to touch. False where that is not allowed.
  */
 inline bool enterOwnIpcNamespace()
 {
