@@ -12,7 +12,8 @@ namespace {
 
 const unsigned int MAX_PORT = 65535;
 const char* const REST_ROOT = "/deviceManager/rest/";
-const char* const SAME_KEY = "another live session of this process has the same key, release it first";
+const char* const NOT_REGISTERED = "token or cookie hold a line break, or another live session of this "
+                                   "process has the same key: release it first";
 
 const SessionCall::Texts LOGIN = {"loginDevice", "Login device start...",
                                   "Login device fail, please check network or device is OK",
@@ -90,7 +91,7 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
         if (!adopt(ip, port, deviceId, token, cookie, true)) {
             RestResponse ignored; // the session was opened for nothing: the array is to forget it again
             sendOnSession(serverUrl(ip, port), token, cookie, deviceId + "/sessions", REST_DELETE, ignored);
-            call.refuse(SAME_KEY, REST_NO_SESSION);
+            call.refuse(NOT_REGISTERED, REST_NO_SESSION);
         }
         COMMLOG(OS_LOG_INFO, "Login device OK");
     });
@@ -130,7 +131,7 @@ bool CDeviceManagerImpl::useConnection(const std::string& ip, const unsigned int
                      "Invalid Parameter!");
         call.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
         if (!adopt(ip, port, deviceId, token, cookie, false)) {
-            call.refuse(SAME_KEY, REST_NO_SESSION);
+            call.refuse(NOT_REGISTERED, REST_NO_SESSION);
         }
         COMMLOG(OS_LOG_INFO, "Use existed connection successfully!");
     });
