@@ -17,4 +17,3 @@ expect "it is removed" sdk remove-lun "$lun"
 expect "it is gone" [ ! -b "/dev/$(disk_name "$found")" ]
 expect "the two hundred are there" [ "$(scsi_debug_count)" -ge 200 ]
 sdk detach-lun "$lun"
-scsi_debug_unload
