@@ -134,12 +134,13 @@ void CLunGroupHandlerImpl::addObjToLunGroup(const std::string& objID, const std:
                                             MOType objType, const std::string& callerName)
 {
     Operation::run("addObjToLunGroup", m_pDeviceManager, [&](Operation& op) {
-        const std::string object = objType == MO_LUN ? "lun" : "snapshot";
+        const bool isLun = objType == MO_LUN;
         Absorbed texts;
         texts.harmless = {ALREADY_IN_GROUP, ALREADY_IN_LUNGROUP};
-        texts.harmlessText = "the " + object + " was already in the lun group, ignore it. ";
+        texts.harmlessText = isLun ? "the lun was already in the lun group, ignore it. "
+                                   : "the snapshot was already in the lun group, ignore it. ";
         texts.errorAnswer = "addObjToLunGroup exception. ";
-        texts.otherwise = "add " + object + " to lun group failed. ";
+        texts.otherwise = isLun ? "add lun to lun group failed. " : "add snapshot to lun group failed. ";
         absorb(texts, callerName, [&] {
             op.add("ID", lunGroupID);
             op.add("ASSOCIATEOBJTYPE", int{objType});
