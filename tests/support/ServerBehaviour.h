@@ -17,7 +17,7 @@ struct Behaviour
     };
 
     std::string bytes;                    ///< sent as they are
-    std::string separately;               ///< sent after them, in a TLS record of their own
+    std::string separately;               ///< arrives with them, in a TLS record of their own
     std::string endlessly;                ///< then these again and again, until the client goes
     std::chrono::milliseconds perByte{0}; ///< when not 0: one byte at a time, with this pause
     Afterwards afterwards = Afterwards::KeepOpen;

@@ -109,6 +109,9 @@ void ServerConnection::behave(const Behaviour& behaviour)
 {
     m_behaviour = behaviour;
     m_pending = m_behaviour.bytes;
+    // Two records, but one arrival: otherwise the client may be at its next request before the second is
+    // there.
+    cork(!m_behaviour.separately.empty());
     m_nextByte = Clock::now();
     m_state = State::Writing;
 }
@@ -135,6 +138,7 @@ ServerConnection::Progress ServerConnection::write()
 ServerConnection::Progress ServerConnection::finishWriting()
 {
     m_state = State::Reading;
+    cork(false);
     switch (m_behaviour.afterwards) {
     case Behaviour::Afterwards::KeepOpen:
         return Progress::Moved;
@@ -148,6 +152,12 @@ ServerConnection::Progress ServerConnection::finishWriting()
     }
     }
     return Progress::Over;
+}
+
+void ServerConnection::cork(bool on)
+{
+    const int value = on;
+    setsockopt(m_socket, IPPROTO_TCP, TCP_CORK, &value, sizeof(value));
 }
 
 ServerConnection::Progress ServerConnection::blockedOrOver(int result)

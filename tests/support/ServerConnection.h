@@ -64,6 +64,7 @@ private:
     void behave(const Behaviour& behaviour);
     Progress write();
     Progress finishWriting();
+    void cork(bool on);
     Progress blockedOrOver(int result);
     std::optional<ReceivedRequest> takeRequest();
     int receive(char* buffer, int size);
