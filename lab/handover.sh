@@ -43,6 +43,7 @@ write_handover() {
         printf ' %q' "$@"
         printf '\n'
     } > "$own/command"
-    echo "$LAB_HOME/guest/boot" > "$own/boot"
+    # Where the guest has the whole machine: its own /tmp hides a checkout that lies there.
+    echo "/run/lab/host$LAB_HOME/guest/boot" > "$own/boot"
     truncate -s 32M "$work/canary.img"
 }
