@@ -9,7 +9,6 @@ namespace arraysim {
 namespace {
 
 constexpr const char* anyPath = R"([\s\S]*)";
-constexpr const char* json = "application/json";
 constexpr int backlog = 512;
 constexpr std::size_t largestBody = 1U << 20;
 
@@ -61,7 +60,7 @@ ArrayServer::ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faul
         if (response.body.empty() && !response.content_provider_) {
             const ArrayError refused(Code::methodUnsupported,
                                      "The array does not understand this HTTP request.");
-            response.set_content(Answer::error(refused).body(), json);
+            response.set_content(Answer::error(refused).body(), jsonType);
         }
     });
 }
@@ -177,20 +176,20 @@ void ArrayServer::send(const httplib::Request& request, httplib::Response& respo
         break;
     case FaultAction::truncate:
         // The header promises the whole body; half of it follows, then the connection ends.
-        response.set_content_provider(body.size(), json, [body](size_t, size_t, httplib::DataSink& sink) {
+        response.set_content_provider(body.size(), jsonType, [body](size_t, size_t, httplib::DataSink& sink) {
             sink.write(body.data(), body.size() / 2);
             return false;
         });
         break;
     case FaultAction::invalidJson:
-        response.set_content(body.substr(0, body.size() - 1) + ",", json);
+        response.set_content(body.substr(0, body.size() - 1) + ",", jsonType);
         break;
     case FaultAction::answer:
         response.status = fault->status;
-        response.set_content(fault->body, json);
+        response.set_content(fault->body, jsonType);
         break;
     default:
-        response.set_content(body, json);
+        response.set_content(body, jsonType);
     }
 }
 

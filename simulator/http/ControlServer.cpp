@@ -8,20 +8,18 @@
 namespace arraysim {
 namespace {
 
-constexpr const char* json = "application/json";
-
 /// A handler that answers what the function returns as JSON, or status 400 with the reason it threw.
 template <typename Function>
 httplib::Server::Handler handler(Function function)
 {
     return [function](const httplib::Request& request, httplib::Response& response) {
         try {
-            response.set_content(jsonText(function(request)), json);
+            response.set_content(jsonText(function(request)), jsonType);
         } catch (const std::exception& refused) {
             Json::Value why(Json::objectValue);
             why["error"] = refused.what();
             response.status = 400;
-            response.set_content(jsonText(why), json);
+            response.set_content(jsonText(why), jsonType);
         }
     };
 }
@@ -136,7 +134,7 @@ void ControlServer::routeObjects()
         const std::string target = request.target.substr(std::string("/objects").size());
         const Answer result = m_array.handleObject(request.method, target, request.body);
         response.status = result.code == 0 ? 200 : 400;
-        response.set_content(result.body(), json);
+        response.set_content(result.body(), jsonType);
     };
     const char* objects = "/objects/.*";
     m_server.Get(objects, answer).Post(objects, answer).Put(objects, answer).Delete(objects, answer);

@@ -8,6 +8,9 @@
 
 namespace arraysim {
 
+/// The type of every body.
+constexpr const char* jsonType = "application/json";
+
 /// Reads one JSON object, strictly. Throws ArrayError (bodyMalformed).
 Json::Value parseBody(const std::string& text);
 

@@ -17,8 +17,6 @@
 namespace tessel_test {
 namespace {
 
-constexpr auto patience = std::chrono::seconds(60);
-
 std::string readFile(const std::string& name)
 {
     std::ifstream stream(name);

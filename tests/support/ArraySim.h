@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -97,6 +98,9 @@ public:
     bool running() const { return m_pid > 0; }
 
 private:
+    static constexpr std::chrono::seconds patience{
+        60}; ///< until a simulator that does not answer is given up
+
     std::vector<std::string> commandLine() const;
     void awaitPorts();
     int reap();

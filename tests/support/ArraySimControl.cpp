@@ -2,14 +2,11 @@
 
 #include <httplib.h>
 
-#include <chrono>
 #include <sstream>
 #include <stdexcept>
 
 namespace tessel_test {
 namespace {
-
-constexpr auto patience = std::chrono::seconds(60);
 
 Json::Value parse(const std::string& text)
 {

@@ -37,7 +37,7 @@ const char* fileName(Certificate which)
     return names.at(static_cast<size_t>(which));
 }
 
-void require(bool ok, const char* what)
+void requireMade(bool ok, const char* what)
 {
     if (!ok)
         throw std::runtime_error(std::string("test certificate: ") + what);
@@ -49,7 +49,7 @@ void addExtension(X509* certificate, X509* issuer, int nid, const char* value)
     X509V3_set_ctx_nodb(&context);
     X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
     X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, &context, nid, value);
-    require(extension != nullptr && X509_add_ext(certificate, extension, -1) == 1, "extension");
+    requireMade(extension != nullptr && X509_add_ext(certificate, extension, -1) == 1, "extension");
     X509_EXTENSION_free(extension);
 }
 
@@ -67,7 +67,7 @@ Identity makeIdentity(const Subject& subject, const Identity* issuer)
     static long serial = 1;
     Identity made{Key(EVP_EC_gen("P-256")), X509Pointer(X509_new())};
     X509* certificate = made.certificate.get();
-    require(made.key && certificate != nullptr, "key");
+    requireMade(made.key && certificate != nullptr, "key");
     X509_set_version(certificate, X509_VERSION_3);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), serial++);
     X509_gmtime_adj(X509_getm_notBefore(certificate), subject.validFromDays * 86400);
@@ -85,14 +85,15 @@ Identity makeIdentity(const Subject& subject, const Identity* issuer)
                  issuer ? "CA:FALSE" : "critical,CA:TRUE");
     if (subject.alternativeNames)
         addExtension(certificate, issuerCertificate, NID_subject_alt_name, subject.alternativeNames);
-    require(X509_sign(certificate, (issuer ? issuer->key : made.key).get(), EVP_sha256()) > 0, "signature");
+    requireMade(X509_sign(certificate, (issuer ? issuer->key : made.key).get(), EVP_sha256()) > 0,
+                "signature");
     return made;
 }
 
 std::unique_ptr<FILE, Deleter> openFile(const std::string& path, const char* mode)
 {
     std::unique_ptr<FILE, Deleter> file(fopen(path.c_str(), mode));
-    require(file != nullptr, path.c_str());
+    requireMade(file != nullptr, path.c_str());
     return file;
 }
 
@@ -110,7 +111,7 @@ void writeKey(const std::string& path, const Identity& identity)
 std::string makeFolder()
 {
     std::string path = (std::filesystem::temp_directory_path() / "tessel-certificates-XXXXXX").string();
-    require(mkdtemp(path.data()) != nullptr, "temporary folder");
+    requireMade(mkdtemp(path.data()) != nullptr, "temporary folder");
     return path;
 }
 
@@ -162,10 +163,10 @@ std::string TestCertificates::pinnedKey(Certificate which) const
 {
     const X509Pointer certificate(
         PEM_read_X509(openFile(certificateFile(which), "re").get(), nullptr, nullptr, nullptr));
-    require(certificate != nullptr, "certificate file");
+    requireMade(certificate != nullptr, "certificate file");
     unsigned char* der = nullptr;
     const int length = i2d_X509_PUBKEY(X509_get_X509_PUBKEY(certificate.get()), &der);
-    require(length > 0, "public key");
+    requireMade(length > 0, "public key");
     std::array<unsigned char, 32> digest{};
     EVP_Digest(der, static_cast<size_t>(length), digest.data(), nullptr, EVP_sha256(), nullptr);
     OPENSSL_free(der);

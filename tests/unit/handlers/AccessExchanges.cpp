@@ -9,9 +9,6 @@ using journal::done;
 using journal::join;
 using M = CDeviceManagerImpl&;
 
-const Reply CREATED = Reply::object(R"({"ID":"9"})");
-const Reply TWO_AND_ONE_WITHOUT_ID = Reply::list(R"([{"ID":"1"},{"NAME":"x"},{"ID":"2"}])");
-
 HostMO wholeHost()
 {
     HostMO host;

@@ -5,6 +5,10 @@
 
 #include <functional>
 
+// What most operations are answered with.
+inline const Reply CREATED = Reply::object(R"({"ID":"9"})");
+inline const Reply TWO_AND_ONE_WITHOUT_ID = Reply::list(R"([{"ID":"1"},{"NAME":"x"},{"ID":"2"}])");
+
 /** A call of an operation, the request that it is to send, and what is to be seen around it. */
 struct Exchange
 {

@@ -9,9 +9,6 @@ using journal::done;
 using journal::join;
 using M = CDeviceManagerImpl&;
 
-const Reply CREATED = Reply::object(R"({"ID":"9"})");
-const Reply TWO_AND_ONE_WITHOUT_ID = Reply::list(R"([{"ID":"1"},{"NAME":"x"},{"ID":"2"}])");
-
 const std::string ASSOCIATE = "PUT /mappingview/create_associate TYPE=int:245 ID=string:6";
 const std::string REMOVE = "PUT /mappingview/remove_associate ID=string:6 TYPE=int:245";
 const std::string LIST = "GET /mappingview/associate?TYPE=245&ASSOCIATEOBJTYPE=";

@@ -9,9 +9,6 @@ using journal::done;
 using journal::join;
 using M = CDeviceManagerImpl&;
 
-const Reply CREATED = Reply::object(R"({"ID":"9"})");
-const Reply TWO_AND_ONE_WITHOUT_ID = Reply::list(R"([{"ID":"1"},{"NAME":"x"},{"ID":"2"}])");
-
 const char* const TUNING = " MIRRORPOLICY=ul:1 WRITEPOLICY=ul:1 PREFETCHPOLICY=ul:3";
 const char* const DISTRIBUTION = " DATATRANSFERPOLICY=ul:0 INITIALDISTRIBUTEPOLICY=ul:0";
 

@@ -15,6 +15,8 @@
 
 namespace ovra::log {
 
+constexpr auto kInfo = spdlog::level::info;
+
 /** A temporary folder with a log service of its own, whose clock the test sets. */
 class LogFixture : public testing::Test
 {

@@ -9,8 +9,6 @@
 namespace ovra::log {
 namespace {
 
-constexpr auto kInfo = spdlog::level::info;
-
 class LogFiles : public LogFixture
 {
 protected:

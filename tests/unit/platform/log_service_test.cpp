@@ -6,7 +6,6 @@
 namespace ovra::log {
 namespace {
 
-constexpr auto kInfo = spdlog::level::info;
 constexpr auto kError = spdlog::level::err;
 
 class LogServiceTest : public LogFixture
