@@ -14,12 +14,6 @@ namespace {
 
 const char* const LUN_NEVER_REMOVED = "0";
 
-void runLogged(const char* name, const std::string& command)
-{
-    COMMLOG(OS_LOG_INFO, "%s [%s]", name, command.c_str());
-    runCommand(command);
-}
-
 /** True when the kernel says that the disk at the address has another name by now. */
 bool isOtherDisk(const ScsiAddress& address, const std::string& device)
 {
@@ -66,8 +60,12 @@ void StaleDevice::renewAt(const ScsiAddress& address, const Disk& disk) const
         isOtherDisk(address, disk.device)) {
         return;
     }
-    runLogged("strShellCmd NO1", "echo 1 > /sys/class/scsi_device/" + address.text + "/device/delete");
-    runLogged("strShellCmd NO2", "echo \"- - -\" > /sys/class/scsi_host/host" + address.host + "/scan");
+    const std::string removal = "echo 1 > /sys/class/scsi_device/" + address.text + "/device/delete";
+    COMMLOG(OS_LOG_INFO, "strShellCmd NO1 [%s]", removal.c_str());
+    runCommand(removal);
+    const std::string scan = "echo \"- - -\" > /sys/class/scsi_host/host" + address.host + "/scan";
+    COMMLOG(OS_LOG_INFO, "strShellCmd NO2 [%s]", scan.c_str());
+    runCommand(scan);
     COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
     sleep(1);
 }
