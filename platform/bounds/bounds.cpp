@@ -9,11 +9,11 @@
 namespace {
 
 /// Sizes above this come from a negative number or a wrapped difference.
-constexpr size_t kLargestSize = SIZE_MAX >> 1;
+constexpr size_t LARGEST_SIZE = SIZE_MAX >> 1;
 
 bool usable(const void* dest, size_t destMax)
 {
-    return dest != nullptr && destMax != 0 && destMax <= kLargestSize;
+    return dest != nullptr && destMax != 0 && destMax <= LARGEST_SIZE;
 }
 
 bool overlap(const char* one, size_t oneSize, const char* other, size_t otherSize)
@@ -46,8 +46,9 @@ int putText(char* dest, size_t destMax, size_t used, const char* src, size_t cou
 /// Prints into size bytes; the length that the whole text has, or a negative number.
 int printText(char* dest, size_t size, const char* format, va_list args)
 {
-    if (format == nullptr)
+    if (format == nullptr) {
         return -1;
+    }
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
     return vsnprintf(dest, size, format, args);
@@ -58,8 +59,9 @@ int printText(char* dest, size_t size, const char* format, va_list args)
 
 int memset_s(void* dest, size_t destMax, int c, size_t count)
 {
-    if (!usable(dest, destMax))
+    if (!usable(dest, destMax)) {
         return EINVAL;
+    }
     memset(dest, c, std::min(count, destMax));
     // Memory that is cleared just before it dies is cleared all the same.
     __asm__ __volatile__("" : : "r"(dest) : "memory");
@@ -73,15 +75,17 @@ int strcpy_s(char* dest, size_t destMax, const char* src)
 
 int strncpy_s(char* dest, size_t destMax, const char* src, size_t count)
 {
-    if (!usable(dest, destMax))
+    if (!usable(dest, destMax)) {
         return EINVAL;
+    }
     return putText(dest, destMax, 0, src, count);
 }
 
 int strcat_s(char* dest, size_t destMax, const char* src)
 {
-    if (!usable(dest, destMax))
+    if (!usable(dest, destMax)) {
         return EINVAL;
+    }
     const size_t used = strnlen(dest, destMax);
     if (used == destMax) {
         dest[0] = '\0';
@@ -92,8 +96,9 @@ int strcat_s(char* dest, size_t destMax, const char* src)
 
 int sprintf_s(char* dest, size_t destMax, const char* format, ...)
 {
-    if (!usable(dest, destMax))
+    if (!usable(dest, destMax)) {
         return -1;
+    }
     va_list args;
     va_start(args, format);
     const int length = printText(dest, destMax, format, args);
@@ -116,8 +121,9 @@ int snprintf_s(char* dest, size_t destMax, size_t count, const char* format, ...
 
 int vsnprintf_s(char* dest, size_t destMax, size_t count, const char* format, va_list args)
 {
-    if (!usable(dest, destMax))
+    if (!usable(dest, destMax)) {
         return -1;
+    }
     const size_t most = std::min(count, destMax - 1);
     const int length = printText(dest, most + 1, format, args);
     if (length < 0) {

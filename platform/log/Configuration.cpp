@@ -15,19 +15,20 @@ namespace ovra::log {
 
 namespace {
 
-constexpr std::array<const char*, 4> kLevelNames = {"debug", "info", "warn", "error"};
-constexpr std::array<spdlog::level::level_enum, 4> kLevels = {spdlog::level::debug, spdlog::level::info,
-                                                              spdlog::level::warn, spdlog::level::err};
-constexpr int kMostDays = 36500;
-constexpr size_t kLargestFile = 64UL * 1024;
+constexpr std::array<const char*, 4> LEVEL_NAMES = {"debug", "info", "warn", "error"};
+constexpr std::array<spdlog::level::level_enum, 4> LEVELS = {spdlog::level::debug, spdlog::level::info,
+                                                             spdlog::level::warn, spdlog::level::err};
+constexpr int MOST_DAYS = 36500;
+constexpr size_t LARGEST_FILE = 64UL * 1024;
 
 void setLevel(Configuration& configuration, const std::string& value)
 {
-    for (size_t i = 0; i < kLevelNames.size(); ++i)
-        if (value == kLevelNames[i]) {
-            configuration.level = kLevels[i];
+    for (size_t i = 0; i < LEVEL_NAMES.size(); ++i) {
+        if (value == LEVEL_NAMES[i]) {
+            configuration.level = LEVELS[i];
             return;
         }
+    }
     configuration.problems.push_back("level must be debug, info, warn or error, not \"" + value +
                                      "\": info is used");
 }
@@ -37,20 +38,22 @@ void setRetention(Configuration& configuration, const std::string& value)
     int days = 0;
     const char* const end = value.data() + value.size();
     const auto [stop, error] = std::from_chars(value.data(), end, days);
-    if (error == std::errc() && stop == end && days >= 0 && days <= kMostDays)
+    if (error == std::errc() && stop == end && days >= 0 && days <= MOST_DAYS) {
         configuration.retentionDays = days;
-    else
+    } else {
         configuration.problems.push_back("retention_days must be a number from 0 to 36500, not \"" + value +
                                          "\": 30 is used");
+    }
 }
 
 void setDirectory(Configuration& configuration, const std::string& value)
 {
-    if (!value.empty() && value.front() == '/')
+    if (!value.empty() && value.front() == '/') {
         configuration.directory = value;
-    else
+    } else {
         configuration.problems.push_back("directory must be an absolute path, not \"" + value +
                                          "\": the default is used");
+    }
 }
 
 struct Key
@@ -60,18 +63,19 @@ struct Key
     void (*set)(Configuration&, const std::string&);
 };
 
-constexpr std::array<Key, 3> kKeys = {{{"run_log", "level", setLevel},
-                                       {"files", "retention_days", setRetention},
-                                       {"files", "directory", setDirectory}}};
+constexpr std::array<Key, 3> KEYS = {{{"run_log", "level", setLevel},
+                                      {"files", "retention_days", setRetention},
+                                      {"files", "directory", setDirectory}}};
 
 int handleEntry(void* user, const char* section, const char* name, const char* value)
 {
     auto& configuration = *static_cast<Configuration*>(user);
-    for (const Key& key : kKeys)
+    for (const Key& key : KEYS) {
         if (strcmp(section, key.section) == 0 && strcmp(name, key.name) == 0) {
             key.set(configuration, value);
             return 1;
         }
+    }
     configuration.problems.push_back(std::string("\"") + name + "\" in section [" + section +
                                      "] is not known: ignored");
     return 1;
@@ -92,16 +96,18 @@ struct LineReader
 
     char* read(char* buffer, int size)
     {
-        if (position >= text.size())
+        if (position >= text.size()) {
             return nullptr;
+        }
         const size_t end = std::min(text.find('\n', position), text.size());
         const std::string line = text.substr(position, end - position);
         position = end + 1;
         ++number;
         const bool fits = line.size() + 2 <= static_cast<size_t>(size);
-        if (!fits)
+        if (!fits) {
             configuration.problems.push_back("line " + std::to_string(number) + " is longer than " +
                                              std::to_string(size - 2) + " bytes: ignored");
+        }
         const std::string given = fits ? line + "\n" : "\n";
         buffer[given.copy(buffer, given.size())] = '\0';
         return buffer;
@@ -113,23 +119,26 @@ int readFile(const std::string& path, std::string& text)
 {
     // Not to wait for a writer, should a pipe stand there.
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0)
+    if (file < 0) {
         return errno;
+    }
     struct stat status
     {
     };
     int result = fstat(file, &status) != 0 ? errno : S_ISREG(status.st_mode) ? 0 : EINVAL;
     std::array<char, 4096> buffer;
-    while (result == 0 && text.size() <= kLargestFile) {
+    while (result == 0 && text.size() <= LARGEST_FILE) {
         const ssize_t length = read(file, buffer.data(), buffer.size());
-        if (length < 0)
+        if (length < 0) {
             result = errno;
-        if (length <= 0)
+        }
+        if (length <= 0) {
             break;
+        }
         text.append(buffer.data(), static_cast<size_t>(length));
     }
     close(file);
-    return text.size() > kLargestFile ? EFBIG : result;
+    return text.size() > LARGEST_FILE ? EFBIG : result;
 }
 
 } // namespace
@@ -139,9 +148,10 @@ Configuration parseConfiguration(const std::string& text)
     Configuration configuration;
     LineReader reader{text, configuration};
     const int badLine = ini_parse_stream(&LineReader::next, &reader, &handleEntry, &configuration);
-    if (badLine > 0)
+    if (badLine > 0) {
         configuration.problems.push_back("line " + std::to_string(badLine) +
                                          " is neither a [section] nor name = value: ignored");
+    }
     return configuration;
 }
 
@@ -149,20 +159,24 @@ Configuration readConfiguration(const std::string& path)
 {
     std::string text;
     const int error = path.empty() ? ENOENT : readFile(path, text);
-    if (error == 0)
+    if (error == 0) {
         return parseConfiguration(text);
+    }
     Configuration defaults;
-    if (error != ENOENT && error != ENOTDIR)
+    if (error != ENOENT && error != ENOTDIR) {
         defaults.problems.push_back("cannot be read (" + std::generic_category().message(error) +
                                     "): the defaults are used");
+    }
     return defaults;
 }
 
 int levelNumber(spdlog::level::level_enum level)
 {
-    for (size_t i = 0; i < kLevels.size(); ++i)
-        if (kLevels[i] == level)
+    for (size_t i = 0; i < LEVELS.size(); ++i) {
+        if (LEVELS[i] == level) {
             return static_cast<int>(i);
+        }
+    }
     return -1;
 }
 

@@ -12,7 +12,7 @@ namespace ovra::log {
 
 namespace {
 
-constexpr mode_t kFileMode = 0640;
+constexpr mode_t FILE_MODE = 0640;
 
 /// Keeps SIGXFSZ from the calling thread: a limit on file sizes costs a line, not the application.
 class FileSizeSignalGuard
@@ -29,8 +29,9 @@ public:
     {
         const int error = errno;
         const timespec atOnce{};
-        if (error == EFBIG && sigismember(&m_before, SIGXFSZ) == 0)
+        if (error == EFBIG && sigismember(&m_before, SIGXFSZ) == 0) {
             sigtimedwait(&m_signal, nullptr, &atOnce);
+        }
         pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
         errno = error;
     }
@@ -49,14 +50,16 @@ int openForAppending(const std::string& path)
     // Neither a link that leads elsewhere nor a pipe that somebody else reads.
     const int descriptor =
         open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
-             kFileMode);
-    if (descriptor < 0)
+             FILE_MODE);
+    if (descriptor < 0) {
         return -1;
+    }
     struct stat status
     {
     };
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
         return descriptor;
+    }
     close(descriptor);
     errno = EINVAL;
     return -1;
@@ -87,19 +90,22 @@ DailyFile::~DailyFile()
 int DailyFile::prepare(std::chrono::system_clock::time_point time)
 {
     const Date date = Date::of(time);
-    if (m_descriptor >= 0 && date == m_date && stillThere())
+    if (m_descriptor >= 0 && date == m_date && stillThere()) {
         return 0;
+    }
     return open(date);
 }
 
 int DailyFile::write(std::chrono::system_clock::time_point time, std::string_view record)
 {
-    if (const int error = prepare(time))
+    if (const int error = prepare(time)) {
         return error;
+    }
     const ssize_t written =
         m_cutShort ? writeOnce(m_descriptor, "\n" + std::string(record)) : writeOnce(m_descriptor, record);
-    if (written < 0)
+    if (written < 0) {
         return errno;
+    }
     const size_t whole = record.size() + (m_cutShort ? 1 : 0);
     m_cutShort = static_cast<size_t>(written) < whole;
     return m_cutShort ? ENOSPC : 0;
@@ -114,15 +120,18 @@ int DailyFile::open(const Date& date)
 
 int DailyFile::openIn(const std::string& directory, const Date& date)
 {
-    if (const int error = makeDirectories(directory))
+    if (const int error = makeDirectories(directory)) {
         return error;
+    }
     m_descriptor = openForAppending(directory + "/" + datedName(m_prefix, date));
-    if (m_descriptor < 0)
+    if (m_descriptor < 0) {
         return errno;
+    }
     m_date = date;
     m_directory = directory;
-    if (m_place.retentionDays > 0)
+    if (m_place.retentionDays > 0) {
         removeOldFiles(m_directory, m_prefix, date, m_place.retentionDays);
+    }
     return 0;
 }
 
@@ -137,8 +146,9 @@ bool DailyFile::stillThere() const
 
 void DailyFile::close()
 {
-    if (m_descriptor >= 0)
+    if (m_descriptor >= 0) {
         ::close(m_descriptor);
+    }
     m_descriptor = -1;
     m_cutShort = false;
     m_directory.clear();

@@ -12,20 +12,24 @@ namespace ovra::log {
 
 namespace {
 
-constexpr std::string_view kSuffix = ".log";
-constexpr std::string_view kDateForm = "dddd-dd-dd";
+constexpr std::string_view SUFFIX = ".log";
+constexpr std::string_view DATE_FORM = "dddd-dd-dd";
 
 std::optional<Date> parseDate(std::string_view text)
 {
-    if (text.size() != kDateForm.size())
+    if (text.size() != DATE_FORM.size()) {
         return std::nullopt;
-    for (size_t i = 0; i < text.size(); ++i)
-        if (kDateForm[i] == 'd' ? text[i] < '0' || text[i] > '9' : text[i] != kDateForm[i])
+    }
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (DATE_FORM[i] == 'd' ? text[i] < '0' || text[i] > '9' : text[i] != DATE_FORM[i]) {
             return std::nullopt;
+        }
+    }
     const auto number = [&](size_t begin, size_t count) {
         int value = 0;
-        for (const char digit : text.substr(begin, count))
+        for (const char digit : text.substr(begin, count)) {
             value = value * 10 + (digit - '0');
+        }
         return value;
     };
     const Date date{number(0, 4), number(5, 2), number(8, 2)};
@@ -70,15 +74,16 @@ std::string Date::text() const
 
 std::string datedName(std::string_view prefix, const Date& date)
 {
-    return std::string(prefix) + date.text() + std::string(kSuffix);
+    return std::string(prefix) + date.text() + std::string(SUFFIX);
 }
 
 std::optional<Date> dateOfName(std::string_view prefix, std::string_view name)
 {
-    if (name.size() != prefix.size() + kDateForm.size() + kSuffix.size() ||
-        name.substr(0, prefix.size()) != prefix || name.substr(name.size() - kSuffix.size()) != kSuffix)
+    if (name.size() != prefix.size() + DATE_FORM.size() + SUFFIX.size() ||
+        name.substr(0, prefix.size()) != prefix || name.substr(name.size() - SUFFIX.size()) != SUFFIX) {
         return std::nullopt;
-    return parseDate(name.substr(prefix.size(), kDateForm.size()));
+    }
+    return parseDate(name.substr(prefix.size(), DATE_FORM.size()));
 }
 
 unsigned removeOldFiles(const std::string& directory, std::string_view prefix, const Date& today, int days)
@@ -86,16 +91,19 @@ unsigned removeOldFiles(const std::string& directory, std::string_view prefix, c
     unsigned removed = 0;
     const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const std::unique_ptr<DIR, CloseDirectory> listing(descriptor < 0 ? nullptr : fdopendir(descriptor));
-    if (!listing)
+    if (!listing) {
         return removed;
+    }
     while (const dirent* entry = readdir(listing.get())) {
         const std::optional<Date> date = dateOfName(prefix, entry->d_name);
         struct stat status
         {
         };
         if (!date || today.number() - date->number() <= days ||
-            fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode))
+            fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+            !S_ISREG(status.st_mode)) {
             continue;
+        }
         removed += unlinkat(descriptor, entry->d_name, 0) == 0 ? 1 : 0;
     }
     return removed;

@@ -52,8 +52,9 @@ int LogInit(const char* productTag, const char* iniFile, int* reserved, const ch
 {
     return contained([&](LogService& service) {
         const int result = service.start(text(productTag), text(iniFile), text(logDirectory));
-        if (reserved != nullptr)
+        if (reserved != nullptr) {
             *reserved = service.levelInForce();
+        }
         return result;
     });
 }

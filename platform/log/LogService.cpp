@@ -11,13 +11,13 @@ namespace ovra::log {
 
 namespace {
 
-constexpr const char* kRunPattern = "%Y-%m-%d %H:%M:%S.%e %P %t %K %n %v";
-constexpr const char* kInterfacePattern = "%Y-%m-%d %H:%M:%S.%e %P %t %K %v";
-constexpr const char* kRunPrefix = "Tessel_run_";
-constexpr const char* kInterfacePrefix = "Tessel_interface_";
-constexpr std::string_view kOwnName = "Ovra-Log-API";
+constexpr const char* RUN_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %n %v";
+constexpr const char* INTERFACE_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %v";
+constexpr const char* RUN_PREFIX = "Tessel_run_";
+constexpr const char* INTERFACE_PREFIX = "Tessel_interface_";
+constexpr std::string_view OWN_NAME = "Ovra-Log-API";
 
-constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> kFieldNames = {
+constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAMES = {
     "product",     "type",  "protocol", "operation", "source",   "target",
     "transaction", "start", "end",      "result",    "extension"};
 
@@ -49,8 +49,9 @@ LogService& LogService::ofProcess()
 int LogService::start(const std::string& product, const std::string& iniFile, const std::string& directory)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_logs)
+    if (!m_logs) {
         open(iniFile, directory);
+    }
     ++m_started[product];
     return prepare();
 }
@@ -59,12 +60,15 @@ int LogService::stop(const std::string& product)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const auto found = m_started.find(product);
-    if (found == m_started.end())
+    if (found == m_started.end()) {
         return -1;
-    if (--found->second == 0)
+    }
+    if (--found->second == 0) {
         m_started.erase(found);
-    if (m_started.empty())
+    }
+    if (m_started.empty()) {
         m_logs.reset();
+    }
     return 0;
 }
 
@@ -77,8 +81,9 @@ int LogService::levelInForce() const
 void LogService::run(spdlog::level::level_enum level, std::string_view product, std::string_view text)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_logs || level < m_configuration.level)
+    if (!m_logs || level < m_configuration.level) {
         return;
+    }
     write(m_logs->run, level, escaped(product, Within::Word), escaped(text, Within::Text));
     tellAboutDirectory();
     tellAboutDrops();
@@ -87,12 +92,13 @@ void LogService::run(spdlog::level::level_enum level, std::string_view product, 
 void LogService::interfaceCall(spdlog::level::level_enum level, const InterfaceRecord& record)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_logs)
+    if (!m_logs) {
         return;
+    }
     std::string text;
     for (size_t i = 0; i < record.size(); ++i) {
         text += i == 0 ? "" : " ";
-        text.append(kFieldNames[i]).append("=\"").append(escaped(record[i], Within::Quotes)).append("\"");
+        text.append(FIELD_NAMES[i]).append("=\"").append(escaped(record[i], Within::Quotes)).append("\"");
     }
     write(m_logs->interface, level, "", text);
 }
@@ -103,15 +109,17 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
     m_wantedDirectory = m_configuration.directory.empty() ? directory : m_configuration.directory;
     m_directoryInUse = m_wantedDirectory;
     const Place place{m_wantedDirectory, m_userDirectory, m_configuration.retentionDays};
-    m_logs.reset(new Logs{{kRunPattern, kRunPrefix, place}, {kInterfacePattern, kInterfacePrefix, place}});
-    for (const std::string& problem : m_configuration.problems)
+    m_logs.reset(new Logs{{RUN_PATTERN, RUN_PREFIX, place}, {INTERFACE_PATTERN, INTERFACE_PREFIX, place}});
+    for (const std::string& problem : m_configuration.problems) {
         warn(std::string(iniFile).append(": ").append(problem));
+    }
 }
 
 int LogService::prepare()
 {
-    if (m_logs->run.file().prepare(m_clock()) != 0)
+    if (m_logs->run.file().prepare(m_clock()) != 0) {
         return -1;
+    }
     tellAboutDirectory();
     return 0;
 }
@@ -123,8 +131,9 @@ void LogService::write(DailySink& sink, spdlog::level::level_enum level, std::st
     record.time = m_clock();
     record.thread_id = static_cast<size_t>(gettid());
     sink.log(record);
-    if (sink.lastError() == 0)
+    if (sink.lastError() == 0) {
         return;
+    }
     drop();
     ++m_dropsToTell;
     m_dropReason = sink.lastError();
@@ -132,24 +141,27 @@ void LogService::write(DailySink& sink, spdlog::level::level_enum level, std::st
 
 void LogService::warn(const std::string& text)
 {
-    write(m_logs->run, spdlog::level::warn, kOwnName, escaped(text, Within::Text));
+    write(m_logs->run, spdlog::level::warn, OWN_NAME, escaped(text, Within::Text));
 }
 
 void LogService::tellAboutDirectory()
 {
     const std::string used = m_logs->run.file().directory();
-    if (used.empty() || used == m_directoryInUse)
+    if (used.empty() || used == m_directoryInUse) {
         return;
+    }
     m_directoryInUse = used;
-    if (used != m_wantedDirectory)
+    if (used != m_wantedDirectory) {
         warn("log directory \"" + m_wantedDirectory + "\" cannot be used (" +
              message(m_logs->run.file().firstError()) + "): logs are written here, in \"" + used + "\"");
+    }
 }
 
 void LogService::tellAboutDrops()
 {
-    if (m_dropsToTell == 0 || m_logs->run.lastError() != 0)
+    if (m_dropsToTell == 0 || m_logs->run.lastError() != 0) {
         return;
+    }
     const unsigned long count = m_dropsToTell;
     m_dropsToTell = 0;
     warn(std::to_string(count) + " lines could not be written (" + message(m_dropReason) + ")");

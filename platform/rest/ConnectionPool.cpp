@@ -13,15 +13,16 @@ namespace ovra::rest {
 
 namespace {
 
-constexpr size_t kMostIdle = 16;
+constexpr size_t MOST_IDLE = 16;
 /// libcurl does not use a connection that was idle for longer (CURLOPT_MAXAGE_CONN).
-constexpr std::chrono::seconds kLongestIdle{118};
+constexpr std::chrono::seconds LONGEST_IDLE{118};
 
 CurlHandle makeHandle()
 {
     CurlHandle handle(curl_easy_init());
-    if (!handle)
+    if (!handle) {
         throw std::bad_alloc();
+    }
     return handle;
 }
 
@@ -35,8 +36,9 @@ void CurlCleanup::operator()(CURL* handle) const
 
 bool isQuiet(const Connection& connection)
 {
-    if (connection.socket == CURL_SOCKET_BAD)
+    if (connection.socket == CURL_SOCKET_BAD) {
         return false;
+    }
     pollfd polled{connection.socket, POLLIN, 0};
     return poll(&polled, 1, 0) == 0;
 }
@@ -70,8 +72,9 @@ Connection ConnectionPool::take(const std::string& key)
             m_idle.erase(std::next(found).base());
         }
     }
-    if (!taken.handle)
+    if (!taken.handle) {
         taken.handle = makeHandle();
+    }
     return taken;
 }
 
@@ -83,12 +86,13 @@ void ConnectionPool::giveBack(Connection connection)
     const std::lock_guard<std::mutex> lock(libraryMutex());
     leaveToParent();
     const Connection& given = node.front().connection;
-    if (given.owner != m_owner)
+    if (given.owner != m_owner) {
         m_parents.splice(m_parents.end(), node);
-    else if (given.generation != m_generation)
+    } else if (given.generation != m_generation) {
         surplus.splice(surplus.end(), node);
-    else
+    } else {
         m_idle.splice(m_idle.end(), node);
+    }
     surplus.splice(surplus.end(), takeSurplus());
 }
 
@@ -104,8 +108,9 @@ void ConnectionPool::clear()
 void ConnectionPool::leaveToParent()
 {
     const pid_t self = getpid();
-    if (m_owner == self)
+    if (m_owner == self) {
         return;
+    }
     // Closing them would send a TLS close on connections that the parent still uses.
     m_parents.splice(m_parents.end(), m_idle);
     m_owner = self;
@@ -113,10 +118,11 @@ void ConnectionPool::leaveToParent()
 
 ConnectionPool::IdleList ConnectionPool::takeSurplus()
 {
-    const Clock::time_point oldest = Clock::now() - kLongestIdle;
+    const Clock::time_point oldest = Clock::now() - LONGEST_IDLE;
     IdleList surplus;
-    while (!m_idle.empty() && (m_idle.size() > kMostIdle || m_idle.front().since < oldest))
+    while (!m_idle.empty() && (m_idle.size() > MOST_IDLE || m_idle.front().since < oldest)) {
         surplus.splice(surplus.end(), m_idle, m_idle.begin());
+    }
     return surplus;
 }
 

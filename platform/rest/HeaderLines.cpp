@@ -8,7 +8,7 @@ namespace ovra::rest {
 namespace {
 
 /// Names that are not written with a capital at the start of each word.
-constexpr std::array<std::string_view, 7> kUnusualNames = {
+constexpr std::array<std::string_view, 7> UNUSUAL_NAMES = {
     "ETag", "WWW-Authenticate", "Content-MD5", "TE", "X-XSS-Protection", "X-UA-Compatible", "DNT"};
 
 bool equalWithoutCase(std::string_view one, std::string_view other)
@@ -30,9 +30,11 @@ char lower(char c)
 
 std::string canonicalHeaderName(std::string_view name)
 {
-    for (const std::string_view unusual : kUnusualNames)
-        if (equalWithoutCase(name, unusual))
+    for (const std::string_view unusual : UNUSUAL_NAMES) {
+        if (equalWithoutCase(name, unusual)) {
             return std::string(unusual);
+        }
+    }
     std::string canonical;
     bool wordStart = true;
     for (const char c : name) {
@@ -50,34 +52,39 @@ bool isSendableHeaderValue(std::string_view value)
 std::string_view withoutOuterBlanks(std::string_view text)
 {
     const size_t begin = text.find_first_not_of(" \t");
-    if (begin == std::string_view::npos)
+    if (begin == std::string_view::npos) {
         return {};
+    }
     return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
 }
 
 void HeaderLines::add(std::string_view line)
 {
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
         line.remove_suffix(1);
+    }
     if (!m_inHead && line.substr(0, 5) == "HTTP/") {
         m_lines.clear();
         m_inHead = true;
         return;
     }
-    if (!m_inHead)
+    if (!m_inHead) {
         return;
+    }
     if (line.empty()) {
         m_inHead = false;
         return;
     }
     if (line.front() == ' ' || line.front() == '\t') {
-        if (!m_lines.empty())
+        if (!m_lines.empty()) {
             m_lines.back().append(" ").append(withoutOuterBlanks(line));
+        }
         return;
     }
     const size_t colon = line.find(':');
-    if (colon == std::string_view::npos)
+    if (colon == std::string_view::npos) {
         return;
+    }
     m_lines.push_back(canonicalHeaderName(withoutOuterBlanks(line.substr(0, colon))) + ": " +
                       std::string(withoutOuterBlanks(line.substr(colon + 1))));
 }

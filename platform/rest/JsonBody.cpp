@@ -52,12 +52,13 @@ std::string jsonString(const std::string& text)
     json += '"';
     for (std::string_view rest = text; !rest.empty();) {
         const size_t length = utf8SequenceLength(rest);
-        if (length == 0)
+        if (length == 0) {
             json += "\\ufffd";
-        else if (length == 1)
+        } else if (length == 1) {
             appendEscaped(json, rest.front());
-        else
+        } else {
             json += rest.substr(0, length);
+        }
         rest.remove_prefix(std::max<size_t>(length, 1));
     }
     json += '"';
@@ -72,8 +73,9 @@ void wipe(std::string& secret)
 
 JsonBody::~JsonBody()
 {
-    for (auto& member : m_members)
+    for (auto& member : m_members) {
         wipe(member.second);
+    }
 }
 
 void JsonBody::add(const std::string& key, const std::string& value)
@@ -100,8 +102,9 @@ void JsonBody::add(const std::string& key, unsigned long long value)
 void JsonBody::put(const std::string& key, std::string json)
 {
     for (auto& member : m_members) {
-        if (member.first != key)
+        if (member.first != key) {
             continue;
+        }
         wipe(member.second);
         member.second = std::move(json);
         return;
@@ -112,14 +115,16 @@ void JsonBody::put(const std::string& key, std::string json)
 std::string JsonBody::text() const
 {
     size_t size = 2;
-    for (const auto& [key, json] : m_members)
+    for (const auto& [key, json] : m_members) {
         size += key.size() * 6 + json.size() + 4;
+    }
     std::string text;
     text.reserve(size);
     text += '{';
     for (const auto& [key, json] : m_members) {
-        if (text.size() > 1)
+        if (text.size() > 1) {
             text += ',';
+        }
         text += jsonString(key);
         text += ':';
         text += json;

@@ -20,8 +20,9 @@ template <class T>
 T& processWide()
 {
     static T* instance = nullptr;
-    if (instance == nullptr)
+    if (instance == nullptr) {
         instance = new T;
+    }
     return *instance;
 }
 

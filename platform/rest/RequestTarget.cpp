@@ -22,10 +22,11 @@ std::string encodeRequestTarget(const std::string& path)
     encoded.reserve(path.size() + 16);
     for (const char character : path) {
         const auto byte = static_cast<unsigned char>(character);
-        if (mayStandRaw(byte))
+        if (mayStandRaw(byte)) {
             encoded += character;
-        else
+        } else {
             encoded.append({'%', digits[byte >> 4], digits[byte & 0xF]});
+        }
     }
     return encoded;
 }

@@ -14,8 +14,9 @@ class __attribute__((visibility("hidden"))) RestRequest::Impl
 public:
     ~Impl()
     {
-        for (auto& header : headers)
+        for (auto& header : headers) {
             wipe(header.second);
+        }
     }
 
     bool build(HttpRequest& request, const std::optional<ServerAddress>& server, const std::string& path,
@@ -32,14 +33,16 @@ public:
 bool RestRequest::Impl::build(HttpRequest& request, const std::optional<ServerAddress>& server,
                               const std::string& path, REST_REQUEST_MODE_E mode) const
 {
-    if (badHeader || !server || path.empty() || path.front() != '/')
+    if (badHeader || !server || path.empty() || path.front() != '/') {
         return false;
+    }
     request.server = *server;
     request.method = mode;
     request.target = encodeRequestTarget(path);
     request.headers = headers;
-    if (!body.empty() || mode == REST_POST || mode == REST_PUT)
+    if (!body.empty() || mode == REST_POST || mode == REST_PUT) {
         request.body = body.text();
+    }
     return true;
 }
 
@@ -51,8 +54,9 @@ int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer
     Transfer transfer(request, settings);
     const int result = transfer.perform();
     headerLines = transfer.headers().take();
-    if (result != REST_OK)
+    if (result != REST_OK) {
         return result;
+    }
     answer = parseAnswer(transfer.body());
     return answer ? REST_OK : REST_ANSWER_UNREADABLE;
 }
@@ -105,10 +109,11 @@ template void RestRequest::BodyAddProperty<unsigned long long>(const std::string
 void RestRequest::HeaderAddProperty(const HTTP_HEADER_E& header, const std::string& value)
 {
     const char* const name = headerName(header);
-    if (name != nullptr && isSendableHeaderValue(value))
+    if (name != nullptr && isSendableHeaderValue(value)) {
         setHeader(m_impl->headers, name, value);
-    else
+    } else {
         m_impl->badHeader = true;
+    }
 }
 
 void RestRequest::SetServerUrl(const std::string& url)
@@ -123,14 +128,17 @@ int RestRequest::SendRequest(const unsigned int& sessionKey, const std::string& 
     std::optional<Answer>& answer = response.m_impl->answer;
     return guarded(headers, answer, [&]() -> int {
         const std::shared_ptr<const Session> session = SessionRegistry::instance().find(sessionKey);
-        if (!session)
+        if (!session) {
             return REST_NO_SESSION;
-        if (url.empty() || url.front() != '/')
+        }
+        if (url.empty() || url.front() != '/') {
             return REST_BAD_REQUEST;
+        }
         HttpRequest request;
         const auto server = ServerAddress::fromHostAndPort(session->ip, session->port);
-        if (!m_impl->build(request, server, "/deviceManager/rest/" + session->deviceId + url, mode))
+        if (!m_impl->build(request, server, "/deviceManager/rest/" + session->deviceId + url, mode)) {
             return REST_BAD_REQUEST;
+        }
         // Not kept in this object, which may be used for another server next.
         setHeader(request.headers, headerName(HTTP_HEADER_TOKEN), session->token);
         setHeader(request.headers, headerName(HTTP_HEADER_COOKIE), session->cookie);
@@ -144,8 +152,9 @@ int RestRequest::SendRequest(const std::string& url, const REST_REQUEST_MODE_E& 
     std::optional<Answer>& answer = response.m_impl->answer;
     return guarded(headers, answer, [&]() -> int {
         HttpRequest request;
-        if (!m_impl->build(request, ServerAddress::fromUrl(m_impl->serverUrl), url, mode))
+        if (!m_impl->build(request, ServerAddress::fromUrl(m_impl->serverUrl), url, mode)) {
             return REST_BAD_REQUEST;
+        }
         return m_impl->exchange(request, answer, headers);
     });
 }

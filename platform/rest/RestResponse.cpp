@@ -20,8 +20,9 @@ unsigned long RestResponse::count()
 
 Json::Value& RestResponse::operator[](unsigned long index)
 {
-    if (index < count())
+    if (index < count()) {
         return m_impl->answer->records[static_cast<Json::ArrayIndex>(index)];
+    }
     m_impl->nothing = Json::Value(); // the caller may have written to it
     return m_impl->nothing;
 }
@@ -36,8 +37,9 @@ Number readDecimal(const std::string& text)
     for (size_t i = text.find_first_not_of(" \t\n\v\f\r");
          i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
         const auto digit = static_cast<Number>(text[i] - '0');
-        if (number > (largest - digit) / 10)
+        if (number > (largest - digit) / 10) {
             return largest;
+        }
         number = number * 10 + digit;
     }
     return number;

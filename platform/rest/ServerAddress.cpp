@@ -10,8 +10,8 @@ namespace ovra::rest {
 
 namespace {
 
-constexpr unsigned int kHttpsPort = 443;
-constexpr unsigned int kLargestPort = 65535;
+constexpr unsigned int HTTPS_PORT = 443;
+constexpr unsigned int LARGEST_PORT = 65535;
 
 bool isIpv6(const std::string& host)
 {
@@ -30,8 +30,9 @@ std::optional<unsigned int> parsePort(const std::string& text)
     unsigned int port = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, port);
-    if (error != std::errc() || stop != end)
+    if (error != std::errc() || stop != end) {
         return std::nullopt;
+    }
     return port;
 }
 
@@ -39,8 +40,9 @@ std::optional<unsigned int> parsePort(const std::string& text)
 std::optional<ServerAddress> withPort(const std::string& authority)
 {
     const size_t colon = authority.rfind(':');
-    if (colon == std::string::npos)
+    if (colon == std::string::npos) {
         return std::nullopt;
+    }
     const std::optional<unsigned int> port = parsePort(authority.substr(colon + 1));
     return port ? ServerAddress::fromHostAndPort(authority.substr(0, colon), *port) : std::nullopt;
 }
@@ -55,26 +57,32 @@ std::string ServerAddress::origin() const
 std::optional<ServerAddress> ServerAddress::fromUrl(const std::string& url)
 {
     constexpr std::string_view scheme = "https://";
-    if (strncasecmp(url.c_str(), scheme.data(), scheme.size()) != 0)
+    if (strncasecmp(url.c_str(), scheme.data(), scheme.size()) != 0) {
         return std::nullopt;
+    }
     std::string authority = url.substr(scheme.size());
-    if (!authority.empty() && authority.back() == '/')
+    if (!authority.empty() && authority.back() == '/') {
         authority.pop_back();
-    if (std::optional<ServerAddress> address = withPort(authority))
+    }
+    if (std::optional<ServerAddress> address = withPort(authority)) {
         return address;
-    return fromHostAndPort(authority, kHttpsPort);
+    }
+    return fromHostAndPort(authority, HTTPS_PORT);
 }
 
 std::optional<ServerAddress> ServerAddress::fromHostAndPort(const std::string& host, unsigned int port)
 {
-    if (port == 0 || port > kLargestPort)
+    if (port == 0 || port > LARGEST_PORT) {
         return std::nullopt;
+    }
     const bool bracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
     const std::string bare = bracketed ? host.substr(1, host.size() - 2) : host;
-    if (isIpv6(bare))
+    if (isIpv6(bare)) {
         return ServerAddress{"[" + bare + "]", port};
-    if (!bracketed && isNameOrIpv4(bare))
+    }
+    if (!bracketed && isNameOrIpv4(bare)) {
         return ServerAddress{bare, port};
+    }
     return std::nullopt;
 }
 

@@ -45,8 +45,9 @@ bool SessionRegistry::addUser(CDeviceManagerImpl* const& identity, const std::st
                               const std::string& cookie, const bool& loggedIn)
 {
     const unsigned int key = keyOf(identity);
-    if (key == 0 || !isSendableHeaderValue(token) || !isSendableHeaderValue(cookie))
+    if (key == 0 || !isSendableHeaderValue(token) || !isSendableHeaderValue(cookie)) {
         return false;
+    }
     auto session = std::make_shared<Session>();
     session->identity = identity;
     session->deviceId = deviceId;
@@ -58,8 +59,9 @@ bool SessionRegistry::addUser(CDeviceManagerImpl* const& identity, const std::st
 
     const std::lock_guard<std::mutex> lock(libraryMutex());
     std::shared_ptr<const Session>& place = m_sessions[key];
-    if (place && place->identity != identity)
+    if (place && place->identity != identity) {
         return false;
+    }
     place = std::move(session);
     return true;
 }
@@ -68,8 +70,9 @@ void SessionRegistry::removeUser(CDeviceManagerImpl* const& identity)
 {
     const std::lock_guard<std::mutex> lock(libraryMutex());
     const auto found = m_sessions.find(keyOf(identity));
-    if (found != m_sessions.end() && found->second->identity == identity)
+    if (found != m_sessions.end() && found->second->identity == identity) {
         m_sessions.erase(found);
+    }
 }
 
 std::shared_ptr<const Session> SessionRegistry::find(unsigned int sessionKey) const

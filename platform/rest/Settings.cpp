@@ -14,29 +14,33 @@ namespace ovra::rest {
 
 namespace {
 
-constexpr long kLongestSeconds = 86400;
+constexpr long LONGEST_SECONDS = 86400;
 
 void readSeconds(const char* name, const char* text, long& seconds, std::vector<std::string>& problems)
 {
-    if (text == nullptr || *text == '\0')
+    if (text == nullptr || *text == '\0') {
         return;
+    }
     long number = 0;
     const char* const end = text + strlen(text);
     const auto [stop, error] = std::from_chars(text, end, number);
-    if (error != std::errc() || stop != end || number < 1 || number > kLongestSeconds)
+    if (error != std::errc() || stop != end || number < 1 || number > LONGEST_SECONDS) {
         problems.push_back(std::string(name) +
                            " is not a number of seconds from 1 to 86400, the default is used");
-    else
+    } else {
         seconds = number;
+    }
 }
 
 void readSwitch(const char* name, const char* text, bool& value, std::vector<std::string>& problems)
 {
-    if (text == nullptr || *text == '\0')
+    if (text == nullptr || *text == '\0') {
         return;
+    }
     const std::string given = text;
-    if (given != "0" && given != "1")
+    if (given != "0" && given != "1") {
         problems.push_back(std::string(name) + " is neither 0 nor 1, 0 is used");
+    }
     value = given == "1";
 }
 
@@ -81,11 +85,13 @@ void warnAboutSettings(const RestSettings& settings)
         const std::lock_guard<std::mutex> lock(libraryMutex());
         problems = processWide<Current>().environment.problems;
     }
-    for (const std::string& problem : problems)
+    for (const std::string& problem : problems) {
         warn(problem);
-    if (settings.insecure && !insecureSaid.test_and_set())
+    }
+    if (settings.insecure && !insecureSaid.test_and_set()) {
         warn("servers are not verified: anyone on the network can read and change what is sent; "
              "set a CA file or a pinned key instead of the insecure setting");
+    }
 }
 
 /// The settings in force, after the replacement if there is one.
@@ -93,8 +99,9 @@ static RestSettings settingsInForce(const RestSettings* replacement)
 {
     const std::lock_guard<std::mutex> lock(libraryMutex());
     RestSettings& settings = processWide<Current>().settings;
-    if (replacement != nullptr)
+    if (replacement != nullptr) {
         settings = RestSettings(*replacement);
+    }
     return settings;
 }
 

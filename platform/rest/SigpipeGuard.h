@@ -25,9 +25,10 @@ public:
     ~SigpipeGuard()
     {
         const timespec atOnce{};
-        if (!m_wasPending)
+        if (!m_wasPending) {
             while (sigtimedwait(&m_pipe, nullptr, &atOnce) == SIGPIPE) {
             }
+        }
         pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
     }
 

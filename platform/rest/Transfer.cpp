@@ -18,21 +18,24 @@ std::string connectionKey(const ServerAddress& server, const RestSettings& setti
 
 void setHeader(Headers& headers, const std::string& name, const std::string& value)
 {
-    for (auto& header : headers)
+    for (auto& header : headers) {
         if (header.first == name) {
             wipe(header.second);
             header.second = value;
             return;
         }
+    }
     headers.emplace_back(name, value);
 }
 
 HttpRequest::~HttpRequest()
 {
-    for (auto& header : headers)
+    for (auto& header : headers) {
         wipe(header.second);
-    if (body)
+    }
+    if (body) {
         wipe(*body);
+    }
 }
 
 Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
@@ -48,10 +51,12 @@ Transfer::~Transfer()
 int Transfer::perform()
 {
     CURLcode code = attempt(Reuse::Allowed);
-    if (m_request.method == REST_GET && m_reused && diedUnanswered(code))
+    if (m_request.method == REST_GET && m_reused && diedUnanswered(code)) {
         code = attempt(Reuse::Forbidden);
-    if (m_outOfMemory)
+    }
+    if (m_outOfMemory) {
         throw std::bad_alloc();
+    }
     return resultOf(code);
 }
 
@@ -80,8 +85,9 @@ CURLcode Transfer::attempt(Reuse reuse)
     m_reused = m_sendings > 1 || newConnections == 0;
     curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection.socket);
     curl_easy_reset(handle); // keeps the connection, forgets every pointer into this request
-    if (code == CURLE_OK)
+    if (code == CURLE_OK) {
         ConnectionPool::instance().giveBack(std::move(connection));
+    }
     return code;
 }
 
@@ -105,24 +111,29 @@ void Transfer::setCallbacks(CURL* handle)
 
 bool Transfer::diedUnanswered(CURLcode code) const
 {
-    if (m_sendings > 1)
+    if (m_sendings > 1) {
         return true;
+    }
     const bool died = code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR || code == CURLE_GOT_NOTHING;
     return died && m_headerBytes == 0;
 }
 
 int Transfer::resultOf(CURLcode code) const
 {
-    if (code == CURLE_OK)
+    if (code == CURLE_OK) {
         return REST_OK;
+    }
     // A header line without end meets libcurl's own limit, which it reports as a lack of memory.
     const bool longLine = m_sendings > 0 && code == CURLE_OUT_OF_MEMORY;
-    if (m_tooLarge || longLine)
+    if (m_tooLarge || longLine) {
         return REST_ANSWER_TOO_LARGE;
-    if (m_sendings > 1)
+    }
+    if (m_sendings > 1) {
         return CURLE_GOT_NOTHING; // what happened before libcurl wanted to send again
-    if (code == CURLE_UNSUPPORTED_PROTOCOL || code == CURLE_URL_MALFORMAT)
+    }
+    if (code == CURLE_UNSUPPORTED_PROTOCOL || code == CURLE_URL_MALFORMAT) {
         return REST_BAD_REQUEST;
+    }
     return code > 99 ? static_cast<int>(REST_INTERNAL_ERROR) : static_cast<int>(code);
 }
 
@@ -137,7 +148,7 @@ size_t Transfer::receiveHeader(char* data, size_t size, size_t count, void* self
     auto* transfer = static_cast<Transfer*>(self);
     const size_t length = size * count;
     transfer->m_headerBytes += length;
-    if (transfer->m_headerBytes > kMostHeaderBytes) {
+    if (transfer->m_headerBytes > MOST_HEADER_BYTES) {
         transfer->m_tooLarge = true;
         return 0;
     }
@@ -154,7 +165,7 @@ size_t Transfer::receiveBody(char* data, size_t size, size_t count, void* self)
 {
     auto* transfer = static_cast<Transfer*>(self);
     const size_t length = size * count;
-    if (length > kMostBodyBytes - transfer->m_body.size()) {
+    if (length > MOST_BODY_BYTES - transfer->m_body.size()) {
         transfer->m_tooLarge = true;
         return 0;
     }

@@ -40,8 +40,8 @@ struct HttpRequest
 class Transfer
 {
 public:
-    static constexpr size_t kMostHeaderBytes = 256UL * 1024;
-    static constexpr size_t kMostBodyBytes = 64UL * 1024 * 1024;
+    static constexpr size_t MOST_HEADER_BYTES = 256UL * 1024;
+    static constexpr size_t MOST_BODY_BYTES = 64UL * 1024 * 1024;
 
     Transfer(const HttpRequest& request, const RestSettings& settings);
     ~Transfer();

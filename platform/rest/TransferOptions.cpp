@@ -8,8 +8,8 @@ namespace ovra::rest {
 
 namespace {
 
-constexpr long kOn = 1;
-constexpr long kOff = 0;
+constexpr long ON = 1;
+constexpr long OFF = 0;
 
 const char* methodName(REST_REQUEST_MODE_E method)
 {
@@ -35,8 +35,9 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address)
 void append(HeaderList& list, const std::string& line)
 {
     curl_slist* extended = curl_slist_append(list.get(), line.c_str());
-    if (extended == nullptr)
+    if (extended == nullptr) {
         throw std::bad_alloc();
+    }
     static_cast<void>(list.release());
     list.reset(extended);
 }
@@ -52,8 +53,9 @@ long milliseconds(long seconds)
 
 void WipeAndFreeList::operator()(curl_slist* list) const
 {
-    for (curl_slist* item = list; item != nullptr; item = item->next)
+    for (curl_slist* item = list; item != nullptr; item = item->next) {
         explicit_bzero(item->data, strlen(item->data));
+    }
     curl_slist_free_all(list);
 }
 
@@ -64,8 +66,9 @@ HeaderList makeHeaderList(const HttpRequest& request)
     append(list, "Expect:"); // a large body is sent at once
     for (const auto& [name, given] : request.headers) {
         const std::string_view value = withoutOuterBlanks(given);
-        if (value.empty())
+        if (value.empty()) {
             continue;
+        }
         std::string line;
         line.reserve(name.size() + value.size() + 2);
         line.append(name).append(": ").append(value);
@@ -78,14 +81,14 @@ HeaderList makeHeaderList(const HttpRequest& request)
 void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers)
 {
     setOption(handle, CURLOPT_URL, (request.server.origin() + "/").c_str());
-    setOption(handle, CURLOPT_PATH_AS_IS, kOn);
+    setOption(handle, CURLOPT_PATH_AS_IS, ON);
     setOption(handle, CURLOPT_REQUEST_TARGET, request.target.c_str());
     if (request.body) {
-        setOption(handle, CURLOPT_POST, kOn);
+        setOption(handle, CURLOPT_POST, ON);
         setOption(handle, CURLOPT_POSTFIELDS, request.body->c_str());
         setOption(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body->size()));
     } else {
-        setOption(handle, CURLOPT_HTTPGET, kOn);
+        setOption(handle, CURLOPT_HTTPGET, ON);
     }
     setOption(handle, CURLOPT_CUSTOMREQUEST, methodName(request.method));
     setOption(handle, CURLOPT_HTTPHEADER, headers);
@@ -97,12 +100,14 @@ void setTrust(CURL* handle, const RestSettings& settings)
     const bool pinAlone = pinned && settings.caFile.empty();
     const bool verified = !settings.insecure && !pinAlone;
     setOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    setOption(handle, CURLOPT_SSL_VERIFYPEER, verified ? kOn : kOff);
-    setOption(handle, CURLOPT_SSL_VERIFYHOST, verified ? 2L : kOff);
-    if (pinned)
+    setOption(handle, CURLOPT_SSL_VERIFYPEER, verified ? ON : OFF);
+    setOption(handle, CURLOPT_SSL_VERIFYHOST, verified ? 2L : OFF);
+    if (pinned) {
         setOption(handle, CURLOPT_PINNEDPUBLICKEY, settings.pinnedKey.c_str());
-    if (settings.caFile.empty())
+    }
+    if (settings.caFile.empty()) {
         return;
+    }
     setOption(handle, CURLOPT_CAINFO, settings.caFile.c_str());
     // The system's own authorities are not trusted beside it.
     setOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
@@ -113,14 +118,14 @@ void setConfinement(CURL* handle)
     setOption(handle, CURLOPT_PROTOCOLS_STR, "https");
     setOption(handle, CURLOPT_REDIR_PROTOCOLS_STR, "https");
     setOption(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    setOption(handle, CURLOPT_FOLLOWLOCATION, kOff);
+    setOption(handle, CURLOPT_FOLLOWLOCATION, OFF);
     setOption(handle, CURLOPT_PROXY, "");
     setOption(handle, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-    setOption(handle, CURLOPT_HTTP_CONTENT_DECODING, kOff);
-    setOption(handle, CURLOPT_NOSIGNAL, kOn);
-    setOption(handle, CURLOPT_NOPROGRESS, kOn);
-    setOption(handle, CURLOPT_TCP_NODELAY, kOn);
-    setOption(handle, CURLOPT_TCP_KEEPALIVE, kOn);
+    setOption(handle, CURLOPT_HTTP_CONTENT_DECODING, OFF);
+    setOption(handle, CURLOPT_NOSIGNAL, ON);
+    setOption(handle, CURLOPT_NOPROGRESS, ON);
+    setOption(handle, CURLOPT_TCP_NODELAY, ON);
+    setOption(handle, CURLOPT_TCP_KEEPALIVE, ON);
     setOption(handle, CURLOPT_MAXCONNECTS, 1L); // a new connection closes the one that it replaces
     setOption(handle, CURLOPT_OPENSOCKETFUNCTION, &openSocket);
 }

@@ -14,10 +14,12 @@ template <class Value>
 void setOption(CURL* handle, CURLoption option, Value value)
 {
     const CURLcode code = curl_easy_setopt(handle, option, value);
-    if (code == CURLE_OUT_OF_MEMORY)
+    if (code == CURLE_OUT_OF_MEMORY) {
         throw std::bad_alloc();
-    if (code != CURLE_OK)
+    }
+    if (code != CURLE_OK) {
         throw std::runtime_error("libcurl lacks an option");
+    }
 }
 
 struct WipeAndFreeList

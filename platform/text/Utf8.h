@@ -21,12 +21,21 @@ inline std::size_t utf8SequenceLength(std::string_view text)
     const auto continues = [&](std::size_t i) { return within(byte(i), 0x80, 0xBF); };
 
     const unsigned lead = byte(0);
-    if (text.empty())
-        return 0;
-    if (lead < 0x80)
-        return 1;
-    if (within(lead, 0xC2, 0xDF))
-        return continues(1) ? 2 : 0;
+    if (text.empty()) {
+        {
+            return 0;
+        }
+    }
+    if (lead < 0x80) {
+        {
+            return 1;
+        }
+    }
+    if (within(lead, 0xC2, 0xDF)) {
+        {
+            return continues(1) ? 2 : 0;
+        }
+    }
     if (within(lead, 0xE0, 0xEF)) {
         const unsigned low = lead == 0xE0 ? 0xA0 : 0x80;
         const unsigned high = lead == 0xED ? 0x9F : 0xBF;

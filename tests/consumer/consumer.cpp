@@ -15,9 +15,11 @@ int main()
 
     LunMO lun;
     lun.NAME = "from outside";
-    for (const RecordField& field : fieldsOf(lun))
-        if (field.isSet)
+    for (const RecordField& field : fieldsOf(lun)) {
+        if (field.isSet) {
             std::cout << field.name << " = " << field.value << "\n";
+        }
+    }
 
     // Exceptions of the library are known by their type on this side of it.
     bool refused = false;

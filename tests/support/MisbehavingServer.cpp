@@ -59,8 +59,9 @@ public:
                 m_queue.pop_front();
                 return next;
             }
-            if (!m_handler)
+            if (!m_handler) {
                 return m_default;
+            }
             handler = m_handler;
         }
         return handler(request);
@@ -96,8 +97,9 @@ private:
     void wake()
     {
         const uint64_t one = 1;
-        if (write(m_wake, &one, sizeof(one)) < 0)
+        if (write(m_wake, &one, sizeof(one)) < 0) {
             return; // the counter is not 0 already: the thread wakes all the same
+        }
     }
 
     void run()
@@ -133,16 +135,18 @@ private:
         }
         poll(polled.data(), polled.size(), timeout);
         uint64_t drained = 0;
-        if (read(m_wake, &drained, sizeof(drained)) < 0)
+        if (read(m_wake, &drained, sizeof(drained)) < 0) {
             return; // nothing to drain
+        }
     }
 
     void acceptAll()
     {
         for (;;) {
             const int socket = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-            if (socket < 0)
+            if (socket < 0) {
                 return;
+            }
             m_connections.emplace_back(socket, ++m_accepts, m_context, m_options.silentOnConnect, *this);
         }
     }
@@ -150,10 +154,12 @@ private:
     void closeIfAsked()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_closesDone == m_closeRequests)
+        if (m_closesDone == m_closeRequests) {
             return;
-        for (ServerConnection& connection : m_connections)
+        }
+        for (ServerConnection& connection : m_connections) {
             connection.shutDown();
+        }
         m_connections.clear();
         m_closesDone = m_closeRequests;
         m_closed.notify_all();

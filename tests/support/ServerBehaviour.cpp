@@ -4,7 +4,7 @@ namespace tessel_test {
 
 namespace {
 
-const std::string kSuccessObject = R"("error":{"code":0,"description":"0"})";
+const std::string SUCCESS_OBJECT = R"("error":{"code":0,"description":"0"})";
 
 std::string withHead(const std::string& body, int status, const std::string& extraHeaders)
 {
@@ -16,8 +16,9 @@ std::string repeated(const std::string& text, unsigned long times)
 {
     std::string result;
     result.reserve(text.size() * times);
-    for (unsigned long i = 0; i < times; ++i)
+    for (unsigned long i = 0; i < times; ++i) {
         result += text;
+    }
     return result;
 }
 
@@ -38,7 +39,7 @@ Behaviour Behaviour::answer(const std::string& body, int status, const std::stri
 
 Behaviour Behaviour::success(const std::string& data, const std::string& extraHeaders)
 {
-    return answer("{" + (data.empty() ? "" : "\"data\":" + data + ",") + kSuccessObject + "}", 200,
+    return answer("{" + (data.empty() ? "" : "\"data\":" + data + ",") + SUCCESS_OBJECT + "}", 200,
                   extraHeaders);
 }
 

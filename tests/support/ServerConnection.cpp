@@ -36,16 +36,18 @@ ServerConnection::~ServerConnection()
 
 short ServerConnection::wanted() const
 {
-    if (m_state == State::Silent)
+    if (m_state == State::Silent) {
         return 0;
+    }
     const bool paused = m_state == State::Writing && due();
     return paused ? 0 : m_blockedOnWrite ? POLLOUT : POLLIN;
 }
 
 std::optional<ServerConnection::Clock::time_point> ServerConnection::due() const
 {
-    if (m_state == State::Writing && m_behaviour.perByte.count() > 0)
+    if (m_state == State::Writing && m_behaviour.perByte.count() > 0) {
         return m_nextByte;
+    }
     return std::nullopt;
 }
 
@@ -75,16 +77,18 @@ bool ServerConnection::step()
 
 void ServerConnection::shutDown()
 {
-    if (m_ssl && m_state != State::Handshake && m_state != State::Silent)
+    if (m_ssl && m_state != State::Handshake && m_state != State::Silent) {
         SSL_shutdown(m_ssl);
+    }
     shutdown(m_socket, SHUT_RDWR);
 }
 
 ServerConnection::Progress ServerConnection::shakeHands()
 {
     const int result = SSL_accept(m_ssl);
-    if (result != 1)
+    if (result != 1) {
         return blockedOrOver(result);
+    }
     m_observer.handshakeDone();
     m_state = State::Reading;
     return Progress::Moved;
@@ -94,14 +98,16 @@ ServerConnection::Progress ServerConnection::read()
 {
     std::array<char, 16384> buffer;
     const int length = receive(buffer.data(), static_cast<int>(buffer.size()));
-    if (length <= 0)
+    if (length <= 0) {
         return blockedOrOver(length);
+    }
     m_input.append(buffer.data(), static_cast<size_t>(length));
     const bool tlsWithoutTls = !m_ssl && m_input.front() == '\x16';
-    if (tlsWithoutTls)
+    if (tlsWithoutTls) {
         behave(Behaviour::raw("HTTP/1.1 400 Bad Request\r\n\r\n", Behaviour::Afterwards::Close));
-    else if (const std::optional<ReceivedRequest> request = takeRequest())
+    } else if (const std::optional<ReceivedRequest> request = takeRequest()) {
         behave(m_observer.requestReceived(*request));
+    }
     return Progress::Moved;
 }
 
@@ -118,18 +124,23 @@ void ServerConnection::behave(const Behaviour& behaviour)
 
 ServerConnection::Progress ServerConnection::write()
 {
-    if (m_pending.empty())
+    if (m_pending.empty()) {
         m_pending.swap(m_behaviour.separately);
-    if (m_pending.empty())
+    }
+    if (m_pending.empty()) {
         m_pending = m_behaviour.endlessly;
-    if (m_pending.empty())
+    }
+    if (m_pending.empty()) {
         return finishWriting();
+    }
     const bool slow = m_behaviour.perByte.count() > 0;
-    if (slow && Clock::now() < m_nextByte)
+    if (slow && Clock::now() < m_nextByte) {
         return Progress::Blocked;
+    }
     const int written = transmit(m_pending.data(), slow ? 1 : m_pending.size());
-    if (written <= 0)
+    if (written <= 0) {
         return blockedOrOver(written);
+    }
     m_pending.erase(0, static_cast<size_t>(written));
     m_nextByte = Clock::now() + m_behaviour.perByte;
     return Progress::Moved;
@@ -163,11 +174,11 @@ void ServerConnection::cork(bool on)
 ServerConnection::Progress ServerConnection::blockedOrOver(int result)
 {
     const int error = m_ssl ? SSL_get_error(m_ssl, result) : SSL_ERROR_NONE;
-    if (m_ssl ? error == SSL_ERROR_WANT_READ : result < 0 && errno == EAGAIN)
+    if (m_ssl ? error == SSL_ERROR_WANT_READ : result < 0 && errno == EAGAIN) {
         m_blockedOnWrite = !m_ssl && m_state == State::Writing;
-    else if (error == SSL_ERROR_WANT_WRITE)
+    } else if (error == SSL_ERROR_WANT_WRITE) {
         m_blockedOnWrite = true;
-    else {
+    } else {
         m_observer.closedByClient(error == SSL_ERROR_ZERO_RETURN);
         return Progress::Over;
     }
@@ -177,15 +188,17 @@ ServerConnection::Progress ServerConnection::blockedOrOver(int result)
 std::optional<ReceivedRequest> ServerConnection::takeRequest()
 {
     const size_t headEnd = m_input.find("\r\n\r\n");
-    if (headEnd == std::string::npos)
+    if (headEnd == std::string::npos) {
         return std::nullopt;
+    }
     ReceivedRequest request;
     request.connection = m_number;
     request.head = m_input.substr(0, headEnd + 2);
     const std::string length = request.header("Content-Length");
     const size_t bodyLength = length.empty() ? 0 : std::stoul(length);
-    if (m_input.size() < headEnd + 4 + bodyLength)
+    if (m_input.size() < headEnd + 4 + bodyLength) {
         return std::nullopt;
+    }
     request.body = m_input.substr(headEnd + 4, bodyLength);
     m_input.erase(0, headEnd + 4 + bodyLength);
     return request;
@@ -193,15 +206,17 @@ std::optional<ReceivedRequest> ServerConnection::takeRequest()
 
 int ServerConnection::receive(char* buffer, int size)
 {
-    if (m_ssl)
+    if (m_ssl) {
         return SSL_read(m_ssl, buffer, size);
+    }
     return static_cast<int>(recv(m_socket, buffer, static_cast<size_t>(size), 0));
 }
 
 int ServerConnection::transmit(const char* data, size_t size)
 {
-    if (m_ssl)
+    if (m_ssl) {
         return SSL_write(m_ssl, data, static_cast<int>(size));
+    }
     return static_cast<int>(send(m_socket, data, size, MSG_NOSIGNAL));
 }
 
@@ -220,8 +235,9 @@ std::string ReceivedRequest::header(const std::string& name) const
 {
     for (size_t line = head.find("\r\n"); line + 2 < head.size(); line = head.find("\r\n", line + 2)) {
         const char* begin = head.c_str() + line + 2;
-        if (strncasecmp(begin, name.c_str(), name.size()) != 0 || begin[name.size()] != ':')
+        if (strncasecmp(begin, name.c_str(), name.size()) != 0 || begin[name.size()] != ':') {
             continue;
+        }
         const size_t value = head.find_first_not_of(' ', line + 2 + name.size() + 1);
         return head.substr(value, head.find("\r\n", value) - value);
     }

@@ -13,8 +13,9 @@ namespace {
 
 void require(bool ok, const char* what)
 {
-    if (!ok)
+    if (!ok) {
         throw std::runtime_error(std::string("test server: ") + what + ": " + strerror(errno));
+    }
 }
 
 } // namespace
@@ -52,8 +53,9 @@ unsigned short portOf(int listener)
 
 SSL_CTX* makeContext(const MisbehavingServer::Options& options)
 {
-    if (options.plainHttp)
+    if (options.plainHttp) {
         return nullptr;
+    }
     const TestCertificates& certificates = TestCertificates::instance();
     SSL_CTX* context = SSL_CTX_new(TLS_server_method());
     const bool loaded =

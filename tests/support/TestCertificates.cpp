@@ -39,8 +39,9 @@ const char* fileName(Certificate which)
 
 void requireMade(bool ok, const char* what)
 {
-    if (!ok)
+    if (!ok) {
         throw std::runtime_error(std::string("test certificate: ") + what);
+    }
 }
 
 void addExtension(X509* certificate, X509* issuer, int nid, const char* value)
@@ -83,8 +84,9 @@ Identity makeIdentity(const Subject& subject, const Identity* issuer)
     X509_set_issuer_name(certificate, X509_get_subject_name(issuerCertificate));
     addExtension(certificate, issuerCertificate, NID_basic_constraints,
                  issuer ? "CA:FALSE" : "critical,CA:TRUE");
-    if (subject.alternativeNames)
+    if (subject.alternativeNames) {
         addExtension(certificate, issuerCertificate, NID_subject_alt_name, subject.alternativeNames);
+    }
     requireMade(X509_sign(certificate, (issuer ? issuer->key : made.key).get(), EVP_sha256()) > 0,
                 "signature");
     return made;
@@ -145,8 +147,9 @@ TestCertificates::TestCertificates() : m_folder(makeFolder()), m_owner(getpid())
 TestCertificates::~TestCertificates()
 {
     std::error_code ignored;
-    if (getpid() == m_owner)
+    if (getpid() == m_owner) {
         std::filesystem::remove_all(m_folder, ignored);
+    }
 }
 
 std::string TestCertificates::certificateFile(Certificate which) const

@@ -25,7 +25,7 @@ struct Outcome
 class RestFixture : public testing::Test
 {
 protected:
-    static constexpr uintptr_t kIdentity = 0x5500001234;
+    static constexpr uintptr_t IDENTITY = 0x5500001234;
 
     RestFixture() { RestSetSettings(trusting()); }
     ~RestFixture() override
@@ -52,8 +52,8 @@ protected:
         return settings;
     }
 
-    static CDeviceManagerImpl* identity() { return reinterpret_cast<CDeviceManagerImpl*>(kIdentity); }
-    static unsigned int sessionKey() { return static_cast<unsigned int>(kIdentity & 0xFFFFFFFF); }
+    static CDeviceManagerImpl* identity() { return reinterpret_cast<CDeviceManagerImpl*>(IDENTITY); }
+    static unsigned int sessionKey() { return static_cast<unsigned int>(IDENTITY & 0xFFFFFFFF); }
 
     /** A request without session, with the members and headers that it was given. */
     static Outcome send(RestRequest& request, const std::string& url, const std::string& path,

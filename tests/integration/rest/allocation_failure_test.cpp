@@ -13,12 +13,15 @@ thread_local long allocationsLeft = -1;
 // Not inlined: the compiler would see memory of malloc released by delete.
 __attribute__((noinline)) void* operator new(std::size_t size)
 {
-    if (allocationsLeft == 0)
+    if (allocationsLeft == 0) {
         throw std::bad_alloc();
-    if (allocationsLeft > 0)
+    }
+    if (allocationsLeft > 0) {
         --allocationsLeft;
-    if (void* memory = std::malloc(size == 0 ? 1 : size))
+    }
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
         return memory;
+    }
     throw std::bad_alloc();
 }
 

@@ -20,8 +20,9 @@ TEST_F(RestConnections, LoginOperationsAndLogoutShareOneHandshake)
     MisbehavingServer server;
     ASSERT_EQ(0, send(server.url(), "/deviceManager/rest/xxxx/sessions", REST_POST).result);
     ASSERT_TRUE(openSession(server));
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         ASSERT_EQ(0, sendInSession("/lun/7", i % 2 == 0 ? REST_GET : REST_PUT).result);
+    }
     ASSERT_EQ(0, send(server.url(), "/deviceManager/rest/dev-9/sessions", REST_DELETE).result);
     CUserManager::getInstance()->removeUser(identity());
 
@@ -103,10 +104,11 @@ TEST_F(RestConnections, AnAnswerThatNobodyAskedForIsNotTakenForTheNextOne)
     for (const bool inOneRecord : {true, false}) {
         Behaviour twice = Behaviour::success("{\"ID\":\"1\"}");
         const std::string forged = Behaviour::error(77, "forged").bytes;
-        if (inOneRecord)
+        if (inOneRecord) {
             twice.bytes += forged;
-        else
+        } else {
             twice.separately = forged;
+        }
         server.enqueue(twice);
         ASSERT_EQ(0, send(server.url(), "/first").result);
         const Outcome second = send(server.url(), "/second");
@@ -118,20 +120,23 @@ TEST_F(RestConnections, AnAnswerThatNobodyAskedForIsNotTakenForTheNextOne)
 TEST_F(RestConnections, ThreadsUseConnectionsOfTheirOwn)
 {
     MisbehavingServer server;
-    constexpr unsigned kThreads = 4;
-    constexpr unsigned kRequests = 50;
+    constexpr unsigned THREADS = 4;
+    constexpr unsigned REQUESTS = 50;
     std::atomic<unsigned> failures{0};
     std::vector<std::thread> threads;
-    for (unsigned i = 0; i < kThreads; ++i)
+    for (unsigned i = 0; i < THREADS; ++i) {
         threads.emplace_back([&] {
-            for (unsigned n = 0; n < kRequests; ++n)
+            for (unsigned n = 0; n < REQUESTS; ++n) {
                 failures += send(server.url()).result == 0 ? 0 : 1;
+            }
         });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(0U, failures);
-    EXPECT_EQ(kThreads * kRequests, server.requestCount());
-    EXPECT_LE(server.handshakes(), kThreads);
+    EXPECT_EQ(THREADS * REQUESTS, server.requestCount());
+    EXPECT_LE(server.handshakes(), THREADS);
 }
 
 TEST_F(RestConnections, NewSettingsCloseIdleConnections)
@@ -157,8 +162,9 @@ TEST_F(RestConnections, ConnectionsAreNotInheritedByCommands)
     unsigned connections = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         const int descriptor = std::stoi(entry.path().filename().string());
-        if (!isTcp(descriptor))
+        if (!isTcp(descriptor)) {
             continue;
+        }
         ++connections;
         EXPECT_TRUE((fcntl(descriptor, F_GETFD) & FD_CLOEXEC) != 0) << "descriptor " << descriptor;
     }

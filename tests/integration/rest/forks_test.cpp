@@ -52,11 +52,13 @@ TEST_F(RestForks, AProcessThatEndsClosesItsIdleConnectionsInOrder)
 #endif
     MisbehavingServer server;
     const pid_t child = fork();
-    if (child == 0)
+    if (child == 0) {
         exit(send(server.url()).result);
+    }
     EXPECT_EQ(0, exitStatusOf(child));
-    for (int i = 0; i < 3000 && server.endedByClient() == 0; ++i)
+    for (int i = 0; i < 3000 && server.endedByClient() == 0; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     EXPECT_EQ(1U, server.closeNotifies());
 }
 
@@ -64,20 +66,24 @@ TEST_F(RestForks, AChildForkedWhileOtherThreadsUseTheLibraryIsNotLockedOut)
 {
     std::atomic<bool> stop{false};
     std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         threads.emplace_back([&] {
-            while (!stop)
+            while (!stop) {
                 CUserManager::getInstance()->hasUser(identity());
+            }
         });
+    }
     for (int i = 0; i < 200; ++i) {
         const pid_t child = fork();
-        if (child == 0)
+        if (child == 0) {
             _exit(CUserManager::getInstance()->hasUser(identity()) ? 1 : 0);
+        }
         EXPECT_EQ(0, exitStatusOf(child));
     }
     stop = true;
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
 }
 
 } // namespace

@@ -39,7 +39,7 @@ TEST_P(RestMisbehaviour, IsAFailureAndTheNextCallWorks)
     EXPECT_EQ(0, send(server.url()).result);
 }
 
-const std::string kChunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+const std::string CHUNKED = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
 
 INSTANTIATE_TEST_SUITE_P(
     Every, RestMisbehaviour,
@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"EndlessBody", Behaviour::endlessBody(), REST_ANSWER_TOO_LARGE},
         Case{"Redirect", Behaviour::redirect("https://192.0.2.1/"), REST_ANSWER_UNREADABLE},
         Case{"NotHttp", Behaviour::raw("SSH-2.0-OpenSSH\r\n", Behaviour::Afterwards::Close), 0},
-        Case{"WrongChunk", Behaviour::raw(kChunked + "zz\r\n", Behaviour::Afterwards::Close), 0},
+        Case{"WrongChunk", Behaviour::raw(CHUNKED + "zz\r\n", Behaviour::Afterwards::Close), 0},
         Case{"WrongLength",
              Behaviour::raw("HTTP/1.1 200 OK\r\nContent-Length: many\r\n\r\n", Behaviour::Afterwards::Close),
              0},
@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
 class RestTimeouts : public RestFixture
 {
 protected:
-    static constexpr int kTimedOut = 28;
+    static constexpr int TIMED_OUT = 28;
 };
 
 TEST_F(RestTimeouts, AServerThatNeverAnswersARequestIsGivenUp)
@@ -75,7 +75,7 @@ TEST_F(RestTimeouts, AServerThatNeverAnswersARequestIsGivenUp)
     MisbehavingServer server;
     RestSetSettings(impatient());
     server.enqueue(Behaviour::neverAnswer());
-    EXPECT_EQ(kTimedOut, send(server.url()).result);
+    EXPECT_EQ(TIMED_OUT, send(server.url()).result);
     RestSetSettings(trusting());
     EXPECT_EQ(0, send(server.url()).result);
 }
@@ -88,7 +88,7 @@ TEST_F(RestTimeouts, AServerThatNeverAnswersTheHandshakeIsGivenUp)
     RestSettings settings = trusting();
     settings.connectTimeoutSeconds = 1;
     RestSetSettings(settings);
-    EXPECT_EQ(kTimedOut, send(server.url()).result);
+    EXPECT_EQ(TIMED_OUT, send(server.url()).result);
 }
 
 TEST_F(RestTimeouts, AnAnswerThatDribblesInIsGivenUp)
@@ -96,7 +96,7 @@ TEST_F(RestTimeouts, AnAnswerThatDribblesInIsGivenUp)
     MisbehavingServer server;
     RestSetSettings(impatient());
     server.enqueue(Behaviour::dribble(std::chrono::milliseconds(100)));
-    EXPECT_EQ(kTimedOut, send(server.url()).result);
+    EXPECT_EQ(TIMED_OUT, send(server.url()).result);
 }
 
 TEST_F(RestTimeouts, ASlowAnswerWithinTheTimeOutIsReceived)
@@ -119,7 +119,7 @@ TEST_F(RestTimeouts, AGetThatIsTriedAgainIsGivenUpToo)
     ASSERT_EQ(0, send(server.url()).result);
     server.enqueue(Behaviour::closeWithoutAnswer());
     server.setDefault(Behaviour::neverAnswer());
-    EXPECT_EQ(kTimedOut, send(server.url()).result);
+    EXPECT_EQ(TIMED_OUT, send(server.url()).result);
 }
 
 TEST_F(RestTimeouts, NobodyListeningIsAFailureToConnect)

@@ -143,8 +143,9 @@ TEST_F(RestRequests, WhatCannotBeSentIsRefusedWithoutAConnection)
                                            std::string("https://"),
                                            "https://fe80::1%lo:" + port,
                                            "https://127.0.0.1:" + port + std::string("\0", 1)};
-    for (const std::string& url : urls)
+    for (const std::string& url : urls) {
         EXPECT_EQ(REST_BAD_REQUEST, send(url).result) << url;
+    }
     EXPECT_EQ(REST_BAD_REQUEST, send(server.url(), "").result);
     EXPECT_EQ(REST_BAD_REQUEST, send(server.url(), "lun").result);
     EXPECT_EQ(0U, server.accepts());

@@ -18,16 +18,19 @@ std::vector<std::string> exportsOf(const std::string& library)
         text.erase(text.find_last_not_of('\n') + 1);
         names.push_back(text.substr(text.find(' ') + 3)); // behind address and type
     }
-    if (listing != nullptr)
+    if (listing != nullptr) {
         pclose(listing);
+    }
     return names;
 }
 
 bool beginsWithOneOf(const std::string& name, const std::vector<std::string>& beginnings)
 {
-    for (const std::string& beginning : beginnings)
-        if (name.rfind(beginning, 0) == 0)
+    for (const std::string& beginning : beginnings) {
+        if (name.rfind(beginning, 0) == 0) {
             return true;
+        }
+    }
     return false;
 }
 
@@ -35,23 +38,25 @@ TEST(SharedObjects, TheRestLibraryShowsItsHeadersAlone)
 {
     const std::vector<std::string> names = exportsOf(REST_LIBRARY);
     EXPECT_GT(names.size(), 20U);
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         EXPECT_TRUE(beginsWithOneOf(name, {"RestGetSettings", "RestSetSettings", "RestRequest::",
                                            "RestResponse::", "void RestRequest::BodyAddProperty<",
                                            "CUserManager::", "OvraTool::", "typeinfo for CUserManager",
                                            "typeinfo name for CUserManager"}) &&
                     name.find("Impl") == std::string::npos)
             << name;
+    }
 }
 
 TEST(SharedObjects, TheLogLibraryShowsItsHeaderAlone)
 {
     const std::vector<std::string> names = exportsOf(LOG_LIBRARY);
     EXPECT_EQ(9U, names.size());
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         EXPECT_TRUE(
             beginsWithOneOf(name, {"LogInit", "LogFini", "Log_Run_", "Log_Interface_", "Log_Dropped_Count"}))
             << name;
+    }
 }
 
 } // namespace

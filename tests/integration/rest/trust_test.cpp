@@ -16,13 +16,13 @@ protected:
     }
 };
 
-constexpr int kNotTrusted = 60;
-constexpr int kPinMismatch = 90;
+constexpr int NOT_TRUSTED = 60;
+constexpr int PIN_MISMATCH = 90;
 
 TEST_F(RestTrust, ACertificateOfAnotherAuthorityIsRefused)
 {
     MisbehavingServer server(showing(Certificate::OtherCa));
-    EXPECT_EQ(kNotTrusted, send(server.url()).result);
+    EXPECT_EQ(NOT_TRUSTED, send(server.url()).result);
     EXPECT_EQ(0U, server.requestCount());
 }
 
@@ -32,20 +32,20 @@ TEST_F(RestTrust, TheSystemsAuthoritiesDoNotVouchForTheTestAuthority)
     settings.caFile.clear();
     RestSetSettings(settings);
     MisbehavingServer server;
-    EXPECT_EQ(kNotTrusted, send(server.url()).result);
+    EXPECT_EQ(NOT_TRUSTED, send(server.url()).result);
 }
 
 TEST_F(RestTrust, AnExpiredCertificateIsRefused)
 {
     MisbehavingServer server(showing(Certificate::Expired));
-    EXPECT_EQ(kNotTrusted, send(server.url()).result);
+    EXPECT_EQ(NOT_TRUSTED, send(server.url()).result);
     EXPECT_EQ(0U, server.requestCount());
 }
 
 TEST_F(RestTrust, ACertificateForAnotherHostIsRefused)
 {
     MisbehavingServer server(showing(Certificate::WrongHost));
-    EXPECT_EQ(kNotTrusted, send(server.url()).result);
+    EXPECT_EQ(NOT_TRUSTED, send(server.url()).result);
     EXPECT_EQ(0U, server.requestCount());
 }
 
@@ -75,7 +75,7 @@ TEST_F(RestTrust, AnotherKeyThanThePinnedOneIsRefused)
     settings.pinnedKey = TestCertificates::instance().pinnedKey(Certificate::Good);
     RestSetSettings(settings);
     MisbehavingServer server(showing(Certificate::OtherCa));
-    EXPECT_EQ(kPinMismatch, send(server.url()).result);
+    EXPECT_EQ(PIN_MISMATCH, send(server.url()).result);
     EXPECT_EQ(0U, server.requestCount());
 }
 
@@ -97,9 +97,9 @@ TEST_F(RestTrust, APinBesideACaFileIsARequirementMore)
     settings.pinnedKey = TestCertificates::instance().pinnedKey(Certificate::OtherCa);
     RestSetSettings(settings);
     MisbehavingServer good;
-    EXPECT_EQ(kPinMismatch, send(good.url()).result);
+    EXPECT_EQ(PIN_MISMATCH, send(good.url()).result);
     MisbehavingServer untrusted(showing(Certificate::OtherCa));
-    EXPECT_EQ(kNotTrusted, send(untrusted.url()).result);
+    EXPECT_EQ(NOT_TRUSTED, send(untrusted.url()).result);
 }
 
 TEST_F(RestTrust, APinThatIsNoPinTrustsNobody)
@@ -144,7 +144,7 @@ TEST_F(RestTrust, AConnectionMadeWithoutProofIsNotUsedOnceProofIsAskedFor)
     MisbehavingServer server(showing(Certificate::OtherCa));
     ASSERT_EQ(0, send(server.url()).result);
     RestSetSettings(trusting());
-    EXPECT_EQ(kNotTrusted, send(server.url()).result);
+    EXPECT_EQ(NOT_TRUSTED, send(server.url()).result);
     EXPECT_EQ(1U, server.requestCount());
 }
 
@@ -187,8 +187,9 @@ TEST_F(RestTrust, ARedirectIsNotFollowed)
 TEST_F(RestTrust, ProxiesOfTheEnvironmentAreNotUsed)
 {
     MisbehavingServer proxy;
-    for (const char* name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
+    for (const char* name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
         setenv(name, proxy.url().c_str(), 1);
+    }
     MisbehavingServer server;
     EXPECT_EQ(0, send(server.url()).result);
     EXPECT_EQ(0U, proxy.accepts());

@@ -15,7 +15,7 @@
 
 namespace ovra::log {
 
-constexpr auto kInfo = spdlog::level::info;
+constexpr auto INFO = spdlog::level::info;
 
 /** A temporary folder with a log service of its own, whose clock the test sets. */
 class LogFixture : public testing::Test
@@ -61,16 +61,18 @@ protected:
     {
         std::ifstream file(path, std::ios::binary);
         std::vector<std::string> lines;
-        for (std::string line; std::getline(file, line);)
+        for (std::string line; std::getline(file, line);) {
             lines.push_back(line);
+        }
         return lines;
     }
 
     static std::vector<std::string> namesIn(const std::filesystem::path& directory)
     {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(directory))
+        for (const auto& entry : std::filesystem::directory_iterator(directory)) {
             names.push_back(entry.path().filename().string());
+        }
         std::sort(names.begin(), names.end());
         return names;
     }
@@ -79,8 +81,9 @@ protected:
     static std::string withoutOrigin(const std::string& line)
     {
         size_t position = 0;
-        for (int blank = 0; blank < 4; ++blank)
+        for (int blank = 0; blank < 4; ++blank) {
             position = line.find(' ', position) + 1;
+        }
         return line.substr(position);
     }
 

@@ -19,10 +19,13 @@ protected:
     std::vector<std::string> textsOfToday() const
     {
         std::vector<std::string> texts;
-        for (const std::string& name : namesIn(logs()))
-            if (name.rfind("Tessel_run_", 0) == 0)
-                for (const std::string& line : linesOf(logs() / name))
+        for (const std::string& name : namesIn(logs())) {
+            if (name.rfind("Tessel_run_", 0) == 0) {
+                for (const std::string& line : linesOf(logs() / name)) {
                     texts.push_back(withoutOrigin(line));
+                }
+            }
+        }
         return texts;
     }
 };
@@ -93,11 +96,12 @@ TEST_F(LogApi, AChildForkedWhileOtherThreadsLogCanLogItself)
     ASSERT_EQ(0, LogInit("p", "", nullptr, logs().c_str()));
     std::atomic<bool> stop{false};
     std::thread writer([&] {
-        while (!stop)
+        while (!stop) {
             Log_Run_Info("p", "parent");
+        }
     });
-    constexpr long kChildren = 20;
-    for (int i = 0; i < kChildren; ++i) {
+    constexpr long CHILDREN = 20;
+    for (int i = 0; i < CHILDREN; ++i) {
         const pid_t child = fork();
         if (child == 0) {
             Log_Run_Info("p", "child");
@@ -111,7 +115,7 @@ TEST_F(LogApi, AChildForkedWhileOtherThreadsLogCanLogItself)
     writer.join();
     LogFini("p");
     const std::vector<std::string> texts = textsOfToday();
-    EXPECT_EQ(kChildren, std::count(texts.begin(), texts.end(), "INFO p child"));
+    EXPECT_EQ(CHILDREN, std::count(texts.begin(), texts.end(), "INFO p child"));
 }
 
 } // namespace

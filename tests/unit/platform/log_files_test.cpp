@@ -12,7 +12,7 @@ namespace {
 class LogFiles : public LogFixture
 {
 protected:
-    void run(const std::string& text) { service.run(kInfo, "p", text); }
+    void run(const std::string& text) { service.run(INFO, "p", text); }
 
     /** Takes the place of a directory, which then cannot be made: for root, too. */
     static void block(const std::filesystem::path& path) { writeFile(path, ""); }
@@ -32,7 +32,7 @@ TEST_F(LogFiles, AreForTheirOwnerAndGroupOnly)
     const mode_t before = umask(0);
     ASSERT_EQ(0, start());
     run("text");
-    service.interfaceCall(kInfo, {});
+    service.interfaceCall(INFO, {});
     umask(before);
     EXPECT_EQ(0640U, modeOf(runLog()));
     EXPECT_EQ(0640U, modeOf(interfaceLog()));
@@ -44,10 +44,10 @@ TEST_F(LogFiles, ANewOneBeginsWithEachDay)
     setTime("2026-11-21 23:59:59", 999);
     ASSERT_EQ(0, start());
     run("old day");
-    service.interfaceCall(kInfo, {});
+    service.interfaceCall(INFO, {});
     setTime("2026-11-22 00:00:00");
     run("new day");
-    service.interfaceCall(kInfo, {});
+    service.interfaceCall(INFO, {});
     EXPECT_EQ((std::vector<std::string>{"Tessel_interface_2026-11-21.log", "Tessel_interface_2026-11-22.log",
                                         "Tessel_run_2026-11-21.log", "Tessel_run_2026-11-22.log"}),
               namesIn(logs()));
@@ -72,17 +72,21 @@ TEST_F(LogFiles, OldOnesOfTheirOwnNameAreRemoved)
                                            "my_Tessel_run_2020-01-01.log",    "notes.txt"};
     const std::vector<std::string> removed = {"Tessel_interface_2026-11-15.log", "Tessel_run_2026-11-15.log",
                                               "Tessel_run_2020-01-01.log", "Tessel_run_1999-12-31.log"};
-    for (const auto& names : {kept, removed})
-        for (const std::string& name : names)
+    for (const auto& names : {kept, removed}) {
+        for (const std::string& name : names) {
             writeFile(logs() / name, "x");
+        }
+    }
     std::filesystem::create_directory(logs() / "Tessel_run_2020-01-02.log");
     ASSERT_EQ(0, start());
     run("text");
-    service.interfaceCall(kInfo, {});
-    for (const std::string& name : kept)
+    service.interfaceCall(INFO, {});
+    for (const std::string& name : kept) {
         EXPECT_TRUE(std::filesystem::exists(logs() / name)) << name;
-    for (const std::string& name : removed)
+    }
+    for (const std::string& name : removed) {
         EXPECT_FALSE(std::filesystem::exists(logs() / name)) << name;
+    }
     EXPECT_TRUE(std::filesystem::exists(logs() / "Tessel_run_2020-01-02.log"));
 }
 
@@ -124,7 +128,7 @@ TEST_F(LogFiles, AreDroppedAndCountedWhenNoDirectoryCanBeUsed)
     block(state());
     EXPECT_EQ(-1, start());
     run("one");
-    service.interfaceCall(kInfo, {});
+    service.interfaceCall(INFO, {});
     EXPECT_EQ(2U, service.dropped());
     std::filesystem::remove(logs());
     run("two");
@@ -195,17 +199,18 @@ TEST_F(LogFiles, WithoutRoomLinesAreCountedAndTheProcessGoesOn)
 
 TEST_F(LogFiles, SeveralProcessesShareThemWithoutTornOrLostLines)
 {
-    constexpr int kProcesses = 4;
-    constexpr int kLines = 500;
+    constexpr int PROCESSES = 4;
+    constexpr int LINES = 500;
     std::vector<pid_t> children;
-    for (int i = 0; i < kProcesses; ++i) {
+    for (int i = 0; i < PROCESSES; ++i) {
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
             bool ok = start() == 0;
-            for (int n = 0; n < kLines; ++n)
+            for (int n = 0; n < LINES; ++n) {
                 run(std::to_string(i) + ":" + std::to_string(n) + ":" +
                     std::string(static_cast<size_t>(n % 400), 'x') + ".");
+            }
             _exit(ok && service.dropped() == 0 ? 0 : 1);
         }
         children.push_back(child);
@@ -215,7 +220,7 @@ TEST_F(LogFiles, SeveralProcessesShareThemWithoutTornOrLostLines)
         waitpid(child, &status, 0);
         EXPECT_EQ(0, status);
     }
-    std::vector<int> next(kProcesses, 0);
+    std::vector<int> next(PROCESSES, 0);
     for (const std::string& line : linesOf(runLog())) {
         const std::string text = withoutOrigin(line).substr(std::string("INFO p ").size());
         const auto process = static_cast<size_t>(text[0] - '0');
@@ -225,8 +230,9 @@ TEST_F(LogFiles, SeveralProcessesShareThemWithoutTornOrLostLines)
                       std::string(static_cast<size_t>(n % 400), 'x') + ".",
                   text);
     }
-    for (const int count : next)
-        EXPECT_EQ(kLines, count);
+    for (const int count : next) {
+        EXPECT_EQ(LINES, count);
+    }
 }
 
 TEST_F(LogFiles, AreNotInheritedByCommands)

@@ -6,7 +6,7 @@
 namespace ovra::log {
 namespace {
 
-constexpr auto kError = spdlog::level::err;
+constexpr auto ERROR = spdlog::level::err;
 
 class LogServiceTest : public LogFixture
 {
@@ -15,7 +15,7 @@ class LogServiceTest : public LogFixture
 TEST_F(LogServiceTest, ARunLineHasDateProcessThreadLevelProductAndText)
 {
     ASSERT_EQ(0, start());
-    service.run(kError, "my product", "it\nfailed");
+    service.run(ERROR, "my product", "it\nfailed");
     EXPECT_EQ((std::vector<std::string>{"2026-11-21 10:20:30.045 " + std::to_string(getpid()) + " " +
                                         std::to_string(gettid()) + " ERROR my\\x20product it\\nfailed"}),
               linesOf(runLog()));
@@ -24,9 +24,9 @@ TEST_F(LogServiceTest, ARunLineHasDateProcessThreadLevelProductAndText)
 TEST_F(LogServiceTest, AnInterfaceRecordNamesItsElevenFields)
 {
     ASSERT_EQ(0, start());
-    service.interfaceCall(kInfo, {"prod", "1", "", "getLun", "", "", "", "2026-11-21 10:20:30 001",
-                                  "2026-11-21 10:20:30 045", "0", "a\"b"});
-    service.interfaceCall(kError, {});
+    service.interfaceCall(INFO, {"prod", "1", "", "getLun", "", "", "", "2026-11-21 10:20:30 001",
+                                 "2026-11-21 10:20:30 045", "0", "a\"b"});
+    service.interfaceCall(ERROR, {});
     const std::vector<std::string> lines = linesOf(interfaceLog());
     ASSERT_EQ(2U, lines.size());
     EXPECT_EQ(
@@ -40,8 +40,8 @@ TEST_F(LogServiceTest, AnInterfaceRecordNamesItsElevenFields)
 TEST_F(LogServiceTest, DataCannotForgeALine)
 {
     ASSERT_EQ(0, start());
-    service.run(kInfo, "p", "name\n2026-11-21 10:20:30.045 1 1 ERROR p forged");
-    service.interfaceCall(kInfo, {"p", "1", "", "x\" result=\"0", "\n", "", "", "", "", "7", ""});
+    service.run(INFO, "p", "name\n2026-11-21 10:20:30.045 1 1 ERROR p forged");
+    service.interfaceCall(INFO, {"p", "1", "", "x\" result=\"0", "\n", "", "", "", "", "7", ""});
     EXPECT_EQ(1U, linesOf(runLog()).size());
     ASSERT_EQ(1U, linesOf(interfaceLog()).size());
     const std::string line = withoutOrigin(linesOf(interfaceLog())[0]);
@@ -54,13 +54,13 @@ TEST_F(LogServiceTest, DataCannotForgeALine)
 
 TEST_F(LogServiceTest, BeforeStartAndAfterStopLinesAreDroppedQuietly)
 {
-    service.run(kInfo, "p", "before");
-    service.interfaceCall(kInfo, {});
+    service.run(INFO, "p", "before");
+    service.interfaceCall(INFO, {});
     EXPECT_FALSE(std::filesystem::exists(logs()));
     ASSERT_EQ(0, start());
-    service.run(kInfo, "p", "between");
+    service.run(INFO, "p", "between");
     ASSERT_EQ(0, service.stop("product"));
-    service.run(kInfo, "p", "after");
+    service.run(INFO, "p", "after");
     ASSERT_EQ(1U, linesOf(runLog()).size());
     EXPECT_EQ("INFO p between", withoutOrigin(linesOf(runLog())[0]));
     EXPECT_EQ(0U, service.dropped());
@@ -75,13 +75,13 @@ TEST_F(LogServiceTest, LogsUntilTheLastStartIsStopped)
     EXPECT_EQ(0, service.stop("a"));
     EXPECT_EQ(0, service.stop("a"));
     EXPECT_EQ(-1, service.stop("a"));
-    service.run(kInfo, "any", "still");
+    service.run(INFO, "any", "still");
     EXPECT_EQ(0, service.stop("b"));
     EXPECT_EQ(-1, service.stop("b"));
-    service.run(kInfo, "any", "no more");
+    service.run(INFO, "any", "no more");
     EXPECT_EQ(1U, linesOf(runLog()).size());
     ASSERT_EQ(0, start("a"));
-    service.run(kInfo, "any", "again");
+    service.run(INFO, "any", "again");
     EXPECT_EQ(2U, linesOf(runLog()).size());
 }
 
@@ -91,10 +91,10 @@ TEST_F(LogServiceTest, TheConfiguredLevelHolds)
     ASSERT_EQ(0, start());
     EXPECT_EQ(2, service.levelInForce());
     service.run(spdlog::level::debug, "p", "debug");
-    service.run(kInfo, "p", "info");
+    service.run(INFO, "p", "info");
     service.run(spdlog::level::warn, "p", "warn");
-    service.run(kError, "p", "error");
-    service.interfaceCall(kInfo, {});
+    service.run(ERROR, "p", "error");
+    service.interfaceCall(INFO, {});
     EXPECT_EQ(2U, linesOf(runLog()).size());
     EXPECT_EQ(1U, linesOf(interfaceLog()).size());
 }
@@ -103,7 +103,7 @@ TEST_F(LogServiceTest, AConfiguredDirectoryReplacesTheOneHandedOver)
 {
     writeFile(iniFile(), "[files]\ndirectory = " + (folder / "configured/deep").string() + "\n");
     ASSERT_EQ(0, start());
-    service.run(kInfo, "p", "text");
+    service.run(INFO, "p", "text");
     EXPECT_TRUE(std::filesystem::exists(folder / "configured/deep/Tessel_run_2026-11-21.log"));
     EXPECT_FALSE(std::filesystem::exists(logs()));
 }
@@ -123,17 +123,19 @@ TEST_F(LogServiceTest, MayBeUsedByManyThreads)
 {
     ASSERT_EQ(0, start());
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int n = 0; n < 200; ++n) {
                 service.start("more", "", "");
-                service.run(kInfo, "p", std::to_string(n));
-                service.interfaceCall(kInfo, {});
+                service.run(INFO, "p", std::to_string(n));
+                service.interfaceCall(INFO, {});
                 service.stop("more");
             }
         });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(800U, linesOf(runLog()).size());
     EXPECT_EQ(800U, linesOf(interfaceLog()).size());
 }

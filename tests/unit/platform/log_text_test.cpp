@@ -21,9 +21,11 @@ TEST(LogTexts, ControlBytesAreEscaped)
     EXPECT_EQ("a\\nb\\rc\\td", text("a\nb\rc\td"));
     EXPECT_EQ("\\x00\\x07\\x1B[31m\\x7F", text(std::string_view("\0\a\x1B[31m\x7F", 8)));
     EXPECT_EQ("C:\\\\new", text("C:\\new"));
-    for (int byte = 0; byte < 256; ++byte)
-        for (const char c : text(std::string(1, static_cast<char>(byte))))
+    for (int byte = 0; byte < 256; ++byte) {
+        for (const char c : text(std::string(1, static_cast<char>(byte)))) {
             EXPECT_TRUE(c >= 0x20 && c < 0x7F) << byte;
+        }
+    }
 }
 
 TEST(LogTexts, BytesThatAreNotUtf8AndCharactersThatViewersObeyAreEscaped)
@@ -78,10 +80,11 @@ TEST(LogConfiguration, ReportsWhatItCannotUseAndKeepsTheDefault)
     EXPECT_EQ(30, read.retentionDays);
     EXPECT_EQ("", read.directory);
     EXPECT_EQ(6U, read.problems.size());
-    for (const char* days : {"", "x", "1 day", "99999999999", "1.5"})
+    for (const char* days : {"", "x", "1 day", "99999999999", "1.5"}) {
         EXPECT_EQ(1U,
                   parseConfiguration(std::string("[files]\nretention_days = ") + days + "\n").problems.size())
             << days;
+    }
 }
 
 TEST(LogConfiguration, TakesLinesOfUpTo198Bytes)
@@ -121,8 +124,9 @@ TEST(LogFileNames, CarryTheDateAndAreRecognisedExactly)
          {"Tessel_run_2026-02-29.log", "Tessel_run_2026-13-01.log", "Tessel_run_2026-00-10.log",
           "Tessel_run_2026-1-02.log", "Tessel_run_2026-01-02.log.1", "Tessel_run_2026-01-02.txt",
           "xTessel_run_2026-01-02.log", "Tessel_run_2026_01_02.log", "Tessel_run_", "",
-          "Tessel_interface_2026-01-02.log", "tessel_run_2026-01-02.log", "Tessel_run_+026-01-02.log"})
+          "Tessel_interface_2026-01-02.log", "tessel_run_2026-01-02.log", "Tessel_run_+026-01-02.log"}) {
         EXPECT_FALSE(dateOfName("Tessel_run_", name)) << name;
+    }
 }
 
 } // namespace

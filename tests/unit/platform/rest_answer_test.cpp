@@ -5,11 +5,11 @@
 namespace ovra::rest {
 namespace {
 
-const std::string kSuccess = R"("error":{"code":0,"description":"0"})";
+const std::string SUCCESS = R"("error":{"code":0,"description":"0"})";
 
 TEST(Answers, AnObjectIsOneRecord)
 {
-    const auto answer = parseAnswer(R"({"data":{"ID":"7"},)" + kSuccess + "}");
+    const auto answer = parseAnswer(R"({"data":{"ID":"7"},)" + SUCCESS + "}");
     ASSERT_TRUE(answer);
     EXPECT_EQ(0, answer->code);
     ASSERT_EQ(1U, answer->records.size());
@@ -18,7 +18,7 @@ TEST(Answers, AnObjectIsOneRecord)
 
 TEST(Answers, AnArrayIsARecordAnElement)
 {
-    const auto answer = parseAnswer(R"({"data":[{"ID":"1"},"text",null,3],)" + kSuccess + "}");
+    const auto answer = parseAnswer(R"({"data":[{"ID":"1"},"text",null,3],)" + SUCCESS + "}");
     ASSERT_TRUE(answer);
     ASSERT_EQ(4U, answer->records.size());
     EXPECT_EQ("text", answer->records[1].asString());
@@ -28,12 +28,12 @@ TEST(Answers, AnArrayIsARecordAnElement)
 TEST(Answers, MissingAndNullDataAreNoRecords)
 {
     for (const std::string& text :
-         {"{" + kSuccess + "}", R"({"data":null,)" + kSuccess + "}", R"({"data":[],)" + kSuccess + "}"}) {
+         {"{" + SUCCESS + "}", R"({"data":null,)" + SUCCESS + "}", R"({"data":[],)" + SUCCESS + "}"}) {
         const auto answer = parseAnswer(text);
         ASSERT_TRUE(answer) << text;
         EXPECT_EQ(0U, answer->records.size());
     }
-    EXPECT_EQ(1U, parseAnswer(R"({"data":{},)" + kSuccess + "}")->records.size());
+    EXPECT_EQ(1U, parseAnswer(R"({"data":{},)" + SUCCESS + "}")->records.size());
 }
 
 TEST(Answers, TheCodeMayBeNumberOrDecimalText)
@@ -48,8 +48,9 @@ TEST(Answers, ACodeThatIsNoIntegerCannotBeRead)
 {
     for (const char* code :
          {"null", "true", "1.5", "\"\"", "\" 1\"", "\"1 \"", "\"0x1\"", "\"1.0\"", "{}", "[0]", "2147483648",
-          "\"2147483648\"", "-2147483649", "1e300", "18446744073709551616"})
+          "\"2147483648\"", "-2147483649", "1e300", "18446744073709551616"}) {
         EXPECT_FALSE(parseAnswer(std::string(R"({"error":{"code":)") + code + "}}")) << code;
+    }
     EXPECT_FALSE(parseAnswer(R"({"error":{"description":"d"}})"));
 }
 
@@ -57,14 +58,16 @@ TEST(Answers, WithoutAnErrorObjectCannotBeRead)
 {
     for (const char* text :
          {"", " ", "{}", "[]", "null", "0", "\"error\"", R"({"error":null})", R"({"error":0})",
-          R"({"error":[]})", R"({"error":"0"})", R"({"data":{"error":{"code":0}}})"})
+          R"({"error":[]})", R"({"error":"0"})", R"({"data":{"error":{"code":0}}})"}) {
         EXPECT_FALSE(parseAnswer(text)) << text;
+    }
 }
 
 TEST(Answers, DataOfAnotherTypeCannotBeRead)
 {
-    for (const char* data : {"\"text\"", "1", "true", "1.5"})
-        EXPECT_FALSE(parseAnswer(std::string(R"({"data":)") + data + "," + kSuccess + "}")) << data;
+    for (const char* data : {"\"text\"", "1", "true", "1.5"}) {
+        EXPECT_FALSE(parseAnswer(std::string(R"({"data":)") + data + "," + SUCCESS + "}")) << data;
+    }
 }
 
 TEST(Answers, AnErrorIsReportedWhateverItsDataIs)
@@ -78,28 +81,30 @@ TEST(Answers, AnErrorIsReportedWhateverItsDataIs)
 
 TEST(Answers, ADescriptionThatIsNoTextIsEmpty)
 {
-    for (const char* description : {"null", "1", "{}", "[]"})
+    for (const char* description : {"null", "1", "{}", "[]"}) {
         EXPECT_EQ("", parseAnswer(std::string(R"({"error":{"code":1,"description":)") + description + "}}")
                           ->description);
+    }
 }
 
 TEST(Answers, OnlyStrictJsonIsRead)
 {
-    const std::string good = "{" + kSuccess + "}";
+    const std::string good = "{" + SUCCESS + "}";
     ASSERT_TRUE(parseAnswer(good));
     EXPECT_TRUE(parseAnswer(" \r\n" + good + " \r\n"));
     for (const std::string& text :
          {good + "x", good + good, good + std::string(1, '\0'), "/* c */" + good, good + "// c",
-          "{" + kSuccess + ",}", "{" + kSuccess + ",\"a\":NaN}", "{" + kSuccess + ",'a':1}",
-          "{" + kSuccess + ",\"a\":1,\"a\":2}", "{" + kSuccess + "," + kSuccess + "}",
-          good.substr(0, good.size() - 1), "{" + kSuccess + ",\"a\":tru}"})
+          "{" + SUCCESS + ",}", "{" + SUCCESS + ",\"a\":NaN}", "{" + SUCCESS + ",'a':1}",
+          "{" + SUCCESS + ",\"a\":1,\"a\":2}", "{" + SUCCESS + "," + SUCCESS + "}",
+          good.substr(0, good.size() - 1), "{" + SUCCESS + ",\"a\":tru}"}) {
         EXPECT_FALSE(parseAnswer(text)) << text;
+    }
 }
 
 TEST(Answers, NestedTooDeepCannotBeRead)
 {
     const auto nested = [](size_t depth) {
-        return R"({"data":)" + std::string(depth, '[') + std::string(depth, ']') + "," + kSuccess + "}";
+        return R"({"data":)" + std::string(depth, '[') + std::string(depth, ']') + "," + SUCCESS + "}";
     };
     EXPECT_TRUE(parseAnswer(nested(50)));
     EXPECT_FALSE(parseAnswer(nested(200)));

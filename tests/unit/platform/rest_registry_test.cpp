@@ -44,8 +44,9 @@ protected:
 
     ~Registry() override
     {
-        for (CDeviceManagerImpl* manager : {first, second, other})
+        for (CDeviceManagerImpl* manager : {first, second, other}) {
             CUserManager::getInstance()->removeUser(manager);
+        }
     }
 
     CUserManager& users = *CUserManager::getInstance();
@@ -105,7 +106,7 @@ TEST_F(Registry, MayBeUsedByManyThreads)
 {
     std::atomic<unsigned> lost{0};
     std::vector<std::thread> threads;
-    for (uintptr_t i = 1; i <= 4; ++i)
+    for (uintptr_t i = 1; i <= 4; ++i) {
         threads.emplace_back([&, i] {
             CDeviceManagerImpl* const mine = identity(0x500000000 + i * 16);
             for (int round = 0; round < 500; ++round) {
@@ -113,8 +114,10 @@ TEST_F(Registry, MayBeUsedByManyThreads)
                 users.removeUser(mine);
             }
         });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(0U, lost);
 }
 

@@ -16,19 +16,23 @@ namespace {
 TEST(RequestTarget, KeepsEveryByteThatMayStandInIt)
 {
     std::string raw;
-    for (int byte = 0x21; byte < 0x7F; ++byte)
-        if (std::string("\"#<>\\^`{|}").find(static_cast<char>(byte)) == std::string::npos)
+    for (int byte = 0x21; byte < 0x7F; ++byte) {
+        if (std::string("\"#<>\\^`{|}").find(static_cast<char>(byte)) == std::string::npos) {
             raw += static_cast<char>(byte);
+        }
+    }
     EXPECT_EQ(raw, encodeRequestTarget(raw));
 }
 
 TEST(RequestTarget, EncodesEveryOtherByte)
 {
     std::string others = "\"#<>\\^`{|}";
-    for (int byte = 0; byte <= 0x20; ++byte)
+    for (int byte = 0; byte <= 0x20; ++byte) {
         others += static_cast<char>(byte);
-    for (int byte = 0x7F; byte <= 0xFF; ++byte)
+    }
+    for (int byte = 0x7F; byte <= 0xFF; ++byte) {
         others += static_cast<char>(byte);
+    }
     static const char* digits = "0123456789ABCDEF";
     for (const char c : others) {
         const auto value = static_cast<unsigned char>(c);
@@ -50,10 +54,11 @@ TEST(HeaderNames, GetTheirUsualCapitals)
 TEST(HeaderLines, KeepOnlyTheFinalHead)
 {
     HeaderLines lines;
-    for (const char* line :
-         {"X-Before: 1\r\n", "HTTP/1.1 100 Continue\r\n", "a: 1\r\n", "\r\n", "HTTP/1.1 200 OK\r\n",
-          "set-cookie:a=b;\r\n", "no colon\r\n", "folded: one\r\n", " \t two \r\n", "\r\n", "Trailer: 1\r\n"})
+    for (const char* line : {"X-Before: 1\r\n", "HTTP/1.1 100 Continue\r\n", "a: 1\r\n", "\r\n",
+                             "HTTP/1.1 200 OK\r\n", "set-cookie:a=b;\r\n", "no colon\r\n", "folded: one\r\n",
+                             " \t two \r\n", "\r\n", "Trailer: 1\r\n"}) {
         lines.add(line);
+    }
     EXPECT_EQ((std::vector<std::string>{"Set-Cookie: a=b;", "Folded: one two"}), lines.take());
 }
 
@@ -120,19 +125,22 @@ TEST(ServerAddresses, AreReadFromUrls)
     for (const char* url :
          {"", "https://", "https:///", "http://a:1", "https://a:", "https://a:x", "https://a:+1",
           "https://a:1x", "https://a:0", "https://a:65536", "https://a:4294967297", "https://a/b",
-          "https://a?b", "https://u@a", "https://[a]:1", "https://[]:1", "https://a b", "a:1"})
+          "https://a?b", "https://u@a", "https://[a]:1", "https://[]:1", "https://a b", "a:1"}) {
         EXPECT_EQ("", origin(url)) << url;
+    }
 }
 
 TEST(CheckIPValid, AcceptsAddressesAndNothingElse)
 {
     for (const char* ip : {"0.0.0.0", "192.0.2.7", "255.255.255.255", "::", "::1", "fd00::7",
-                           "1:2:3:4:5:6:7:8", "::ffff:192.0.2.7", "FE80::A"})
+                           "1:2:3:4:5:6:7:8", "::ffff:192.0.2.7", "FE80::A"}) {
         EXPECT_TRUE(OvraTool::CheckIPValid(ip)) << ip;
+    }
     for (const char* ip : {"", " ", "192.0.2", "192.0.2.256", "192.0.2.7 ", " 192.0.2.7", "192.0.2.7\n",
                            "1.2.3.4.5", "0x7f.0.0.1", "127.1", "localhost", "[::1]", "fe80::1%eth0",
-                           ":::", "1:2:3", "::1/64", "192.0.2.7:80", "12345::"})
+                           ":::", "1:2:3", "::1/64", "192.0.2.7:80", "12345::"}) {
         EXPECT_FALSE(OvraTool::CheckIPValid(ip)) << ip;
+    }
     EXPECT_FALSE(OvraTool::CheckIPValid(std::string("192.0.2.7\0", 10)));
     EXPECT_FALSE(OvraTool::CheckIPValid(std::string("192.0.2.7\0x", 11)));
 }
