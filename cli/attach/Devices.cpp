@@ -1,5 +1,6 @@
 #include "attach/Devices.h"
 
+#include "attach/ToolOutput.h"
 #include "disk/HostFiles.h"
 #include "disk/LocalDisks.h"
 #include "output/Progress.h"
@@ -81,6 +82,7 @@ void scanFor(Context& context, const Attachable& object, const std::string& id, 
     std::string path;
     {
         const Progress progress("rescanning the SCSI buses for " + object.called(id));
+        const ToolOutput aside;
         path = (context.handler<CDiskScannerHandler>().*object.scan)(wanted);
     }
     if (path.empty()) {
@@ -116,6 +118,7 @@ void removeDevicesOf(Context& context, const Attachable& object, const std::stri
     }
     {
         const Progress progress("removing " + joined(disks) + " of " + object.called(id));
+        const ToolOutput aside;
         std::string wanted = id;
         (context.handler<CDiskScannerHandler>().*object.removeDevices)(wanted);
     }

@@ -116,4 +116,13 @@ TEST_F(HostTest, AScanThatFindsNoDiskIsAFailureThatTellsWhereToLook)
     expect(4, {"scan", "snapshot", "99"});
 }
 
+TEST_F(HostTest, WhatTheHostsToolsPrintDuringAScanIsNoPartOfTheAnswer)
+{
+    const std::string listed = folder.path() + "/listed";
+    stub("lsscsi", "[ -e " + listed + " ] || echo tmp-block\n: >" + listed);
+    const Outcome outcome = expect(1, {"scan", "lun", lun});
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, HasSubstr("tmp-block\n"));
+}
+
 } // namespace
