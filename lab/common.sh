@@ -19,6 +19,8 @@ multipathd           multipath-tools
 dmsetup              dmsetup
 mkfs.ext4            e2fsprogs
 ip                   iproute2
+curl                 curl
+pgrep                procps
 "
 
 # Exit statuses of the lab itself; every other status is the command's own.
