@@ -1,8 +1,10 @@
 #include "Cli.h"
 
 #include <array>
+#include <cerrno>
 #include <pty.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <termios.h>
 #include <unistd.h>
 
@@ -19,6 +21,9 @@ public:
     {
         const std::string place = array.ip() + ":" + std::to_string(array.port());
         m_child = forkpty(&m_master, nullptr, nullptr, nullptr);
+        if (m_child < 0) {
+            throw std::system_error(errno, std::generic_category(), "no terminal of its own");
+        }
         if (m_child == 0) {
             // A shell keeps the terminal open behind tesselctl, so that its modes can be looked at.
             const std::string line = std::string(TESSELCTL) + " " + command + " --array " + place +
