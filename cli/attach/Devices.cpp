@@ -118,7 +118,6 @@ void removeDevicesOf(Context& context, const Attachable& object, const std::stri
     }
     {
         const Progress progress("removing " + joined(disks) + " of " + object.called(id));
-        const ToolOutput aside;
         std::string wanted = id;
         (context.handler<CDiskScannerHandler>().*object.removeDevices)(wanted);
     }

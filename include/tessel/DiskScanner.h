@@ -14,8 +14,8 @@
  * handler that reads the object's WWN passes through.
  *
  * Scans of all processes and threads of a host run one after the other, under the System V semaphore with the
- * key 1235. Where the Korvex product is installed, a scan waits up to 1500 s until lsscsi lists no temporary
- * device any more; those that it lists appear on the standard output of the process.
+ * key 1235. After its rescan a scan waits up to 1500 s until lsscsi lists no temporary device of the Korvex
+ * product any more; those that it lists appear on the standard output of the process.
  *
  * Hazard: rescan-scsi-bus.sh of sg3-utils 1.46 removes healthy disks when it is run with -r. Where this fault
  * is found, the rescan runs without -r and says so in the run log; install sg3-utils 1.48 or later.

@@ -14,7 +14,10 @@ canary_disk() {
 canary_identity() { cat "/sys/block/$1/diskseq"; }
 
 # Of what is on the disk, not of what the page cache holds.
-canary_sum() { dd if="$canary_at/data" bs=1M iflag=direct status=none | sha256sum; }
+canary_sum() (
+    set -o pipefail
+    dd if="$canary_at/data" bs=1M iflag=direct status=none | sha256sum
+)
 
 canary_start() {
     local disk
@@ -25,17 +28,17 @@ canary_start() {
     mount "/dev/$disk" "$canary_at" || return 1
     head -c 1M /dev/urandom > "$canary_at/data"
     sync -f "$canary_at/data"
-    canary_sum > /run/lab/canary.sum
+    canary_sum > /run/lab/canary.sum || return 1
     echo "$disk $(canary_identity "$disk")" > /run/lab/canary.disk
 }
 
 # Says on stderr what happened to the canary, if anything did.
 canary_check() {
-    local disk identity
+    local disk identity sum
     read -r disk identity < /run/lab/canary.disk
     [ "$(canary_disk)" = "$disk" ] || { lab_error "the canary disk $disk is gone"; return 1; }
     [ "$(canary_identity "$disk")" = "$identity" ] || { lab_error "the canary disk $disk was removed and added again"; return 1; }
     [ "$(cat "/sys/block/$disk/device/state")" = running ] || { lab_error "the canary disk $disk is not running"; return 1; }
     { date > "$canary_at/written" && sync -f "$canary_at/written"; } || { lab_error "the canary disk $disk takes no writes"; return 1; }
-    [ "$(canary_sum)" = "$(cat /run/lab/canary.sum)" ] || { lab_error "the data of the canary disk $disk changed"; return 1; }
+    sum=$(canary_sum) && [ "$sum" = "$(cat /run/lab/canary.sum)" ] || { lab_error "the data of the canary disk $disk changed"; return 1; }
 }
