@@ -107,6 +107,16 @@ void Log_Interface_Error(const char* productTag, const char* interfaceType, cons
     });
 }
 
+const char* Log_Directory(void)
+{
+    const char* directory = "";
+    contained([&](LogService& service) {
+        directory = service.directory();
+        return 0;
+    });
+    return directory;
+}
+
 unsigned long Log_Dropped_Count(void)
 {
     unsigned long dropped = 0;

@@ -63,6 +63,7 @@ int LogService::stop(const std::string& product)
     if (found == m_started.end()) {
         return -1;
     }
+    noteDirectory();
     if (--found->second == 0) {
         m_started.erase(found);
     }
@@ -76,6 +77,20 @@ int LogService::levelInForce() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return levelNumber(m_configuration.level);
+}
+
+const char* LogService::directory()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_logs) {
+        noteDirectory();
+    }
+    return m_directory;
+}
+
+void LogService::noteDirectory()
+{
+    m_directory = m_directories.insert(m_logs->run.file().directory()).first->c_str();
 }
 
 void LogService::run(spdlog::level::level_enum level, std::string_view product, std::string_view text)

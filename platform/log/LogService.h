@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string_view>
 
 namespace ovra::log {
@@ -49,6 +50,10 @@ public:
     void run(spdlog::level::level_enum level, std::string_view product, std::string_view text);
     void interfaceCall(spdlog::level::level_enum level, const InterfaceRecord& record);
 
+    /** Where the run log's file is, or was when the logs were stopped; empty without one. The text lives as
+     * long as the service. */
+    const char* directory();
+
     /** Counts a line that could not even be formatted. */
     void drop() noexcept { ++m_dropped; }
     unsigned long dropped() const { return m_dropped; }
@@ -62,6 +67,7 @@ private:
 
     void open(const std::string& iniFile, const std::string& directory);
     int prepare();
+    void noteDirectory();
     void write(DailySink& sink, spdlog::level::level_enum level, std::string_view product,
                std::string_view text);
     void warn(const std::string& text);
@@ -76,6 +82,8 @@ private:
     std::map<std::string, unsigned> m_started;
     Configuration m_configuration;
     std::string m_wantedDirectory;
+    std::set<std::string> m_directories; ///< every one that was told: its text stays where it is
+    const char* m_directory = "";        ///< the one told last
     std::string m_directoryInUse;
     std::unique_ptr<Logs> m_logs; ///< null while no product is started
     unsigned long m_dropsToTell = 0;

@@ -17,6 +17,6 @@ int main()
     request.BodyAddProperty("NAME", std::string("from outside"));
 
     std::cout << "timeout = " << RestGetSettings().timeoutSeconds << ", dropped = " << Log_Dropped_Count()
-              << "\n";
+              << ", logs in \"" << Log_Directory() << "\"\n";
     return RestGetSettings().timeoutSeconds == 7 && OvraTool::CheckIPValid("192.0.2.1") ? 0 : 1;
 }

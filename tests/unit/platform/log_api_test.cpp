@@ -84,7 +84,9 @@ TEST_F(LogApi, FallsBackToTheStateDirectoryOfTheUser)
     writeFile(folder / "blocked", "");
     setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
     EXPECT_EQ(0, LogInit("p", "", nullptr, (folder / "blocked/logs").c_str()));
+    EXPECT_EQ(folder / "state/ovra/logs", Log_Directory());
     EXPECT_EQ(0, LogFini("p"));
+    EXPECT_EQ(folder / "state/ovra/logs", Log_Directory());
     EXPECT_EQ(1U, namesIn(folder / "state/ovra/logs").size());
 }
 

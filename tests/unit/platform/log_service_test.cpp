@@ -66,6 +66,24 @@ TEST_F(LogServiceTest, BeforeStartAndAfterStopLinesAreDroppedQuietly)
     EXPECT_EQ(0U, service.dropped());
 }
 
+TEST_F(LogServiceTest, TellsTheDirectoryThatIsReallyInUse)
+{
+    EXPECT_STREQ("", service.directory());
+    ASSERT_EQ(0, start());
+    ASSERT_EQ(0, service.stop("product"));
+    const char* const first = service.directory();
+    EXPECT_EQ(logs(), first);
+
+    writeFile(folder / "blocked", "");
+    ASSERT_EQ(0, service.start("product", "", (folder / "blocked/logs").string()));
+    EXPECT_EQ(state(), service.directory());
+    std::filesystem::remove_all(state());
+    writeFile(state(), "");
+    service.run(INFO, "p", "nowhere to be written");
+    EXPECT_STREQ("", service.directory());
+    EXPECT_EQ(logs(), first) << "a text that was told before has changed";
+}
+
 TEST_F(LogServiceTest, LogsUntilTheLastStartIsStopped)
 {
     ASSERT_EQ(0, start("a"));

@@ -89,6 +89,13 @@ OVRA_LOG_API void Log_Interface_Error(const char* productTag, const char* interf
                                       const char* transactionId, const char* startTime, const char* endTime,
                                       const char* resultCode, const char* extension);
 
+/**
+ * Tells where the run log is: in the directory asked for, or in the per-user one when that cannot be written.
+ * @return the directory of the line written last, after LogFini too; empty before the first LogInit, and
+ * while no directory can be written. Never null. The text stays as it is until the process ends.
+ */
+OVRA_LOG_API const char* Log_Directory(void);
+
 /** @return lines dropped since the process started because they could not be written. */
 OVRA_LOG_API unsigned long Log_Dropped_Count(void);
 
