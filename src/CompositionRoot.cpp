@@ -15,6 +15,8 @@
 #include "storage/LunHandlerImpl.h"
 #include "storage/SnapshotHandlerImpl.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 template <class Handler>

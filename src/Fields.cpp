@@ -14,6 +14,8 @@
 #include "storage/LunGroupFields.h"
 #include "storage/SnapshotFields.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 RecordField::Kind kindOf(bool)

@@ -5,6 +5,8 @@
 
 #include <tessel/FCInitiator.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<FCInitiatorMO>
 {
@@ -17,5 +19,7 @@ struct FieldTable<FCInitiatorMO>
                         fields::read("RUNNINGSTATUS", &FCInitiatorMO::RUNNINGSTATUS, readers::asUl),
                         fields::read("ISFREE", &FCInitiatorMO::ISFREE, readers::asFlag));
 };
+
+} // namespace ovra::tessel
 
 #endif

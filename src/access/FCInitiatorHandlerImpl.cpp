@@ -5,6 +5,8 @@
 #include "session/Texts.h"
 #include "session/Url.h"
 
+using namespace ovra::tessel;
+
 FCInitiatorMO CFCInitiatorHandlerImpl::createFCInitiator(FCInitiatorMO& initiator)
 {
     return Operation::run("createFCInitiator", m_pDeviceManager, [&](Operation& op) {

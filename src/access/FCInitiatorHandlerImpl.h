@@ -5,7 +5,7 @@
 
 #include <tessel/FCInitiator.h>
 
-class CFCInitiatorHandlerImpl : public HandlerOf<CFCInitiatorHandler>
+class CFCInitiatorHandlerImpl : public ovra::tessel::HandlerOf<CFCInitiatorHandler>
 {
 public:
     using HandlerOf::HandlerOf;

@@ -5,6 +5,8 @@
 
 #include <tessel/Host.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<HostMO>
 {
@@ -22,5 +24,7 @@ struct FieldTable<HostMO>
                         fields::read("IP", &HostMO::IP, readers::asText),
                         fields::read("ISADD2HOSTGROUP", &HostMO::ISADD2HOSTGROUP, readers::asFlag));
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -5,6 +5,8 @@
 
 #include <tessel/HostGroup.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<HostGroupMO>
 {
@@ -14,5 +16,7 @@ struct FieldTable<HostGroupMO>
                         fields::read("DESCRIPTION", &HostGroupMO::DESCRIPTION, readers::asText),
                         fields::read("ISADD2MAPPINGVIEW", &HostGroupMO::ISADD2MAPPINGVIEW, readers::asFlag));
 };
+
+} // namespace ovra::tessel
 
 #endif

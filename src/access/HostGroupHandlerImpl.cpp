@@ -6,6 +6,8 @@
 #include "session/Texts.h"
 #include "session/Url.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 const int ALREADY_IN_HOSTGROUP = 1077937501;

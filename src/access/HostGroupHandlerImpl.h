@@ -5,7 +5,7 @@
 
 #include <tessel/HostGroup.h>
 
-class CHostGroupHandlerImpl : public HandlerOf<CHostGroupHandler>
+class CHostGroupHandlerImpl : public ovra::tessel::HandlerOf<CHostGroupHandler>
 {
 public:
     using HandlerOf::HandlerOf;

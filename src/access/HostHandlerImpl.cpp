@@ -5,6 +5,8 @@
 #include "session/Texts.h"
 #include "session/Url.h"
 
+using namespace ovra::tessel;
+
 HostMO CHostHandlerImpl::createHost(HostMO& host)
 {
     return Operation::run("createHost", m_pDeviceManager, [&](Operation& op) {

@@ -5,7 +5,7 @@
 
 #include <tessel/Host.h>
 
-class CHostHandlerImpl : public HandlerOf<CHostHandler>
+class CHostHandlerImpl : public ovra::tessel::HandlerOf<CHostHandler>
 {
 public:
     using HandlerOf::HandlerOf;

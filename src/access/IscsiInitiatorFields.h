@@ -5,6 +5,8 @@
 
 #include <tessel/IscsiInitiator.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<IscsiInitiatorMO>
 {
@@ -28,5 +30,7 @@ struct FieldTable<IscsiInitiatorMO>
         fields::secret("CHAPPASSWORDINITATORVERTARGET", &MO::CHAPPASSWORDINITATORVERTARGET),
         fields::secret("CHAPOLDPASSWORDINITATORVERTARGET", &MO::CHAPOLDPASSWORDINITATORVERTARGET));
 };
+
+} // namespace ovra::tessel
 
 #endif

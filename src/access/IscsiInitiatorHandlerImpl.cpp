@@ -5,6 +5,8 @@
 #include "session/Texts.h"
 #include "session/Url.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 const char* const NO_CHAP = "0";

@@ -5,7 +5,7 @@
 
 #include <tessel/IscsiInitiator.h>
 
-class CIscsiInitiatorHandlerImpl : public HandlerOf<CIscsiInitiatorHandler>
+class CIscsiInitiatorHandlerImpl : public ovra::tessel::HandlerOf<CIscsiInitiatorHandler>
 {
 public:
     using HandlerOf::HandlerOf;

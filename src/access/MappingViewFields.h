@@ -5,6 +5,8 @@
 
 #include <tessel/MappingView.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<MappingViewMO>
 {
@@ -14,5 +16,7 @@ struct FieldTable<MappingViewMO>
         fields::read("DESCRIPTION", &MappingViewMO::DESCRIPTION, readers::asText),
         fields::read("ENABLEINBANDCOMMAND", &MappingViewMO::ENABLEINBANDCOMMAND, readers::asFlag));
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -5,6 +5,8 @@
 #include "session/Texts.h"
 #include "session/Url.h"
 
+using namespace ovra::tessel;
+
 MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingView)
 {
     return Operation::run("createMappingView", m_pDeviceManager, [&](Operation& op) {

@@ -5,7 +5,7 @@
 
 #include <tessel/MappingView.h>
 
-class CMappingViewHandlerImpl : public HandlerOf<CMappingViewHandler>
+class CMappingViewHandlerImpl : public ovra::tessel::HandlerOf<CMappingViewHandler>
 {
 public:
     using HandlerOf::HandlerOf;

@@ -3,6 +3,8 @@
 #include "session/DeviceManagerImpl.h"
 #include "session/Operation.h"
 
+namespace ovra::tessel {
+
 namespace {
 
 const std::map<HANDLERTYPE, const char*> MISSING = {
@@ -23,3 +25,5 @@ void AttachHandlers::fetch(Operation& op, CDeviceManagerImpl& deviceManager, HAN
     op.require(handler != nullptr, MISSING.at(type));
     m_handlers[type] = handler;
 }
+
+} // namespace ovra::tessel

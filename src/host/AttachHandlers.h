@@ -12,6 +12,9 @@
 #include <map>
 
 class CDeviceManagerImpl;
+
+namespace ovra::tessel {
+
 class Operation;
 
 /** The handlers that one attach or detach works with, fetched from the device manager in a given order. */
@@ -46,5 +49,7 @@ private:
 
     std::map<HANDLERTYPE, CHandler*> m_handlers;
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace ovra::tessel {
+
 /** Asks for one object among those of a host or LUN group: a page that no group outgrows. */
 const unsigned long WHOLE_RANGE = 65535;
 
@@ -114,5 +116,7 @@ struct SnapshotKind
         handlers.lunGroup().removeSnapshotFromLunGroup(id, lunGroupId);
     }
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -2,6 +2,8 @@
 
 #include "host/DeviceNames.h"
 
+namespace ovra::tessel {
+
 namespace {
 
 const char* const DIRECTORY = "/dev/disk/by-id/";
@@ -45,3 +47,5 @@ std::optional<ByIdLink> ByIdLink::parse(const std::string& line)
     }
     return ByIdLink{DIRECTORY + line.substr(target), identifierOf(line)};
 }
+
+} // namespace ovra::tessel

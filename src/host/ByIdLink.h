@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+namespace ovra::tessel {
+
 /** A whole disk of the listing of /dev/disk/by-id. */
 struct ByIdLink
 {
@@ -13,5 +15,7 @@ struct ByIdLink
     /** Reads a line of the listing; none when it does not end in a disk or device-mapper node. */
     static std::optional<ByIdLink> parse(const std::string& line);
 };
+
+} // namespace ovra::tessel
 
 #endif

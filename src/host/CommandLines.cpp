@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace ovra::tessel {
+
 namespace {
 
 const size_t LINE_SIZE = 1024;
@@ -65,3 +67,5 @@ bool CommandLines::next(std::string& line)
     line.clear();
     return true;
 }
+
+} // namespace ovra::tessel

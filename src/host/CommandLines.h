@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <string>
 
+namespace ovra::tessel {
+
 /** Runs a shell command; the status that system() gives. */
 int runCommand(const std::string& command);
 
@@ -30,5 +32,7 @@ public:
 private:
     std::FILE* m_output;
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace ovra::tessel {
+
 namespace {
 
 const size_t LONGEST_NAME = 31; // the kernel's limit for a disk
@@ -93,3 +95,5 @@ bool isUsableWwn(const std::string& wwn)
             wwn.c_str());
     return false;
 }
+
+} // namespace ovra::tessel

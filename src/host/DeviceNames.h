@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace ovra::tessel {
+
 // What may go from a listing into a shell command: checked here, all of it.
 
 /** sda, sdaa, ...: a whole SCSI disk. */
@@ -34,5 +36,7 @@ std::vector<std::string> wordsOf(const std::string& line);
 
 /** True for a WWN that may go into a shell command; otherwise says in the run log that nothing is done. */
 bool isUsableWwn(const std::string& wwn);
+
+} // namespace ovra::tessel
 
 #endif

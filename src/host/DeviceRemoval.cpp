@@ -9,6 +9,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace ovra::tessel {
+
 namespace {
 
 /** Writes the disk's dirty pages back: once it is removed they are lost. */
@@ -41,3 +43,5 @@ bool isReadyForRemoval(CDiskScannerHandlerImpl& scanner, const std::string& path
             device.c_str());
     return false;
 }
+
+} // namespace ovra::tessel

@@ -6,6 +6,8 @@
 #include <functional>
 #include <string>
 
+namespace ovra::tessel {
+
 /**
  * What is due before a disk is removed: says in the run log what still uses it, writes its data back, and, as
  * the last thing, asks the disk once more who it is.
@@ -15,5 +17,7 @@
  */
 bool isReadyForRemoval(CDiskScannerHandlerImpl& scanner, const std::string& path, const std::string& device,
                        const std::function<bool(const DiskIdentity&)>& isWanted);
+
+} // namespace ovra::tessel
 
 #endif

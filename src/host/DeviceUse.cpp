@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <sstream>
 
+namespace ovra::tessel {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -95,3 +97,5 @@ std::vector<std::string> usesOf(const std::string& disk, const std::string& root
     }
     return uses;
 }
+
+} // namespace ovra::tessel

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace ovra::tessel {
+
 /** Names of a disk and its partitions by device number: {"8:32": "sdc", "8:33": "sdc1"}. */
 using BlockDevices = std::map<std::string, std::string>;
 
@@ -20,5 +22,7 @@ std::vector<std::string> mountsOf(const BlockDevices& devices, const std::string
 
 /** The swap areas on these devices in the text of /proc/swaps. */
 std::vector<std::string> swapsOn(const BlockDevices& devices, const std::string& swaps);
+
+} // namespace ovra::tessel
 
 #endif

@@ -6,6 +6,8 @@
 #include <ctime>
 #include <cxxabi.h>
 
+using namespace ovra::tessel;
+
 namespace {
 
 const char* const EVERY_HOST = "0";

@@ -7,7 +7,7 @@
 
 class CMappingViewHandler;
 
-class CDiskAttachHandlerImpl : public HandlerOf<CDiskAttachHandler>
+class CDiskAttachHandlerImpl : public ovra::tessel::HandlerOf<CDiskAttachHandler>
 {
 public:
     using HandlerOf::HandlerOf;

@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace ovra::tessel {
+
 /** What a device says it is; empty texts when it cannot be read, whatever was read before. */
 struct DiskIdentity
 {
@@ -16,5 +18,7 @@ struct DiskIdentity
     std::string wwn;
     std::string lunId;
 };
+
+} // namespace ovra::tessel
 
 #endif

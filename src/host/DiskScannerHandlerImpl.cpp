@@ -3,6 +3,8 @@
 #include "host/HostRescan.h"
 #include "host/ScannedObject.h"
 
+using namespace ovra::tessel;
+
 int g_scannerInitialised = 0;
 std::atomic<bool> g_korvexInstalled{false};
 

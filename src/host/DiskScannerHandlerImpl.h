@@ -15,7 +15,7 @@ extern std::atomic<bool> g_korvexInstalled; ///< the Korvex rescan command was f
 extern std::string g_kxRescanTimeout;       ///< seconds that a Korvex rescan may take
 extern std::string g_tmpBlockCheckCmd;      ///< succeeds while there are temporary devices
 
-class CDiskScannerHandlerImpl : public HandlerOf<CDiskScannerHandler>
+class CDiskScannerHandlerImpl : public ovra::tessel::HandlerOf<CDiskScannerHandler>
 {
 public:
     CDiskScannerHandlerImpl() = default;

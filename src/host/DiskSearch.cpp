@@ -10,6 +10,8 @@
 
 #include <optional>
 
+using namespace ovra::tessel;
+
 namespace {
 
 /** What log lines call the object; null for a type that has no disk. */

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace ovra::tessel {
+
 std::string contentOf(const std::string& path)
 {
     std::string content;
@@ -17,3 +19,5 @@ std::string contentOf(const std::string& path)
     std::fclose(file);
     return content;
 }
+
+} // namespace ovra::tessel

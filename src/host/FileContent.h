@@ -3,7 +3,11 @@
 
 #include <string>
 
+namespace ovra::tessel {
+
 /** The bytes of a file; none, or what came before the error, when it cannot be read. */
 std::string contentOf(const std::string& path);
+
+} // namespace ovra::tessel
 
 #endif

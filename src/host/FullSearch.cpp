@@ -8,6 +8,8 @@
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
 
+namespace ovra::tessel {
+
 namespace {
 
 const int PASSES = 2; // the second one sees the names that udev gave to the devices renewed in the first
@@ -97,3 +99,5 @@ std::string FullSearch::run()
     }
     return std::string();
 }
+
+} // namespace ovra::tessel

@@ -6,6 +6,9 @@
 #include <string>
 
 class CDiskScannerHandlerImpl;
+
+namespace ovra::tessel {
+
 class InterfaceRecord;
 
 /** Reads the size and state of a disk again into the kernel. */
@@ -43,5 +46,7 @@ private:
     const std::string& m_objectId;
     const std::string& m_wwn;
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -12,6 +12,8 @@
 std::string g_kxRescanTimeout = "1800";
 std::string g_tmpBlockCheckCmd = "lsscsi | grep tmp-block";
 
+namespace ovra::tessel {
+
 namespace {
 
 const int LONGEST_WAIT_S = 1500;
@@ -58,3 +60,5 @@ void rescanHost(bool withKorvex)
     COMMLOG(OS_LOG_INFO, "============Rescan -r success=============\n");
     waitForTemporaryDevices();
 }
+
+} // namespace ovra::tessel

@@ -1,6 +1,8 @@
 #ifndef HOST_HOSTRESCAN_H
 #define HOST_HOSTRESCAN_H
 
+namespace ovra::tessel {
+
 /** Looks for the Korvex multipath product's rescan command. */
 bool isKorvexFound();
 
@@ -9,5 +11,7 @@ bool isKorvexFound();
  * script, and waits, at most 25 minutes, until the temporary devices of the former are gone.
  */
 void rescanHost(bool withKorvex);
+
+} // namespace ovra::tessel
 
 #endif

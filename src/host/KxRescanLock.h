@@ -21,6 +21,8 @@ public:
     int ReleaseLock();
 };
 
+namespace ovra::tessel {
+
 /** Holds the rescan lock until it goes out of scope. */
 class HeldRescanLock
 {
@@ -41,5 +43,7 @@ private:
     KxRescanLock& m_lock;
     const bool m_held;
 };
+
+} // namespace ovra::tessel
 
 #endif

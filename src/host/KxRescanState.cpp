@@ -14,6 +14,8 @@ int GetScanState()
     return g_scanState;
 }
 
+namespace ovra::tessel {
+
 void waitForScanEnd()
 {
     std::unique_lock<std::mutex> lock(g_scanLunMutex);
@@ -35,3 +37,5 @@ RunningScan::~RunningScan()
         end();
     }
 }
+
+} // namespace ovra::tessel

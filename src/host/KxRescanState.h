@@ -20,6 +20,8 @@ extern std::condition_variable g_scanlunEndCond; ///< the scan state has become 
 void SetScanState(KxRescanState state);
 int GetScanState();
 
+namespace ovra::tessel {
+
 /** Waits until no snapshot scan of this process is rescanning. */
 void waitForScanEnd();
 
@@ -38,5 +40,7 @@ public:
 private:
     bool m_ended = false;
 };
+
+} // namespace ovra::tessel
 
 #endif

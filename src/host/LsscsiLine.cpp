@@ -1,5 +1,7 @@
 #include "host/LsscsiLine.h"
 
+namespace ovra::tessel {
+
 namespace {
 
 const std::string DEV = "/dev/";
@@ -30,3 +32,5 @@ std::optional<ScsiAddress> addressOfLine(const std::string& line, const std::str
     }
     return ScsiAddress::parse(line.substr(1, end - 1));
 }
+
+} // namespace ovra::tessel

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+namespace ovra::tessel {
+
 /** The command that lists the SCSI devices. */
 inline constexpr const char* LSSCSI = "lsscsi";
 
@@ -14,5 +16,7 @@ std::optional<std::string> diskOfLine(const std::string& line);
 
 /** The address that a line of lsscsi begins with, if it is the line of this device. */
 std::optional<ScsiAddress> addressOfLine(const std::string& line, const std::string& device);
+
+} // namespace ovra::tessel
 
 #endif

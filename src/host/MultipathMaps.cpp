@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace ovra::tessel {
+
 namespace {
 
 const int FIRST_PATH_LINE = 3; // behind a map's own line: its size, its first path group, the first path
@@ -36,3 +38,5 @@ std::optional<std::string> firstPathOf(const std::string& node, const Lines& lin
     const auto disk = std::find_if(words.begin(), words.end(), isDiskName);
     return disk == words.end() ? std::nullopt : std::make_optional(*disk);
 }
+
+} // namespace ovra::tessel

@@ -5,7 +5,11 @@
 #include <string>
 #include <vector>
 
+namespace ovra::tessel {
+
 /** The first path device, e.g. sdc, of a device-mapper node, e.g. dm-3, in what multipath -ll prints. */
 std::optional<std::string> firstPathOf(const std::string& node, const std::vector<std::string>& lines);
+
+} // namespace ovra::tessel
 
 #endif

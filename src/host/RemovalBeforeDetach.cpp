@@ -7,6 +7,8 @@
 
 #include <set>
 
+using namespace ovra::tessel;
+
 namespace {
 
 const int PASSES = 5;

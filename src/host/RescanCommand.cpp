@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace ovra::tessel {
+
 namespace {
 
 const char* const RESCAN_AND_REMOVE = "rescan-scsi-bus.sh -r >/dev/null 2>&1";
@@ -84,3 +86,5 @@ std::string rescanCommand()
         script.c_str());
     return RESCAN_ONLY;
 }
+
+} // namespace ovra::tessel

@@ -3,6 +3,8 @@
 
 #include <string>
 
+namespace ovra::tessel {
+
 /**
  * The command that rescans the SCSI buses and, where that is safe, removes the disks that are gone.
  *
@@ -23,5 +25,7 @@ bool readsOnlyOldInquiry(const std::string& script);
  * in the program tell, so that no disk needs to be asked and no version number be known.
  */
 bool printsOldInquiry(const std::string& sgInq);
+
+} // namespace ovra::tessel
 
 #endif

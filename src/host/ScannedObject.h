@@ -11,6 +11,8 @@
 #include <optional>
 #include <string>
 
+namespace ovra::tessel {
+
 /** What scanning differs in between LUNs and snapshots. */
 struct ScannedLun
 {
@@ -53,5 +55,7 @@ auto readScanned(Operation& op, CDeviceManagerImpl* deviceManager, const std::st
     }
     return Object::read(*handler, id);
 }
+
+} // namespace ovra::tessel
 
 #endif

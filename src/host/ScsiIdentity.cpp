@@ -10,6 +10,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+using namespace ovra::tessel;
+
 namespace {
 
 const unsigned int PAGE_BYTES = 256;

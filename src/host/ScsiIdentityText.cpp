@@ -7,6 +7,8 @@
 
 #include <cstring>
 
+using namespace ovra::tessel;
+
 namespace {
 
 // Of the page: a header of 4 bytes, then the first designator, with a header of 4 bytes of its own.

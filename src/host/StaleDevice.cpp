@@ -8,6 +8,8 @@
 
 #include <unistd.h>
 
+namespace ovra::tessel {
+
 const char* const SEARCH_SEPARATOR = "=========================================\n";
 
 namespace {
@@ -90,3 +92,5 @@ StaleDevice::Outcome StaleDevice::renew()
     }
     return Outcome::RENEWED;
 }
+
+} // namespace ovra::tessel

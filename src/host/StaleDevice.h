@@ -6,6 +6,9 @@
 #include <string>
 
 class CDiskScannerHandlerImpl;
+
+namespace ovra::tessel {
+
 class InterfaceRecord;
 
 /** Closes a step of the search in the run log. */
@@ -47,5 +50,7 @@ private:
     const std::string& m_path;
     const std::string& m_wwn;
 };
+
+} // namespace ovra::tessel
 
 #endif

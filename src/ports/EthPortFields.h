@@ -5,6 +5,8 @@
 
 #include <tessel/ETHPort.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<ETHPortMO>
 {
@@ -29,5 +31,7 @@ struct FieldTable<ETHPortMO>
         fields::read("IPV6MASK", &MO::IPV6MASK, readers::asText),
         fields::read("IPV6ADDRESS", &MO::IPV6ADDRESS, readers::asText));
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -3,6 +3,8 @@
 #include "ports/EthPortFields.h"
 #include "ports/PortOperations.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 const char* const RESOURCE = "/ETH_PORT";

@@ -5,7 +5,7 @@
 
 #include <tessel/ETHPort.h>
 
-class CEthPortHandlerImpl : public HandlerOf<CETHPortHandler>
+class CEthPortHandlerImpl : public ovra::tessel::HandlerOf<CETHPortHandler>
 {
 public:
     using HandlerOf::HandlerOf;

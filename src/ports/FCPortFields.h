@@ -5,6 +5,8 @@
 
 #include <tessel/FCPort.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<FCPortMO>
 {
@@ -28,5 +30,7 @@ struct FieldTable<FCPortMO>
         fields::read("FLOGINDELAYTIMES", &MO::FLOGINDELAYTIMES, readers::asUl),
         fields::read("MAXSUPPORTSPEED", &MO::MAXSUPPORTSPEED, readers::asUl));
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -3,6 +3,8 @@
 #include "ports/FCPortFields.h"
 #include "ports/PortOperations.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 const char* const RESOURCE = "/FC_PORT";

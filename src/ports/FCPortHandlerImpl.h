@@ -5,7 +5,7 @@
 
 #include <tessel/FCPort.h>
 
-class CFCPortHandlerImpl : public HandlerOf<CFCPortHandler>
+class CFCPortHandlerImpl : public ovra::tessel::HandlerOf<CFCPortHandler>
 {
 public:
     using HandlerOf::HandlerOf;

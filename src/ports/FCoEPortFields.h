@@ -5,6 +5,8 @@
 
 #include <tessel/FCoEPort.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<FCoEPortMO>
 {
@@ -24,5 +26,7 @@ struct FieldTable<FCoEPortMO>
         fields::read("STARTTIME", &MO::STARTTIME, readers::asUl),
         fields::read("VLANID", &MO::VLANID, readers::asText));
 };
+
+} // namespace ovra::tessel
 
 #endif

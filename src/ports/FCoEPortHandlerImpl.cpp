@@ -3,6 +3,8 @@
 #include "ports/FCoEPortFields.h"
 #include "ports/PortOperations.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 const char* const RESOURCE = "/FCoE_PORT";

@@ -5,7 +5,7 @@
 
 #include <tessel/FCoEPort.h>
 
-class CFCoEPortHandlerImpl : public HandlerOf<CFCoEPortHandler>
+class CFCoEPortHandlerImpl : public ovra::tessel::HandlerOf<CFCoEPortHandler>
 {
 public:
     using HandlerOf::HandlerOf;

@@ -4,6 +4,8 @@
 #include "session/Operation.h"
 #include "session/Url.h"
 
+namespace ovra::tessel {
+
 /** The two operations of every kind of port; the kinds differ in their names, their resource and their
  * record. */
 namespace ports {
@@ -31,5 +33,7 @@ auto readBatch(const char* operation, CDeviceManagerImpl* deviceManager, const s
 }
 
 } // namespace ports
+
+} // namespace ovra::tessel
 
 #endif

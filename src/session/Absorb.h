@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace ovra::tessel {
+
 /** What the warnings of an exchange say whose failures are not passed on; the caller's name follows each. */
 struct Absorbed
 {
@@ -35,5 +37,7 @@ void absorb(const Absorbed& texts, const std::string& callerName, Exchange excha
         warn(texts.otherwise);
     }
 }
+
+} // namespace ovra::tessel
 
 #endif

@@ -10,6 +10,8 @@
 #include <memory>
 #include <vector>
 
+using namespace ovra::tessel;
+
 unsigned int gRetryTimes = 0;
 unsigned int gRetrySleepTimeMicroSeconds = 500000;
 

@@ -11,6 +11,8 @@
 #include <tuple>
 #include <type_traits>
 
+namespace ovra::tessel {
+
 /**
  * One field of a record: its name, the JSON key that it is read from, and how. A record's fields are declared
  * once, in a specialisation of FieldTable; reading answers, writing filters and walking records all go by
@@ -152,5 +154,7 @@ const char* keyOf(T Record::*member)
     std::apply([&](const auto&... field) { (consider(field), ...); }, FieldTable<Record>::fields);
     return key;
 }
+
+} // namespace ovra::tessel
 
 #endif

@@ -3,6 +3,8 @@
 
 class CDeviceManagerImpl;
 
+namespace ovra::tessel {
+
 /** What every handler implementation is beside its interface: it knows the device manager that made it. */
 template <class Interface>
 class HandlerOf : public Interface
@@ -15,5 +17,7 @@ public:
 protected:
     CDeviceManagerImpl* m_pDeviceManager = nullptr; ///< not owned
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -8,6 +8,8 @@
 #include <ctime>
 #include <utility>
 
+namespace ovra::tessel {
+
 namespace {
 
 timeval now()
@@ -46,3 +48,5 @@ void InterfaceRecord::write(int result) const
     const auto log = result == RESULT_SUCCESS ? Log_Interface_Info : Log_Interface_Error;
     log(PRODUCT_TAG, "1", "", m_operation.c_str(), "", "", "", start.text, end.text, code, "");
 }
+
+} // namespace ovra::tessel

@@ -4,6 +4,8 @@
 #include <string>
 #include <sys/time.h>
 
+namespace ovra::tessel {
+
 /** Result codes that the SDK itself gives; the others are the REST library's and the array's. */
 const int RESULT_SUCCESS = 0;
 const int RESULT_BAD_ARGUMENT = 1;
@@ -21,5 +23,7 @@ private:
     std::string m_operation;
     timeval m_start;
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string>
 
-const char* const PRODUCT_TAG = "Ovra-Tessel-API-linux-Cpp";
+using namespace ovra::tessel;
 
 namespace {
 
@@ -20,7 +20,8 @@ const RunLog RUN_LOGS[] = {Log_Run_Debug, Log_Run_Info, Log_Run_Warn, Log_Run_Er
 
 } // namespace
 
-int findModuleDirectory(std::FILE* maps, const char* moduleName, char* dir, unsigned int dirSize)
+int ovra::tessel::findModuleDirectory(std::FILE* maps, const char* moduleName, char* dir,
+                                      unsigned int dirSize)
 {
     char line[PATH_SIZE];
     while (std::fgets(line, sizeof(line), maps) != nullptr) {

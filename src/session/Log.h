@@ -11,9 +11,6 @@ enum OS_LOGLEVEL : int
     OS_LOG_ERROR = 3
 };
 
-/** Names this SDK in every line and record of the logs. */
-extern const char* const PRODUCT_TAG;
-
 /** Starts logging: the configuration file and the directory logs/ are found beside the log library. 0 or -1.
  */
 int LOG_INIT();
@@ -27,10 +24,17 @@ void COMMLOG(OS_LOGLEVEL level, const char* format, ...) __attribute__((format(p
 /** The directory that a shared library of this process was loaded from; 0, or -1 and dir left as it was. */
 int GetModuleFilePath(const char* moduleName, char* dir, unsigned int dirSize);
 
-/** The same out of an open listing in the format of /proc/self/maps. */
-int findModuleDirectory(std::FILE* maps, const char* moduleName, char* dir, unsigned int dirSize);
-
 /** The directory of the log library; dir is left as it was when it is not found. */
 void getCurrentPath(char* dir, unsigned int dirSize);
+
+namespace ovra::tessel {
+
+/** Names this SDK in every line and record of the logs. */
+inline constexpr const char* PRODUCT_TAG = "Ovra-Tessel-API-linux-Cpp";
+
+/** GetModuleFilePath out of an open listing in the format of /proc/self/maps. */
+int findModuleDirectory(std::FILE* maps, const char* moduleName, char* dir, unsigned int dirSize);
+
+} // namespace ovra::tessel
 
 #endif

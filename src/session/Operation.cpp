@@ -4,6 +4,8 @@
 
 #include <cxxabi.h>
 
+namespace ovra::tessel {
+
 namespace {
 
 // The result code of the innermost failure on this thread: OvraAPIException carries none, and the operations
@@ -173,3 +175,5 @@ void Operation::failed()
         throw unreadable;
     }
 }
+
+} // namespace ovra::tessel

@@ -17,6 +17,9 @@
 #include <vector>
 
 class CDeviceManagerImpl;
+
+namespace ovra::tessel {
+
 class Operation;
 
 /** Under which names an operation shows itself; for most of them all are the same. */
@@ -193,5 +196,7 @@ auto retryWhile(std::initializer_list<int> codes, const char* retryLine, Call ca
         usleep(gRetrySleepTimeMicroSeconds);
     }
 }
+
+} // namespace ovra::tessel
 
 #endif

@@ -7,8 +7,12 @@ extern unsigned int gRetryTimes;
 /** Pause before each of these reads, in microseconds. */
 extern unsigned int gRetrySleepTimeMicroSeconds;
 
+namespace ovra::tessel {
+
 /** The array's answers while a new object is not yet readable, or a LUN group is busy. */
 const int NOT_YET_READABLE = 1077949006;
 const int LUNGROUP_BUSY = 1077949001;
+
+} // namespace ovra::tessel
 
 #endif

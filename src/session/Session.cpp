@@ -8,6 +8,8 @@
 
 #include <vector>
 
+using namespace ovra::tessel;
+
 namespace {
 
 const unsigned int MAX_PORT = 65535;

@@ -4,6 +4,8 @@
 
 #include <ovra/rest/RestRequest.h>
 
+namespace ovra::tessel {
+
 SessionCall::SessionCall(const Texts& texts)
     : m_texts(texts), m_record(texts.name != nullptr ? texts.name : std::string())
 {
@@ -46,3 +48,5 @@ void SessionCall::unreadable() const
     COMMLOG(OS_LOG_ERROR, "%s", m_texts.noAnswer);
     record(REST_ANSWER_UNREADABLE);
 }
+
+} // namespace ovra::tessel

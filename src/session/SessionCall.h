@@ -8,6 +8,8 @@
 #include <cxxabi.h>
 #include <string>
 
+namespace ovra::tessel {
+
 /** One call of a session operation: its result is a bool, and nothing is thrown to its caller. */
 class SessionCall
 {
@@ -59,5 +61,7 @@ private:
     const Texts& m_texts;
     InterfaceRecord m_record;
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -3,6 +3,8 @@
 #include <mutex>
 #include <set>
 
+namespace ovra::tessel {
+
 namespace {
 
 struct Keys
@@ -30,3 +32,5 @@ void SessionKeys::release(unsigned int key)
     const std::lock_guard<std::mutex> lock(keys().mutex);
     keys().live.erase(key);
 }
+
+} // namespace ovra::tessel

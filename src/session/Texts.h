@@ -1,6 +1,8 @@
 #ifndef SESSION_TEXTS_H
 #define SESSION_TEXTS_H
 
+namespace ovra::tessel {
+
 /** Messages that several operations share; the operation's name follows the closing blank. */
 namespace texts {
 
@@ -15,5 +17,7 @@ constexpr const char* FC_INITIATOR_ID_EMPTY = "fcInitiatorID is empty! ";
 constexpr const char* NO_DEVICE_MANAGER = "deviceManage is NULL! ";
 
 } // namespace texts
+
+} // namespace ovra::tessel
 
 #endif

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace ovra::tessel {
+
 std::string urlValue(const std::string& text)
 {
     static const char HEX[] = "0123456789ABCDEF";
@@ -35,3 +37,5 @@ std::string rangeOf(unsigned long start, unsigned long count, const char* separa
     return std::string(separator) + "range=[" + std::to_string(start) + "-" + std::to_string(start + count) +
            "]";
 }
+
+} // namespace ovra::tessel

@@ -7,6 +7,8 @@
 
 #include <string>
 
+namespace ovra::tessel {
+
 /**
  * A text of the caller's inside a path: what would end it, or begin something else, is percent-encoded, so
  * that no name adds a condition and no ID reaches another resource.
@@ -42,5 +44,7 @@ std::string filterOf(const Record& record, Members... members)
     (consider(members), ...);
     return filter.empty() ? filter : filter + "&";
 }
+
+} // namespace ovra::tessel
 
 #endif

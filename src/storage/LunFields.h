@@ -5,6 +5,8 @@
 
 #include <tessel/Lun.h>
 
+namespace ovra::tessel {
+
 namespace readers {
 
 inline void poolType(uint32_t& out, Json::Value&, const char*)
@@ -56,5 +58,7 @@ struct FieldTable<LunMO>
         fields::read("WORKINGCONTROLLER", &LunMO::WORKINGCONTROLLER, readers::asText),
         fields::read("ISADD2LUNGROUP", &LunMO::ISADD2LUNGROUP, readers::asFlag));
 };
+
+} // namespace ovra::tessel
 
 #endif

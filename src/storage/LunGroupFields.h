@@ -5,6 +5,8 @@
 
 #include <tessel/LunGroup.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<LunGroupMO>
 {
@@ -16,5 +18,7 @@ struct FieldTable<LunGroupMO>
                         fields::read("APPTYPE", &LunGroupMO::APPTYPE, readers::asUl),
                         fields::read("GROUPTYPE", &LunGroupMO::GROUPTYPE, readers::asUl));
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -6,6 +6,8 @@
 #include "session/Url.h"
 #include "storage/LunGroupFields.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 // The array's answers to an addition or removal that finds its work done.

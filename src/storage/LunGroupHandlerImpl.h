@@ -5,7 +5,7 @@
 
 #include <tessel/LunGroup.h>
 
-class CLunGroupHandlerImpl : public HandlerOf<CLunGroupHandler>
+class CLunGroupHandlerImpl : public ovra::tessel::HandlerOf<CLunGroupHandler>
 {
 public:
     using HandlerOf::HandlerOf;

@@ -5,6 +5,8 @@
 #include "session/Url.h"
 #include "storage/LunFields.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 const unsigned int SECTOR_SHIFT = 9; // 512-byte sectors

@@ -19,7 +19,7 @@ struct CLunUserSettableFeature
     uint32_t reserved3 = 0;       ///< not sent
 };
 
-class CLunHandlerImpl : public HandlerOf<CLunHandler>
+class CLunHandlerImpl : public ovra::tessel::HandlerOf<CLunHandler>
 {
 public:
     using HandlerOf::HandlerOf;

@@ -5,6 +5,8 @@
 
 #include <tessel/Snapshot.h>
 
+namespace ovra::tessel {
+
 template <>
 struct FieldTable<SnapshotMO>
 {
@@ -21,5 +23,7 @@ struct FieldTable<SnapshotMO>
                         fields::read("CONSUMEDCAPACITY", &SnapshotMO::CONSUMEDCAPACITY, readers::asUll),
                         fields::read("WWN", &SnapshotMO::WWN, readers::asText));
 };
+
+} // namespace ovra::tessel
 
 #endif

@@ -5,6 +5,8 @@
 #include "session/Url.h"
 #include "storage/SnapshotFields.h"
 
+using namespace ovra::tessel;
+
 SnapshotMO CSnapshotHandlerImpl::getSnapshot(const std::string& snapshotID)
 {
     return Operation::run("getSnapshot", m_pDeviceManager, [&](Operation& op) {

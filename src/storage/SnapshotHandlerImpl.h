@@ -5,7 +5,7 @@
 
 #include <tessel/Snapshot.h>
 
-class CSnapshotHandlerImpl : public HandlerOf<CSnapshotHandler>
+class CSnapshotHandlerImpl : public ovra::tessel::HandlerOf<CSnapshotHandler>
 {
 public:
     using HandlerOf::HandlerOf;

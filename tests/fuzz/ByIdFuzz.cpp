@@ -3,6 +3,8 @@
 #include "host/ByIdLink.h"
 #include "host/DeviceNames.h"
 
+using namespace ovra::tessel;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     for (const std::string& line : linesOf(textOf(data, size))) {

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace ovra::tessel;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     HostSeam seam;

@@ -2,6 +2,8 @@
 
 #include "host/LsscsiLine.h"
 
+using namespace ovra::tessel;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     for (const std::string& line : linesOf(textOf(data, size))) {

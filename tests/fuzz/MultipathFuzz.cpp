@@ -3,6 +3,8 @@
 #include "host/DeviceNames.h"
 #include "host/MultipathMaps.h"
 
+using namespace ovra::tessel;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string text = textOf(data, size);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+using namespace ovra::tessel;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     std::vector<unsigned char> page(data, data + std::min<size_t>(size, 256));

@@ -2,6 +2,8 @@
 
 #include "host/RescanCommand.h"
 
+using namespace ovra::tessel;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string text = textOf(data, size);

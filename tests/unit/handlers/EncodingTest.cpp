@@ -4,6 +4,8 @@
 
 #include "session/Url.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 using namespace handlers;

@@ -22,6 +22,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using namespace ovra::tessel;
+
 /** A device manager over the recording platform; after each test every log call is checked for its form. */
 class HandlerTest : public testing::Test
 {

@@ -2,6 +2,8 @@
 
 #include "host/CommandLines.h"
 
+using namespace ovra::tessel;
+
 using testing::ElementsAre;
 
 class ListingLines : public ScannerTest

@@ -5,6 +5,8 @@
 #include "host/LsscsiLine.h"
 #include "host/MultipathMaps.h"
 
+using namespace ovra::tessel;
+
 using testing::ElementsAre;
 
 namespace {

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+using namespace ovra::tessel;
+
 using testing::ElementsAre;
 namespace fs = std::filesystem;
 

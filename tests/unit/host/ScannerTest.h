@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+using namespace ovra::tessel;
+
 // Commands as the host sees them.
 inline const char* const WHICH = "which kxRescan >/dev/null 2>&1";
 inline const char* const KORVEX = "timeout 1800 kxRescan 2>/dev/null";

@@ -16,6 +16,8 @@
 #include <set>
 #include <thread>
 
+using namespace ovra::tessel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -15,6 +15,8 @@
 #include <thread>
 #include <unistd.h>
 
+using namespace ovra::tessel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -4,6 +4,8 @@
 
 #include "storage/LunHandlerImpl.h"
 
+using namespace ovra::tessel;
+
 namespace {
 
 using testing::ElementsAre;

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace ovra::tessel;
+
 namespace {
 
 using layout::members;

@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace ovra::tessel;
+
 namespace {
 
 using layout::slots;
