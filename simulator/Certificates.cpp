@@ -30,7 +30,7 @@ using Certificate = std::unique_ptr<X509, Deleter<X509, X509_free>>;
 using Key = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY, EVP_PKEY_free>>;
 using File = std::unique_ptr<std::FILE, Deleter<std::FILE, closeFile>>;
 
-constexpr long day = 24L * 60 * 60;
+constexpr long DAY = 24L * 60 * 60;
 
 void must(bool succeeded, const std::string& what)
 {
@@ -78,7 +78,7 @@ void extend(X509* certificate, X509* issuer, int extension, const std::string& v
     X509_EXTENSION_free(made);
 }
 
-/// A certificate for the key without extensions and signature; issuer null: its own.
+/** A certificate for the key without extensions and signature; issuer null: its own. */
 Certificate unsignedCertificate(const Key& key, const std::string& name, X509* issuer, long days)
 {
     Certificate certificate(X509_new());
@@ -90,8 +90,8 @@ Certificate unsignedCertificate(const Key& key, const std::string& name, X509* i
     BN_to_ASN1_INTEGER(number, X509_get_serialNumber(certificate.get()));
     BN_free(number);
     X509_set_version(certificate.get(), X509_VERSION_3);
-    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -day);
-    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), days * day);
+    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -DAY);
+    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), days * DAY);
     X509_set_pubkey(certificate.get(), key.get());
     X509_NAME* subject = X509_get_subject_name(certificate.get());
     X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_UTF8,
@@ -122,7 +122,7 @@ bool fits(X509* certificate, const std::string& address)
     const bool named = isIpAddress(address)
                            ? X509_check_ip_asc(certificate, address.c_str(), 0) == 1
                            : X509_check_host(certificate, address.c_str(), 0, 0, nullptr) == 1;
-    time_t tomorrow = std::time(nullptr) + day;
+    time_t tomorrow = std::time(nullptr) + DAY;
     return named && X509_cmp_time(X509_get0_notAfter(certificate), &tomorrow) > 0;
 }
 

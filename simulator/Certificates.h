@@ -1,10 +1,11 @@
-#pragma once
+#ifndef SIMULATOR_CERTIFICATES_H
+#define SIMULATOR_CERTIFICATES_H
 
 #include <string>
 
 namespace arraysim {
 
-/// Where the array's certificate and its authority lie in the state directory.
+/** Where the array's certificate and its authority lie in the state directory. */
 struct CertificateFiles
 {
     std::string ca;          ///< ca.pem: what clients are given to trust
@@ -12,11 +13,15 @@ struct CertificateFiles
     std::string key;         ///< server.key
 };
 
-/// Makes an authority on the first start, and a server certificate for the loopback names and the address
-/// when there is none that fits and stays valid for a day. Throws std::runtime_error.
+/**
+ * Makes an authority on the first start, and a server certificate for the loopback names and the address
+ * when there is none that fits and stays valid for a day. Throws std::runtime_error.
+ */
 CertificateFiles provideCertificates(const std::string& stateDir, const std::string& address);
 
-/// The hash of a certificate's public key as clients pin it: "sha256//" and base64.
+/** The hash of a certificate's public key as clients pin it: "sha256//" and base64. */
 std::string pinnedKey(const std::string& certificateFile);
 
 } // namespace arraysim
+
+#endif

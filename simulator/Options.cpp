@@ -1,7 +1,7 @@
 #include "Options.h"
 
 #include "StateDir.h"
-#include "wire/Codes.h"
+#include "base/Codes.h"
 #include "wire/Sessions.h"
 
 #include <CLI/CLI.hpp>
@@ -14,12 +14,12 @@
 namespace arraysim {
 namespace {
 
-const char* const about =
+constexpr const char* ABOUT =
     "A block-storage array on this machine, to develop and test clients against: its management\n"
     "interface over HTTPS with JSON, sessions, objects that are kept across restarts, and the rules and\n"
     "error codes of a strict array. See docs/simulator.md for the interfaces and the codes.";
 
-const char* const more =
+constexpr const char* FOOTER =
     "The password is taken from --password-file, else from the environment variable\n"
     "TESSEL_ARRAYSIM_PASSWORD, else it is made at the first start and kept in the file \"password\" of the\n"
     "state directory. Clients trust the file ca.pem of the state directory.\n\n"
@@ -37,9 +37,9 @@ void printCodes()
 
 bool readOptions(int argc, char** argv, Options& options, int& status)
 {
-    CLI::App app(about, "tessel-arraysim");
+    CLI::App app(ABOUT, "tessel-arraysim");
     bool codes = false;
-    app.footer(more);
+    app.footer(FOOTER);
     app.set_version_flag("--version", ARRAYSIM_VERSION);
     const char* const place = "Where it lives and listens";
     app.add_option("--state-dir", options.stateDir, "Keeps objects and certificates; made if missing")

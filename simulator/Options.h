@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_OPTIONS_H
+#define SIMULATOR_OPTIONS_H
 
 #include "model/World.h"
 
@@ -6,7 +7,7 @@
 
 namespace arraysim {
 
-/// What the command line asks for.
+/** What the command line asks for. */
 struct Options
 {
     std::string stateDir = "tessel-arraysim.state";
@@ -28,11 +29,15 @@ struct Options
     bool stopOnStdinEof = false;
 };
 
-/// Reads the command line. @return false when the program has nothing more to do and ends with status.
+/** Reads the command line. @return false when the program has nothing more to do and ends with status. */
 bool readOptions(int argc, char** argv, Options& options, int& status);
 
-/// The password that logins must give: of the file, of TESSEL_ARRAYSIM_PASSWORD, or one that is made at
-/// the first start and kept in the state directory. Throws std::runtime_error.
+/**
+ * The password that logins must give: of the file, of TESSEL_ARRAYSIM_PASSWORD, or one that is made at
+ * the first start and kept in the state directory. Throws std::runtime_error.
+ */
 std::string loginPassword(const Options& options, const std::string& keptIn);
 
 } // namespace arraysim
+
+#endif

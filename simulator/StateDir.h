@@ -1,14 +1,15 @@
-#pragma once
+#ifndef SIMULATOR_STATEDIR_H
+#define SIMULATOR_STATEDIR_H
 
 #include <string>
 
 namespace arraysim {
 
-/// The directory that keeps an array's objects and certificates, for one process at a time.
+/** The directory that keeps an array's objects and certificates, for one process at a time. */
 class StateDir
 {
 public:
-    /// Makes the directory where it is missing, for its owner alone. Throws std::runtime_error.
+    /** Makes the directory where it is missing, for its owner alone. Throws std::runtime_error. */
     explicit StateDir(const std::string& path);
     ~StateDir();
     StateDir(const StateDir&) = delete;
@@ -22,10 +23,12 @@ private:
     int m_lock = -1;
 };
 
-/// The first line of a file. Throws std::runtime_error.
+/** The first line of a file. Throws std::runtime_error. */
 std::string firstLine(const std::string& file);
 
-/// Writes a file that readers see whole or not at all. Throws std::runtime_error.
+/** Writes a file that readers see whole or not at all. Throws std::runtime_error. */
 void writeWhole(const std::string& file, const std::string& text, unsigned mode);
 
 } // namespace arraysim
+
+#endif

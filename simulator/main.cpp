@@ -14,7 +14,7 @@ using namespace arraysim;
 
 namespace {
 
-/// Tells in the log what initiators begin and cease to see.
+/** Tells in the log what initiators begin and cease to see. */
 class ExposureLog : public ExposureObserver
 {
 public:
@@ -38,7 +38,7 @@ sigset_t stopSignals()
     return signals;
 }
 
-/// Turns the end of the standard input into a SIGTERM for this process.
+/** Turns the end of the standard input into a SIGTERM for this process. */
 void stopWithStdin()
 {
     std::thread([] {

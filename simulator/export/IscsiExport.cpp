@@ -1,8 +1,8 @@
 #include "export/IscsiExport.h"
 
+#include "base/Text.h"
 #include "model/Record.h"
 #include "types/Common.h"
-#include "wire/Query.h"
 
 #include <fstream>
 
@@ -13,13 +13,13 @@ namespace {
 
 std::string storeName(const ObjectKey& object)
 {
-    return (object.first == Type::lun ? "lun_" : "snapshot_") + object.second;
+    return (object.first == Type::LUN ? "lun_" : "snapshot_") + object.second;
 }
 
 uintmax_t capacity(const Object& object)
 {
     const char* const key = object.values.count("CAPACITY") != 0 ? "CAPACITY" : "USERCAPACITY";
-    return decimal(object.value(key)).value_or(0) * sectorSize;
+    return decimal(object.value(key)).value_or(0) * SECTOR_SIZE;
 }
 
 } // namespace
@@ -29,7 +29,7 @@ IscsiExport::IscsiExport(World& world, Journal& journal, const std::string& iqn,
 {
     fs::create_directories(m_files);
     const auto lock = m_world.lock();
-    for (const Type type : {Type::lun, Type::snapshot}) {
+    for (const Type type : {Type::LUN, Type::SNAPSHOT}) {
         for (const auto& [id, object] : m_world.all(type)) {
             for (const ObjectKey& initiator : exposedInitiators(m_world, {type, id})) {
                 IscsiExport::exposureChanged({type, id}, initiator, true);
@@ -46,7 +46,7 @@ IscsiExport::~IscsiExport()
 
 void IscsiExport::exposureChanged(const ObjectKey& lunOrSnapshot, const ObjectKey& initiator, bool appeared)
 {
-    if (initiator.first != Type::iscsiInitiator) {
+    if (initiator.first != Type::ISCSI_INITIATOR) {
         return;
     }
     tryTo((appeared ? "map " : "unmap ") + storeName(lunOrSnapshot) + " for " + initiator.second, [&] {
@@ -62,9 +62,9 @@ void IscsiExport::linkChanges(const ObjectKey& owner, const ObjectKey& member)
 {
     for (const ObjectKey& object : {owner, member}) {
         const bool isSnapshot =
-            object.first == Type::snapshot && (owner.first == Type::lun || member.first == Type::lun);
-        const bool isLun = object.first == Type::lun &&
-                           (owner.first == Type::storagePool || member.first == Type::storagePool);
+            object.first == Type::SNAPSHOT && (owner.first == Type::LUN || member.first == Type::LUN);
+        const bool isLun = object.first == Type::LUN &&
+                           (owner.first == Type::STORAGE_POOL || member.first == Type::STORAGE_POOL);
         if (isSnapshot || isLun) {
             m_touched.insert(object);
         }
@@ -79,7 +79,7 @@ void IscsiExport::committed()
         tryTo("keep the data of " + storeName(object), [&] {
             if (m_world.find(object.first, object.second) == nullptr) {
                 fs::remove(fileOf(object));
-            } else if (object.first == Type::snapshot) {
+            } else if (object.first == Type::SNAPSHOT) {
                 provided(object);
             }
         });
@@ -96,8 +96,8 @@ StoreFacts IscsiExport::provided(const ObjectKey& object) const
     const Object& known = m_world.at(object.first, object.second);
     const fs::path file = fileOf(object);
     if (!fs::exists(file)) {
-        if (object.first == Type::snapshot) {
-            const fs::path source = fileOf({Type::lun, *m_world.linked(object, Type::lun).begin()});
+        if (object.first == Type::SNAPSHOT) {
+            const fs::path source = fileOf({Type::LUN, *m_world.linked(object, Type::LUN).begin()});
             if (fs::exists(source)) {
                 fs::copy_file(source, file);
             }

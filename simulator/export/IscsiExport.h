@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_EXPORT_ISCSIEXPORT_H
+#define SIMULATOR_EXPORT_ISCSIEXPORT_H
 
 #include "export/KernelTarget.h"
 #include "model/Exposure.h"
@@ -6,13 +7,15 @@
 
 namespace arraysim {
 
-/// Real disks behind the array: what mapping views expose to iSCSI initiators is mapped for them in the
-/// kernel's target, from files in a directory. A snapshot holds what its LUN held when it was made. What
-/// the kernel refuses is told in the log; the array's own state goes on without it.
+/**
+ * Real disks behind the array: what mapping views expose to iSCSI initiators is mapped for them in the
+ * kernel's target, from files in a directory. A snapshot holds what its LUN held when it was made. What
+ * the kernel refuses is told in the log; the array's own state goes on without it.
+ */
 class IscsiExport : public ExposureObserver, public LinkObserver
 {
 public:
-    /// Maps what is exposed already.
+    /** Maps what is exposed already. */
     IscsiExport(World& world, Journal& journal, const std::string& iqn, std::filesystem::path files);
     ~IscsiExport() override;
 
@@ -36,3 +39,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

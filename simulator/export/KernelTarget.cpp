@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 namespace arraysim {
 namespace {
 
-const fs::path root = "/sys/kernel/config/target";
+const fs::path ROOT = "/sys/kernel/config/target";
 
 void writeTo(const fs::path& attribute, const std::string& value)
 {
@@ -18,7 +18,7 @@ void writeTo(const fs::path& attribute, const std::string& value)
     }
 }
 
-/// The directory prefix + the lowest number from first on that does not exist, made.
+/** The directory prefix + the lowest number from first on that does not exist, made. */
 fs::path makeNext(const fs::path& in, const std::string& prefix, int first)
 {
     for (int number = first;; ++number) {
@@ -30,7 +30,7 @@ fs::path makeNext(const fs::path& in, const std::string& prefix, int first)
     }
 }
 
-/// Whether a directory of a target links to another one.
+/** Whether a directory of a target links to another one. */
 bool linksTo(const fs::path& from, const fs::path& to)
 {
     for (const auto& entry : fs::directory_iterator(from)) {
@@ -42,7 +42,7 @@ bool linksTo(const fs::path& from, const fs::path& to)
     return false;
 }
 
-/// Directories of configfs go with rmdir alone; their links first.
+/** Directories of configfs go with rmdir alone; their links first. */
 void removeLinked(const fs::path& directory)
 {
     for (const auto& entry : fs::directory_iterator(directory)) {
@@ -61,10 +61,10 @@ bool isNumbered(const fs::directory_entry& entry)
 } // namespace
 
 KernelTarget::KernelTarget(const std::string& iqn)
-    : m_stores(root / "core" / "fileio_0"), m_group(root / "iscsi" / iqn / "tpgt_1")
+    : m_stores(ROOT / "core" / "fileio_0"), m_group(ROOT / "iscsi" / iqn / "tpgt_1")
 {
     if (!fs::is_directory(m_group)) {
-        throw std::runtime_error("there is no target " + iqn + " in " + root.string() +
+        throw std::runtime_error("there is no target " + iqn + " in " + ROOT.string() +
                                  ": make it first, and run as root");
     }
     fs::create_directories(m_stores);

@@ -1,11 +1,12 @@
-#pragma once
+#ifndef SIMULATOR_EXPORT_KERNELTARGET_H
+#define SIMULATOR_EXPORT_KERNELTARGET_H
 
 #include <filesystem>
 #include <string>
 
 namespace arraysim {
 
-/// What a store shows of itself and where its data is.
+/** What a store shows of itself and where its data is. */
 struct StoreFacts
 {
     std::string name;
@@ -13,17 +14,19 @@ struct StoreFacts
     std::string wwn; ///< 6, the company ID, and the 25 digits of the serial
 };
 
-/// The kernel's own iSCSI target, worked through configfs: stores, and who sees which under what number.
-/// Throws std::runtime_error, with what to do where that is known.
+/**
+ * The kernel's own iSCSI target, worked through configfs: stores, and who sees which under what number.
+ * Throws std::runtime_error, with what to do where that is known.
+ */
 class KernelTarget
 {
 public:
-    /// The target must exist; what it exports beside our stores is left alone.
+    /** The target must exist; what it exports beside our stores is left alone. */
     explicit KernelTarget(const std::string& iqn);
 
-    /// Lets the initiator see the store, under the lowest free number from 1 on; makes what is missing.
+    /** Lets the initiator see the store, under the lowest free number from 1 on; makes what is missing. */
     void map(const StoreFacts& store, const std::string& initiator);
-    /// The reverse; the store goes with the last initiator that sees it.
+    /** The reverse; the store goes with the last initiator that sees it. */
     void unmap(const std::string& storeName, const std::string& initiator);
 
 private:
@@ -32,7 +35,7 @@ private:
     Path storeDir(const std::string& name) const { return m_stores / name; }
     void provideStore(const StoreFacts& store);
     void provideAcl(const std::string& initiator);
-    /// The directory under which the target exports a store; empty where it does not.
+    /** The directory under which the target exports a store; empty where it does not. */
     Path exported(const std::string& storeName) const;
     Path mapped(const std::string& storeName, const std::string& initiator) const;
     bool isMapped(const Path& exportedAt) const;
@@ -42,3 +45,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

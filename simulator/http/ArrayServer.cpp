@@ -1,6 +1,7 @@
 #include "http/ArrayServer.h"
 
-#include "wire/Body.h"
+#include "base/Json.h"
+#include "watch/Secrets.h"
 
 #include <chrono>
 #include <stdexcept>
@@ -8,9 +9,9 @@
 namespace arraysim {
 namespace {
 
-constexpr const char* anyPath = R"([\s\S]*)";
-constexpr int backlog = 512;
-constexpr std::size_t largestBody = 1U << 20;
+constexpr const char* ANY_PATH = R"([\s\S]*)";
+constexpr int BACKLOG = 512;
+constexpr std::size_t LARGEST_BODY = 1U << 20;
 
 bool useCertificate(SSL_CTX& context, const std::string& certificate, const std::string& key)
 {
@@ -26,8 +27,8 @@ class ArrayServer::Server : public httplib::SSLServer
 {
 public:
     using SSLServer::SSLServer;
-    /// The library listens with a backlog of 5, which many clients at once overrun.
-    void widenBacklog() { ::listen(svr_sock_, backlog); }
+    /** The library listens with a backlog of 5, which many clients at once overrun. */
+    void widenBacklog() { ::listen(svr_sock_, BACKLOG); }
 };
 
 ArrayServer::ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faults, Journal& journal,
@@ -48,19 +49,19 @@ ArrayServer::ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faul
     m_server->set_keep_alive_timeout(600);
     m_server->set_read_timeout(60);
     m_server->set_write_timeout(60);
-    m_server->set_payload_max_length(largestBody);
+    m_server->set_payload_max_length(LARGEST_BODY);
     const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
         serve(request, response);
     };
-    m_server->Get(anyPath, handler).Post(anyPath, handler).Put(anyPath, handler).Delete(anyPath, handler);
+    m_server->Get(ANY_PATH, handler).Post(ANY_PATH, handler).Put(ANY_PATH, handler).Delete(ANY_PATH, handler);
     m_server->set_logger([this](const httplib::Request& request, const httplib::Response&) {
         m_connections.requestEnds(request.ssl);
     });
     m_server->set_error_handler([](const httplib::Request&, httplib::Response& response) {
         if (response.body.empty() && !response.content_provider_) {
-            const ArrayError refused(Code::methodUnsupported,
+            const ArrayError refused(Code::METHOD_UNSUPPORTED,
                                      "The array does not understand this HTTP request.");
-            response.set_content(Answer::error(refused).body(), jsonType);
+            response.set_content(Answer::error(refused).body(), JSON_TYPE);
         }
     });
 }
@@ -142,7 +143,7 @@ void ArrayServer::serve(const httplib::Request& request, httplib::Response& resp
 Answer ArrayServer::answerTo(const httplib::Request& request, const Fault* fault)
 {
     const std::string token = request.get_header_value("iBaseToken");
-    if (fault != nullptr && fault->action == FaultAction::dropSession) {
+    if (fault != nullptr && fault->action == FaultAction::DROP_SESSION) {
         m_sessions.drop(token);
     }
     Answer answer;
@@ -152,7 +153,7 @@ Answer ArrayServer::answerTo(const httplib::Request& request, const Fault* fault
     }
     if (fault != nullptr) {
         pause(fault->delayMs);
-        if (fault->action == FaultAction::error) {
+        if (fault->action == FaultAction::ERROR) {
             answer = Answer();
             answer.status = fault->status;
             answer.code = fault->code;
@@ -170,26 +171,27 @@ void ArrayServer::send(const httplib::Request& request, httplib::Response& respo
         response.set_header(key, value);
     }
     const std::string body = answer.body();
-    switch (fault == nullptr ? FaultAction::delay : fault->action) {
-    case FaultAction::close:
+    switch (fault == nullptr ? FaultAction::DELAY : fault->action) {
+    case FaultAction::CLOSE:
         m_connections.cut(request.ssl);
         break;
-    case FaultAction::truncate:
+    case FaultAction::TRUNCATE:
         // The header promises the whole body; half of it follows, then the connection ends.
-        response.set_content_provider(body.size(), jsonType, [body](size_t, size_t, httplib::DataSink& sink) {
-            sink.write(body.data(), body.size() / 2);
-            return false;
-        });
+        response.set_content_provider(body.size(), JSON_TYPE,
+                                      [body](size_t, size_t, httplib::DataSink& sink) {
+                                          sink.write(body.data(), body.size() / 2);
+                                          return false;
+                                      });
         break;
-    case FaultAction::invalidJson:
-        response.set_content(body.substr(0, body.size() - 1) + ",", jsonType);
+    case FaultAction::INVALID_JSON:
+        response.set_content(body.substr(0, body.size() - 1) + ",", JSON_TYPE);
         break;
-    case FaultAction::answer:
+    case FaultAction::ANSWER:
         response.status = fault->status;
-        response.set_content(fault->body, jsonType);
+        response.set_content(fault->body, JSON_TYPE);
         break;
     default:
-        response.set_content(body, jsonType);
+        response.set_content(body, JSON_TYPE);
     }
 }
 

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_HTTP_ARRAYSERVER_H
+#define SIMULATOR_HTTP_ARRAYSERVER_H
 
 #include "http/ConnectionThreads.h"
 #include "http/TlsConnections.h"
@@ -8,7 +9,7 @@
 
 namespace arraysim {
 
-/// The array's interface on HTTPS, with the faults that tests set and the journal of what came in.
+/** The array's interface on HTTPS, with the faults that tests set and the journal of what came in. */
 class ArrayServer
 {
 public:
@@ -16,9 +17,9 @@ public:
                 const std::string& certificate, const std::string& key);
     ~ArrayServer();
 
-    /// Binds and begins to serve. @return the port. Throws std::runtime_error.
+    /** Binds and begins to serve. @return the port. Throws std::runtime_error. */
     int start(const std::string& address, int port);
-    /// Ends after the requests that are being served.
+    /** Ends after the requests that are being served. */
     void stop();
 
     Json::Value counters();
@@ -47,3 +48,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

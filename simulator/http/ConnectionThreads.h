@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_HTTP_CONNECTIONTHREADS_H
+#define SIMULATOR_HTTP_CONNECTIONTHREADS_H
 
 #include <httplib.h>
 
@@ -7,12 +8,14 @@
 
 namespace arraysim {
 
-/// One thread for each open connection: a kept-alive connection holds its thread while it is idle, so
-/// a pool of a fixed size would let idle clients lock out others. Threads are used again.
+/**
+ * One thread for each open connection: a kept-alive connection holds its thread while it is idle, so
+ * a pool of a fixed size would let idle clients lock out others. Threads are used again.
+ */
 class ConnectionThreads : public httplib::TaskQueue
 {
 public:
-    /// accepted counts the connections.
+    /** accepted counts the connections. */
     explicit ConnectionThreads(std::atomic<unsigned long>& accepted) : m_accepted(accepted) {}
 
     void enqueue(std::function<void()> serveConnection) override;
@@ -30,7 +33,9 @@ private:
     bool m_stopping = false;
 };
 
-/// Socket options of a listener: unlike the library's own, they let no other process share the port.
+/** Socket options of a listener: unlike the library's own, they let no other process share the port. */
 void ownPort(socket_t listener);
 
 } // namespace arraysim
+
+#endif

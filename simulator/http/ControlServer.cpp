@@ -1,25 +1,26 @@
 #include "http/ControlServer.h"
 
+#include "base/Json.h"
+#include "base/Text.h"
 #include "model/Exposure.h"
-#include "wire/Body.h"
 
 #include <stdexcept>
 
 namespace arraysim {
 namespace {
 
-/// A handler that answers what the function returns as JSON, or status 400 with the reason it threw.
+/** A handler that answers what the function returns as JSON, or status 400 with the reason it threw. */
 template <typename Function>
 httplib::Server::Handler handler(Function function)
 {
     return [function](const httplib::Request& request, httplib::Response& response) {
         try {
-            response.set_content(jsonText(function(request)), jsonType);
+            response.set_content(jsonText(function(request)), JSON_TYPE);
         } catch (const std::exception& refused) {
             Json::Value why(Json::objectValue);
             why["error"] = refused.what();
             response.status = 400;
-            response.set_content(jsonText(why), jsonType);
+            response.set_content(jsonText(why), JSON_TYPE);
         }
     };
 }
@@ -36,7 +37,7 @@ unsigned numberIn(const Json::Value& body, const char* key, unsigned otherwise)
     }
     const int value = requiredNumber(body, key);
     if (value < 0) {
-        throw ArrayError(Code::memberInvalid, std::string("The member ") + key + " must not be negative.");
+        throw ArrayError(Code::MEMBER_INVALID, std::string("The member ") + key + " must not be negative.");
     }
     return static_cast<unsigned>(value);
 }
@@ -90,7 +91,7 @@ void ControlServer::routeFaults()
                     }));
     m_server.Delete(R"(/faults/(\d{1,9}))", handler([this](const httplib::Request& request) {
                         if (!m_faults.remove(static_cast<unsigned>(std::stoul(request.matches[1])))) {
-                            throw ArrayError(Code::objectMissing, "There is no such fault.");
+                            throw ArrayError(Code::OBJECT_MISSING, "There is no such fault.");
                         }
                         return done();
                     }));
@@ -113,7 +114,7 @@ void ControlServer::routeWatch()
     m_server.Get("/exposures", handler([this](const httplib::Request&) {
                      const auto lock = m_world.lock();
                      Json::Value all(Json::arrayValue);
-                     for (const Type type : {Type::lun, Type::snapshot}) {
+                     for (const Type type : {Type::LUN, Type::SNAPSHOT}) {
                          for (const auto& entry : m_world.all(type)) {
                              for (const auto& initiator : exposedInitiators(m_world, {type, entry.first})) {
                                  Json::Value one(Json::objectValue);
@@ -134,7 +135,7 @@ void ControlServer::routeObjects()
         const std::string target = request.target.substr(std::string("/objects").size());
         const Answer result = m_array.handleObject(request.method, target, request.body);
         response.status = result.code == 0 ? 200 : 400;
-        response.set_content(result.body(), jsonType);
+        response.set_content(result.body(), JSON_TYPE);
     };
     const char* objects = "/objects/.*";
     m_server.Get(objects, answer).Post(objects, answer).Put(objects, answer).Delete(objects, answer);
@@ -187,10 +188,10 @@ Json::Value ControlServer::bulkLuns(const Json::Value& wanted)
     const auto lock = m_world.lock();
     World::Transaction transaction(m_world);
     for (unsigned i = 0; i < count; ++i) {
-        body["NAME"] = prefix + m_world.nextId(Type::lun);
-        const std::string id = createObject(m_world, objectType(Type::lun), body, {})["ID"].asString();
+        body["NAME"] = prefix + m_world.nextId(Type::LUN);
+        const std::string id = createObject(m_world, objectType(Type::LUN), body, {})["ID"].asString();
         if (!group.empty()) {
-            associate(m_world, *relationBetween(Type::lunGroup, Type::lun), group, id);
+            associate(m_world, *relationBetween(Type::LUN_GROUP, Type::LUN), group, id);
         }
         ids.append(id);
     }
@@ -202,11 +203,11 @@ Json::Value ControlServer::bulkLuns(const Json::Value& wanted)
 
 int ControlServer::start(int port)
 {
-    static const char* const loopback = "127.0.0.1";
+    static constexpr const char* LOOPBACK = "127.0.0.1";
     const int bound =
-        port == 0 ? m_server.bind_to_any_port(loopback) : (m_server.bind_to_port(loopback, port) ? port : -1);
+        port == 0 ? m_server.bind_to_any_port(LOOPBACK) : (m_server.bind_to_port(LOOPBACK, port) ? port : -1);
     if (bound <= 0) {
-        throw std::runtime_error("cannot listen on " + std::string(loopback) + " port " +
+        throw std::runtime_error("cannot listen on " + std::string(LOOPBACK) + " port " +
                                  std::to_string(port));
     }
     m_thread = std::thread([this] { m_server.listen_after_bind(); });

@@ -1,10 +1,11 @@
-#pragma once
+#ifndef SIMULATOR_HTTP_CONTROLSERVER_H
+#define SIMULATOR_HTTP_CONTROLSERVER_H
 
 #include "http/ArrayServer.h"
 
 namespace arraysim {
 
-/// What the control interface tells about the array, so that a test needs only the control port.
+/** What the control interface tells about the array, so that a test needs only the control port. */
 struct ArrayFacts
 {
     std::string url;
@@ -13,7 +14,7 @@ struct ArrayFacts
     std::string user;
 };
 
-/// The test's own interface, apart from the array's: plain HTTP on the loopback address.
+/** The test's own interface, apart from the array's: plain HTTP on the loopback address. */
 class ControlServer
 {
 public:
@@ -21,7 +22,7 @@ public:
                   ArrayServer& server, ArrayFacts facts);
     ~ControlServer();
 
-    /// @return the port. Throws std::runtime_error.
+    /** @return the port. Throws std::runtime_error. */
     int start(int port);
     void stop();
 
@@ -44,3 +45,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_HTTP_TLSCONNECTIONS_H
+#define SIMULATOR_HTTP_TLSCONNECTIONS_H
 
 #include <openssl/ssl.h>
 
@@ -8,21 +9,23 @@
 
 namespace arraysim {
 
-/// The open TLS connections of a server, found through OpenSSL's own hooks: their numbers, and the
-/// means to end them.
+/**
+ * The open TLS connections of a server, found through OpenSSL's own hooks: their numbers, and the
+ * means to end them.
+ */
 class TlsConnections
 {
 public:
-    /// Puts the hooks into the server's context.
+    /** Puts the hooks into the server's context. */
     void watch(SSL_CTX* context);
 
-    /// A request came in. @return the connection's number
+    /** A request came in. @return the connection's number */
     unsigned long requestBegins(const SSL* connection);
-    /// Its answer was sent.
+    /** Its answer was sent. */
     void requestEnds(const SSL* connection);
-    /// Cuts the connection at once, so that the client gets no answer.
+    /** Cuts the connection at once, so that the client gets no answer. */
     void cut(const SSL* connection);
-    /// Ends every connection that waits for a request, the others once they have sent their answer.
+    /** Ends every connection that waits for a request, the others once they have sent their answer. */
     void stopReading();
     unsigned long handshakes() const;
     void clearCounters();
@@ -47,3 +50,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

@@ -1,6 +1,6 @@
 #include "model/Associations.h"
 
-#include "wire/Target.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <deque>
@@ -13,7 +13,7 @@ std::string described(Type type, const std::string& id)
     return objectType(type).title + " " + printable(id);
 }
 
-/// The types on the shortest way between two types, both included; empty where there is none.
+/** The types on the shortest way between two types, both included; empty where there is none. */
 std::vector<Type> findChain(Type from, Type to)
 {
     std::map<Type, Type> cameFrom{{from, from}};
@@ -71,18 +71,18 @@ const std::vector<Relation>& relations()
 
     // owner, member, one owner, one member, holds owner, holds member, requests, codes
     static const std::vector<Relation> all = {
-        {T::storagePool, T::lun, true, false, true, false, {}, {}},
-        {T::lun, T::snapshot, true, false, true, false, {}, {}},
-        {T::lunGroup, T::lun, false, false, true, true, intoLunGroup, outOfLunGroup, Code::alreadyInLunGroup,
-         Code::notInLunGroup},
-        {T::lunGroup, T::snapshot, false, false, true, true, intoLunGroup, outOfLunGroup,
-         Code::alreadyInLunGroup, Code::notInLunGroup},
-        {T::hostGroup, T::host, false, false, true, true, intoHostGroup, outOfHostGroup,
-         Code::hostAlreadyInGroup},
-        {T::mappingView, T::lunGroup, false, true, false, true, intoView, outOfView},
-        {T::mappingView, T::hostGroup, false, true, false, true, intoView, outOfView},
-        {T::host, T::iscsiInitiator, true, false, true, true, {}, iscsiOffHost},
-        {T::host, T::fcInitiator, true, false, true, true, {}, fcOffHost},
+        {T::STORAGE_POOL, T::LUN, true, false, true, false, {}, {}},
+        {T::LUN, T::SNAPSHOT, true, false, true, false, {}, {}},
+        {T::LUN_GROUP, T::LUN, false, false, true, true, intoLunGroup, outOfLunGroup,
+         Code::ALREADY_IN_LUN_GROUP, Code::NOT_IN_LUN_GROUP},
+        {T::LUN_GROUP, T::SNAPSHOT, false, false, true, true, intoLunGroup, outOfLunGroup,
+         Code::ALREADY_IN_LUN_GROUP, Code::NOT_IN_LUN_GROUP},
+        {T::HOST_GROUP, T::HOST, false, false, true, true, intoHostGroup, outOfHostGroup,
+         Code::HOST_ALREADY_IN_GROUP},
+        {T::MAPPING_VIEW, T::LUN_GROUP, false, true, false, true, intoView, outOfView},
+        {T::MAPPING_VIEW, T::HOST_GROUP, false, true, false, true, intoView, outOfView},
+        {T::HOST, T::ISCSI_INITIATOR, true, false, true, true, {}, iscsiOffHost},
+        {T::HOST, T::FC_INITIATOR, true, false, true, true, {}, fcOffHost},
     };
     return all;
 }
@@ -107,14 +107,14 @@ void associate(World& world, const Relation& relation, const std::string& owner,
                                               " already.");
     }
     if (relation.oneOwner && !owners.empty()) {
-        throw ArrayError(Code::associationFull,
+        throw ArrayError(Code::ASSOCIATION_FULL,
                          "The " + described(relation.member, member) + " belongs to the " +
                              described(relation.owner, *owners.begin()) + ": remove it from there first.");
     }
     if (relation.oneMember && !members.empty()) {
-        throw ArrayError(Code::associationFull, "The " + described(relation.owner, owner) + " holds the " +
-                                                    described(relation.member, *members.begin()) +
-                                                    ": remove that from it first.");
+        throw ArrayError(Code::ASSOCIATION_FULL, "The " + described(relation.owner, owner) + " holds the " +
+                                                     described(relation.member, *members.begin()) +
+                                                     ": remove that from it first.");
     }
     world.link(ownerKey, memberKey);
 }
@@ -142,7 +142,7 @@ void checkDeletable(const World& world, const ObjectType& type, const Object& ob
         const Type other = asOwner ? relation.member : relation.owner;
         const IdSet& holders = world.linked({type.code, object.id}, other);
         if (!holders.empty()) {
-            throw ArrayError(Code::objectInUse,
+            throw ArrayError(Code::OBJECT_IN_USE,
                              "The " + described(type.code, object.id) + " is in use by " +
                                  std::to_string(holders.size()) + " object(s), first the " +
                                  described(other, *holders.begin()) + ": remove that from it first.");
@@ -154,9 +154,9 @@ IdSet related(const World& world, const ObjectKey& object, Type to)
 {
     const std::vector<Type>& chain = chainBetween(object.first, to);
     if (chain.size() < 2) {
-        throw ArrayError(Code::associationUnsupported, "A " + objectType(to).title +
-                                                           " cannot be associated with a " +
-                                                           objectType(object.first).title + ".");
+        throw ArrayError(Code::ASSOCIATION_UNSUPPORTED, "A " + objectType(to).title +
+                                                            " cannot be associated with a " +
+                                                            objectType(object.first).title + ".");
     }
     IdSet reached{object.second};
     for (std::size_t i = 1; i < chain.size(); ++i) {

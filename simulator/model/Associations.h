@@ -1,7 +1,8 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_ASSOCIATIONS_H
+#define SIMULATOR_MODEL_ASSOCIATIONS_H
 
+#include "base/Codes.h"
 #include "model/World.h"
-#include "wire/Codes.h"
 
 #include <optional>
 #include <string>
@@ -9,7 +10,7 @@
 
 namespace arraysim {
 
-/// The request that makes or breaks an association.
+/** The request that makes or breaks an association. */
 struct AssociationRoute
 {
     std::string method;
@@ -18,7 +19,7 @@ struct AssociationRoute
     bool memberOnly = false; ///< the request names the member alone: it has one owner at most
 };
 
-/// Which objects can be associated, and what that means for both.
+/** Which objects can be associated, and what that means for both. */
 struct Relation
 {
     Type owner;
@@ -29,24 +30,28 @@ struct Relation
     bool holdsMember; ///< a member with an owner is not deleted
     std::optional<AssociationRoute> add;
     std::optional<AssociationRoute> remove;
-    Code exists = Code::associationExists;
-    Code missing = Code::associationMissing;
+    Code exists = Code::ASSOCIATION_EXISTS;
+    Code missing = Code::ASSOCIATION_MISSING;
 };
 
 const std::vector<Relation>& relations();
-/// The relation of two types in either order, or null.
+/** The relation of two types in either order, or null. */
 const Relation* relationBetween(Type a, Type b);
 
-/// Throws ArrayError where either object is missing, they are associated already, or one is full.
+/** Throws ArrayError where either object is missing, they are associated already, or one is full. */
 void associate(World& world, const Relation& relation, const std::string& owner, const std::string& member);
-/// Throws ArrayError where either object is missing or they are not associated.
+/** Throws ArrayError where either object is missing or they are not associated. */
 void dissociate(World& world, const Relation& relation, const std::string& owner, const std::string& member);
-/// Throws ArrayError (objectInUse) where an association keeps the object from being deleted.
+/** Throws ArrayError (OBJECT_IN_USE) where an association keeps the object from being deleted. */
 void checkDeletable(const World& world, const ObjectType& type, const Object& object);
 
-/// The objects of type to that can be reached from the object over the shortest chain of relations,
-/// e.g. the LUNs of a host by host group, mapping view and LUN group. Throws ArrayError
-/// (associationUnsupported) where no chain joins the two types.
+/**
+ * The objects of type to that can be reached from the object over the shortest chain of relations,
+ * e.g. the LUNs of a host by host group, mapping view and LUN group. Throws ArrayError
+ * (ASSOCIATION_UNSUPPORTED) where no chain joins the two types.
+ */
 IdSet related(const World& world, const ObjectKey& object, Type to);
 
 } // namespace arraysim
+
+#endif

@@ -1,9 +1,9 @@
 #include "model/ChangeInput.h"
 
+#include "base/Codes.h"
+#include "base/Json.h"
 #include "model/FieldInput.h"
 #include "model/World.h"
-#include "wire/Body.h"
-#include "wire/Codes.h"
 
 namespace arraysim {
 
@@ -14,7 +14,7 @@ void takeFields(Change& change, const ObjectType& type, const Json::Value& body)
         allowed.insert({"PARENTID", "PARENTTYPE"});
     }
     for (const auto& field : type.fields) {
-        if (change.creating() ? field.givenWhen != Given::never : field.isModifiable) {
+        if (change.creating() ? field.givenWhen != Given::NEVER : field.isModifiable) {
             allowed.insert(field.key);
         }
     }
@@ -25,8 +25,8 @@ void takeFields(Change& change, const ObjectType& type, const Json::Value& body)
             if (!field.isTransient) {
                 change.values[field.key] = change.given[field.key];
             }
-        } else if (change.creating() && field.givenWhen == Given::required) {
-            throw ArrayError(Code::memberMissing,
+        } else if (change.creating() && field.givenWhen == Given::REQUIRED) {
+            throw ArrayError(Code::MEMBER_MISSING,
                              "A new " + type.title + " needs the member " + field.key + ".");
         }
     }
@@ -39,8 +39,8 @@ void checkUnique(const Change& change, const ObjectType& type)
         const std::string* holder =
             value.empty() ? nullptr : change.world.holder(type.code, field.key, value);
         if (holder != nullptr && *holder != change.id) {
-            throw ArrayError(Code::nameTaken, "The " + type.title + " " + *holder + " has the " + field.key +
-                                                  " \"" + value + "\" already: choose another.");
+            throw ArrayError(Code::NAME_TAKEN, "The " + type.title + " " + *holder + " has the " + field.key +
+                                                   " \"" + value + "\" already: choose another.");
         }
     }
 }
@@ -52,8 +52,8 @@ void takeParent(Change& change, const ObjectType& type, const Json::Value& body)
     }
     if (body.isMember("PARENTTYPE") &&
         requiredNumber(body, "PARENTTYPE") != static_cast<int>(type.parent->type)) {
-        throw ArrayError(Code::memberInvalid, "The PARENTTYPE of a " + type.title + " is " +
-                                                  std::to_string(static_cast<int>(type.parent->type)) + ".");
+        throw ArrayError(Code::MEMBER_INVALID, "The PARENTTYPE of a " + type.title + " is " +
+                                                   std::to_string(static_cast<int>(type.parent->type)) + ".");
     }
     const bool needed = body.isMember("PARENTTYPE") || (change.creating() && type.parent->required);
     if (body.isMember("PARENTID") || needed) {

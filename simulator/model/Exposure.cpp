@@ -8,26 +8,26 @@
 namespace arraysim {
 namespace {
 
-constexpr std::array<Type, 2> exposable{Type::lun, Type::snapshot};
-constexpr std::array<Type, 2> initiators{Type::iscsiInitiator, Type::fcInitiator};
+constexpr std::array<Type, 2> EXPOSABLE{Type::LUN, Type::SNAPSHOT};
+constexpr std::array<Type, 2> INITIATORS{Type::ISCSI_INITIATOR, Type::FC_INITIATOR};
 
-/// How far a type stands from the LUNs on the way to the initiators; -1 where it is not on the way.
+/** How far a type stands from the LUNs on the way to the initiators; -1 where it is not on the way. */
 int distance(Type type)
 {
     switch (type) {
-    case Type::lun:
-    case Type::snapshot:
+    case Type::LUN:
+    case Type::SNAPSHOT:
         return 0;
-    case Type::lunGroup:
+    case Type::LUN_GROUP:
         return 1;
-    case Type::mappingView:
+    case Type::MAPPING_VIEW:
         return 2;
-    case Type::hostGroup:
+    case Type::HOST_GROUP:
         return 3;
-    case Type::host:
+    case Type::HOST:
         return 4;
-    case Type::iscsiInitiator:
-    case Type::fcInitiator:
+    case Type::ISCSI_INITIATOR:
+    case Type::FC_INITIATOR:
         return 5;
     default:
         return -1;
@@ -39,8 +39,8 @@ int distance(Type type)
 std::set<ObjectKey> exposedInitiators(const World& world, const ObjectKey& lunOrSnapshot)
 {
     std::set<ObjectKey> found;
-    if (!world.linked(lunOrSnapshot, Type::lunGroup).empty()) {
-        for (const Type type : initiators) {
+    if (!world.linked(lunOrSnapshot, Type::LUN_GROUP).empty()) {
+        for (const Type type : INITIATORS) {
             for (const auto& id : related(world, lunOrSnapshot, type)) {
                 found.insert({type, id});
             }
@@ -76,7 +76,7 @@ void ExposureWatch::linkChanges(const ObjectKey& owner, const ObjectKey& member)
         note(near);
         return;
     }
-    for (const Type type : exposable) {
+    for (const Type type : EXPOSABLE) {
         for (const auto& id : related(m_world, near, type)) {
             note({type, id});
         }

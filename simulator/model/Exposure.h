@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_EXPOSURE_H
+#define SIMULATOR_MODEL_EXPOSURE_H
 
 #include "model/World.h"
 
@@ -7,11 +8,13 @@
 
 namespace arraysim {
 
-/// The initiators that see a LUN or snapshot: it is in a LUN group, that in a mapping view, that binds
-/// a host group, that holds a host, and the initiator belongs to that host.
+/**
+ * The initiators that see a LUN or snapshot: it is in a LUN group, that in a mapping view, that binds
+ * a host group, that holds a host, and the initiator belongs to that host.
+ */
 std::set<ObjectKey> exposedInitiators(const World& world, const ObjectKey& lunOrSnapshot);
 
-/// Is told, after the operation is kept, which LUNs and snapshots initiators began or ceased to see.
+/** Is told, after the operation is kept, which LUNs and snapshots initiators began or ceased to see. */
 class ExposureObserver
 {
 public:
@@ -20,7 +23,7 @@ public:
                                  bool appeared) = 0;
 };
 
-/// Turns changes of associations into changes of exposure. Looks only at what an association touches.
+/** Turns changes of associations into changes of exposure. Looks only at what an association touches. */
 class ExposureWatch : public LinkObserver
 {
 public:
@@ -40,3 +43,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

@@ -1,14 +1,14 @@
 #include "model/FieldInput.h"
 
-#include "wire/Codes.h"
-#include "wire/Query.h"
+#include "base/Codes.h"
+#include "base/Text.h"
 
 namespace arraysim {
 namespace {
 
 [[noreturn]] void invalid(const Field& field, const std::string& what)
 {
-    throw ArrayError(Code::memberInvalid, "The member " + field.key + " " + what + ".");
+    throw ArrayError(Code::MEMBER_INVALID, "The member " + field.key + " " + what + ".");
 }
 
 std::string bounds(const Field& field)
@@ -29,12 +29,12 @@ std::string number(const Field& field, const Json::Value& member)
 
 std::string text(const Field& field, const Json::Value& member)
 {
-    static const unsigned long long longest = 255;
+    static constexpr unsigned long long LONGEST = 255;
     if (!member.isString()) {
         invalid(field, "must be a text");
     }
     std::string value = member.asString();
-    const unsigned long long limit = std::min(field.max, longest);
+    const unsigned long long limit = std::min(field.max, LONGEST);
     if (value.size() < field.min || value.size() > limit) {
         invalid(field,
                 "must be " + std::to_string(field.min) + " to " + std::to_string(limit) + " bytes long");
@@ -65,7 +65,7 @@ std::string code(const Field& field, const Json::Value& member)
     return std::to_string(*value);
 }
 
-/// How many continuation bytes follow a lead byte, and the smallest code point that needs as many.
+/** How many continuation bytes follow a lead byte, and the smallest code point that needs as many. */
 struct Sequence
 {
     int follow;
@@ -91,14 +91,14 @@ Sequence sequence(unsigned char lead)
 std::string inputText(const Field& field, const Json::Value& member)
 {
     switch (field.wire) {
-    case Wire::text:
+    case Wire::TEXT:
         return text(field, member);
-    case Wire::decimal:
-    case Wire::number:
+    case Wire::DECIMAL:
+    case Wire::NUMBER:
         return number(field, member);
-    case Wire::flag:
+    case Wire::FLAG:
         return flag(field, member);
-    case Wire::code:
+    case Wire::CODE:
         return code(field, member);
     }
     return {};

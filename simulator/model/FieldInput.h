@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_FIELDINPUT_H
+#define SIMULATOR_MODEL_FIELDINPUT_H
 
 #include "model/ObjectType.h"
 
@@ -6,11 +7,15 @@
 
 namespace arraysim {
 
-/// A body's member as text, checked against its field: its JSON type, its bounds, its characters.
-/// Throws ArrayError (memberInvalid).
+/**
+ * A body's member as text, checked against its field: its JSON type, its bounds, its characters.
+ * Throws ArrayError (MEMBER_INVALID).
+ */
 std::string inputText(const Field& field, const Json::Value& member);
 
-/// Whether the bytes are UTF-8 without control characters.
+/** Whether the bytes are UTF-8 without control characters. */
 bool isPlainUtf8(const std::string& text);
 
 } // namespace arraysim
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_OBJECT_H
+#define SIMULATOR_MODEL_OBJECT_H
 
 #include <map>
 #include <set>
@@ -7,24 +8,24 @@
 
 namespace arraysim {
 
-/// The array's object type codes, as TYPE, PARENTTYPE and ASSOCIATEOBJTYPE carry them.
+/** The array's object type codes, as TYPE, PARENTTYPE and ASSOCIATEOBJTYPE carry them. */
 enum class Type : int
 {
-    lun = 11,
-    hostGroup = 14,
-    host = 21,
-    snapshot = 27,
-    storagePool = 216,
-    mappingView = 245,
-    lunGroup = 256,
-    iscsiInitiator = 301,
-    fcInitiator = 302,
-    fcPort = 311,
-    fcoePort = 312,
-    ethPort = 313,
+    LUN = 11,
+    HOST_GROUP = 14,
+    HOST = 21,
+    SNAPSHOT = 27,
+    STORAGE_POOL = 216,
+    MAPPING_VIEW = 245,
+    LUN_GROUP = 256,
+    ISCSI_INITIATOR = 301,
+    FC_INITIATOR = 302,
+    FC_PORT = 311,
+    FCOE_PORT = 312,
+    ETH_PORT = 313,
 };
 
-/// Orders decimal IDs by their number, before all others, which go by their text.
+/** Orders decimal IDs by their number, before all others, which go by their text. */
 struct IdLess
 {
     bool operator()(const std::string& a, const std::string& b) const;
@@ -33,7 +34,7 @@ struct IdLess
 using IdSet = std::set<std::string, IdLess>;
 using Values = std::map<std::string, std::string>;
 
-/// One managed object: only what was given to it; what follows from others is computed when it is read.
+/** One managed object: only what was given to it; what follows from others is computed when it is read. */
 struct Object
 {
     std::string id;
@@ -45,7 +46,9 @@ struct Object
 
 using ObjectMap = std::map<std::string, Object, IdLess>;
 
-/// Names one object among all types.
+/** Names one object among all types. */
 using ObjectKey = std::pair<Type, std::string>;
 
 } // namespace arraysim
+
+#endif

@@ -1,21 +1,9 @@
 #include "model/ObjectType.h"
 
-#include "types/Types.h"
-
 #include <algorithm>
 #include <stdexcept>
 
 namespace arraysim {
-
-const std::vector<const ObjectType*>& objectTypes()
-{
-    static const std::vector<const ObjectType*> types = {
-        &storagePoolType(), &lunType(),       &snapshotType(),    &lunGroupType(),
-        &hostType(),        &hostGroupType(), &mappingViewType(), &iscsiInitiatorType(),
-        &fcInitiatorType(), &fcPortType(),    &fcoePortType(),    &ethPortType(),
-    };
-    return types;
-}
 
 const ObjectType* findType(int code)
 {

@@ -1,7 +1,8 @@
 #include "model/Operations.h"
 
+#include "base/Json.h"
+#include "base/Text.h"
 #include "model/ChangeInput.h"
-#include "wire/Body.h"
 
 namespace arraysim {
 namespace {
@@ -9,27 +10,27 @@ namespace {
 void checkType(const ObjectType& type, const Json::Value& body)
 {
     if (body.isMember("TYPE") && requiredNumber(body, "TYPE") != static_cast<int>(type.code)) {
-        throw ArrayError(Code::memberInvalid, "The TYPE of a " + type.title + " is " +
-                                                  std::to_string(static_cast<int>(type.code)) + ".");
+        throw ArrayError(Code::MEMBER_INVALID, "The TYPE of a " + type.title + " is " +
+                                                   std::to_string(static_cast<int>(type.code)) + ".");
     }
 }
 
 std::string newId(const World& world, const ObjectType& type, const Json::Value& body)
 {
-    if (type.naming == Naming::counted && !body.isMember("ID")) {
+    if (type.naming == Naming::COUNTED && !body.isMember("ID")) {
         return world.nextId(type.code);
     }
     std::string id = requiredText(body, "ID");
-    if (type.naming == Naming::counted) {
+    if (type.naming == Naming::COUNTED) {
         const auto number = decimal(id);
         if (!number || *number > 0x7fffffff || id != std::to_string(*number)) {
-            throw ArrayError(Code::memberInvalid, "The ID of a " + type.title + " is a decimal number.");
+            throw ArrayError(Code::MEMBER_INVALID, "The ID of a " + type.title + " is a decimal number.");
         }
     } else {
         type.checkId(id);
     }
     if (world.find(type.code, id) != nullptr) {
-        throw ArrayError(Code::idTaken, "The " + type.title + " " + id + " exists already.");
+        throw ArrayError(Code::ID_TAKEN, "The " + type.title + " " + id + " exists already.");
     }
     return id;
 }
@@ -48,14 +49,14 @@ void moveToParent(World& world, const ObjectType& type, const Change& change)
 void requireManaged(const ObjectType& type)
 {
     if (!type.callerManaged) {
-        throw ArrayError(Code::methodUnsupported, "A " + type.title + " can only be read.");
+        throw ArrayError(Code::METHOD_UNSUPPORTED, "A " + type.title + " can only be read.");
     }
 }
 
-std::vector<const Object*> selected(const World& world, const ObjectType& type, const Query& query,
+std::vector<const Object*> selected(const World& world, const ObjectType& type, const Selection& selection,
                                     const std::optional<AssociatedWith>& of)
 {
-    const Filter filter(world, type, query.filter());
+    const Filter filter(world, type, selection.filter);
     std::vector<const Object*> found;
     const auto take = [&](const Object& object) {
         if (filter.matches(object)) {
@@ -89,7 +90,7 @@ Json::Value createObject(World& world, const ObjectType& type, const Json::Value
     if (type.complete) {
         type.complete(change);
     }
-    const unsigned reads = settling.reads + (type.code == Type::lunGroup ? settling.lunGroupReads : 0);
+    const unsigned reads = settling.reads + (type.code == Type::LUN_GROUP ? settling.lunGroupReads : 0);
     world.put(type.code, {change.id, change.values, reads});
     moveToParent(world, type, change);
     transaction.commit();
@@ -100,8 +101,8 @@ Json::Value readObject(World& world, const ObjectType& type, const std::string& 
 {
     const Object& object = world.at(type.code, id);
     if (world.stillSettling(type.code, id)) {
-        const bool groupCode = type.code == Type::lunGroup && object.unsettledReads >= world.settling.reads;
-        throw ArrayError(groupCode ? Code::lunGroupSettling : Code::objectSettling,
+        const bool groupCode = type.code == Type::LUN_GROUP && object.unsettledReads >= world.settling.reads;
+        throw ArrayError(groupCode ? Code::LUN_GROUP_SETTLING : Code::OBJECT_SETTLING,
                          "The " + type.title + " " + id + " is being set up: try again later.");
     }
     return record(world, type, object);
@@ -113,7 +114,7 @@ void modifyObject(World& world, const ObjectType& type, const std::string& id, c
     checkType(type, body);
     const Object before = world.at(type.code, id);
     if (body.isMember("ID") && requiredText(body, "ID") != id) {
-        throw ArrayError(Code::memberInvalid, "The ID of a " + type.title + " cannot be changed.");
+        throw ArrayError(Code::MEMBER_INVALID, "The ID of a " + type.title + " cannot be changed.");
     }
     World::Transaction transaction(world);
     Change change{world, &before, id, {}, before.values, {}};
@@ -141,11 +142,11 @@ void deleteObject(World& world, const ObjectType& type, const std::string& id)
     transaction.commit();
 }
 
-Json::Value listObjects(const World& world, const ObjectType& type, const Query& query,
+Json::Value listObjects(const World& world, const ObjectType& type, const Selection& selection,
                         const std::optional<AssociatedWith>& of)
 {
-    const std::vector<const Object*> found = selected(world, type, query, of);
-    const Range range = query.range().value_or(Range{0, found.size()});
+    const std::vector<const Object*> found = selected(world, type, selection, of);
+    const Range range = selection.range.value_or(Range{0, found.size()});
     Json::Value records(Json::arrayValue);
     for (auto i = range.from; i < std::min<unsigned long long>(range.to, found.size()); ++i) {
         records.append(record(world, type, *found[i]));
@@ -153,11 +154,11 @@ Json::Value listObjects(const World& world, const ObjectType& type, const Query&
     return records;
 }
 
-Json::Value countObjects(const World& world, const ObjectType& type, const Query& query,
+Json::Value countObjects(const World& world, const ObjectType& type, const Selection& selection,
                          const std::optional<AssociatedWith>& of)
 {
     Json::Value count(Json::objectValue);
-    count["COUNT"] = std::to_string(selected(world, type, query, of).size());
+    count["COUNT"] = std::to_string(selected(world, type, selection, of).size());
     return count;
 }
 

@@ -1,6 +1,7 @@
 #include "model/Record.h"
 
-#include "wire/Codes.h"
+#include "base/Codes.h"
+#include "base/Text.h"
 
 namespace arraysim {
 namespace {
@@ -19,7 +20,7 @@ void addParent(Json::Value& answer, const World& world, const ObjectType& type, 
     answer["PARENTNAME"] = parent.empty() ? std::string() : world.at(type.parent->type, parent).value("NAME");
 }
 
-/// Clients spell a flag in a filter as a number too.
+/** Clients spell a flag in a filter as a number too. */
 std::string asFlag(const std::string& value)
 {
     if (value == "1") {
@@ -48,7 +49,7 @@ Json::Value record(const World& world, const ObjectType& type, const Object& obj
     }
     for (const auto& field : type.fields) {
         if (const auto text = fieldText(world, field, object)) {
-            if (field.wire == Wire::number) {
+            if (field.wire == Wire::NUMBER) {
                 answer[field.key] = Json::UInt64(decimal(*text).value_or(0));
             } else {
                 answer[field.key] = *text;
@@ -66,11 +67,11 @@ Filter::Filter(const World& world, const ObjectType& type, const std::vector<Con
         const bool known = condition.key == "ID" || (condition.key == "PARENTID" && type.parent) ||
                            (field && field->isFilter);
         if (!known) {
-            throw ArrayError(Code::queryMalformed,
+            throw ArrayError(Code::QUERY_MALFORMED,
                              "A " + type.title + " cannot be filtered by " + condition.key + ".");
         }
         m_tests.push_back({field, condition.key,
-                           field && field->wire == Wire::flag ? asFlag(condition.value) : condition.value});
+                           field && field->wire == Wire::FLAG ? asFlag(condition.value) : condition.value});
     }
 }
 

@@ -1,7 +1,8 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_RECORD_H
+#define SIMULATOR_MODEL_RECORD_H
 
+#include "model/Selection.h"
 #include "model/World.h"
-#include "wire/Query.h"
 
 #include <json/json.h>
 
@@ -9,17 +10,17 @@
 
 namespace arraysim {
 
-/// The object as the array answers it.
+/** The object as the array answers it. */
 Json::Value record(const World& world, const ObjectType& type, const Object& object);
 
-/// One field as text, nothing where the object does not answer it.
+/** One field as text, nothing where the object does not answer it. */
 std::optional<std::string> fieldText(const World& world, const Field& field, const Object& object);
 
-/// The conditions of a filter, checked against the type's fields once, then applied to its objects.
+/** The conditions of a filter, checked against the type's fields once, then applied to its objects. */
 class Filter
 {
 public:
-    /// Throws ArrayError (queryMalformed) for a key that the type cannot be filtered by.
+    /** Throws ArrayError (QUERY_MALFORMED) for a key that the type cannot be filtered by. */
     Filter(const World& world, const ObjectType& type, const std::vector<Condition>& conditions);
 
     bool matches(const Object& object) const;
@@ -38,3 +39,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

@@ -1,7 +1,6 @@
 #include "model/Store.h"
 
-#include "wire/Answer.h"
-#include "wire/Body.h"
+#include "base/Json.h"
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -11,7 +10,7 @@
 
 namespace arraysim {
 
-/// One run of a prepared statement; it is reset whichever way the run ends.
+/** One run of a prepared statement; it is reset whichever way the run ends. */
 class Store::Statement
 {
 public:
@@ -64,7 +63,7 @@ private:
 
 Store::Store(const std::string& file)
 {
-    static const char* const schema =
+    static constexpr const char* SCHEMA =
         "PRAGMA journal_mode=WAL; PRAGMA synchronous=OFF;"
         "CREATE TABLE IF NOT EXISTS objects(type INTEGER, id TEXT, fields TEXT, PRIMARY KEY(type, id)) "
         "WITHOUT ROWID;"
@@ -77,7 +76,7 @@ Store::Store(const std::string& file)
         ::close(descriptor);
     }
     if (sqlite3_open(file.c_str(), &m_db) != SQLITE_OK ||
-        sqlite3_exec(m_db, schema, nullptr, nullptr, nullptr) != SQLITE_OK) {
+        sqlite3_exec(m_db, SCHEMA, nullptr, nullptr, nullptr) != SQLITE_OK) {
         const std::string why = sqlite3_errmsg(m_db);
         sqlite3_close(m_db);
         throw std::runtime_error("cannot open " + file + ": " + why);

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_STORE_H
+#define SIMULATOR_MODEL_STORE_H
 
 #include "model/Object.h"
 
@@ -10,8 +11,10 @@ struct sqlite3_stmt;
 
 namespace arraysim {
 
-/// The array's disk: objects and associations in one SQLite file. Writes need no disk flush of their
-/// own (write-ahead log), so an operation costs microseconds; a power failure may lose the last ones.
+/**
+ * The array's disk: objects and associations in one SQLite file. Writes need no disk flush of their
+ * own (write-ahead log), so an operation costs microseconds; a power failure may lose the last ones.
+ */
 class Store
 {
 public:
@@ -43,3 +46,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

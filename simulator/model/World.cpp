@@ -1,8 +1,7 @@
 #include "model/World.h"
 
-#include "wire/Codes.h"
-#include "wire/Query.h"
-#include "wire/Target.h"
+#include "base/Codes.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <random>
@@ -45,7 +44,7 @@ const Object& World::at(Type type, const std::string& id) const
     if (const Object* object = find(type, id)) {
         return *object;
     }
-    throw ArrayError(Code::objectMissing,
+    throw ArrayError(Code::OBJECT_MISSING,
                      "The " + objectType(type).title + " " + printable(id) + " does not exist.");
 }
 

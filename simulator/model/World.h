@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_MODEL_WORLD_H
+#define SIMULATOR_MODEL_WORLD_H
 
 #include "model/ObjectType.h"
 #include "model/Store.h"
@@ -8,7 +9,7 @@
 
 namespace arraysim {
 
-/// Is told of every association that comes or goes, before it does, and of the end of the operation.
+/** Is told of every association that comes or goes, before it does, and of the end of the operation. */
 class LinkObserver
 {
 public:
@@ -18,15 +19,17 @@ public:
     virtual void rolledBack() = 0;
 };
 
-/// How many reads by ID a new object refuses: LUN groups with a code of their own.
+/** How many reads by ID a new object refuses: LUN groups with a code of their own. */
 struct Settling
 {
     unsigned reads = 0;
     unsigned lunGroupReads = 0;
 };
 
-/// The objects of the array and their associations, in memory and on the store. Hold lock() while
-/// reading or writing, and change it only within a Transaction.
+/**
+ * The objects of the array and their associations, in memory and on the store. Hold lock() while
+ * reading or writing, and change it only within a Transaction.
+ */
 class World
 {
 public:
@@ -34,36 +37,38 @@ public:
 
     std::unique_lock<std::mutex> lock() { return std::unique_lock<std::mutex>(m_mutex); }
 
-    /// Null where there is no such object.
+    /** Null where there is no such object. */
     const Object* find(Type type, const std::string& id) const;
-    /// Throws ArrayError (objectMissing).
+    /** Throws ArrayError (OBJECT_MISSING). */
     const Object& at(Type type, const std::string& id) const;
     const ObjectMap& all(Type type) const;
-    /// The objects of type to that are directly associated with the object.
+    /** The objects of type to that are directly associated with the object. */
     const IdSet& linked(const ObjectKey& object, Type to) const;
-    /// The ID of the object that has this value in a unique field, or null.
+    /** The ID of the object that has this value in a unique field, or null. */
     const std::string* holder(Type type, const std::string& key, const std::string& value) const;
-    /// The next ID that the array would give; IDs are not used again.
+    /** The next ID that the array would give; IDs are not used again. */
     std::string nextId(Type type) const;
     const std::string& deviceId() const { return m_deviceId; }
 
     void put(Type type, Object object);
-    /// Removes the object and its associations.
+    /** Removes the object and its associations. */
     void erase(Type type, const std::string& id);
     void link(const ObjectKey& owner, const ObjectKey& member);
     void unlink(const ObjectKey& owner, const ObjectKey& member);
-    /// Counts one read by ID; true while the object is not readable yet.
+    /** Counts one read by ID; true while the object is not readable yet. */
     bool stillSettling(Type type, const std::string& id);
-    /// Puts the factory state in place of everything.
+    /** Puts the factory state in place of everything. */
     void reset();
 
     Settling settling;
-    /// Observers are told in the order in which they came.
+    /** Observers are told in the order in which they came. */
     void observe(LinkObserver* observer) { m_observers.push_back(observer); }
     void ignore(LinkObserver* observer);
 
-    /// One operation: its changes are kept by commit(), or undone when it goes without. Within another
-    /// transaction it is a part of that one.
+    /**
+     * One operation: its changes are kept by commit(), or undone when it goes without. Within another
+     * transaction it is a part of that one.
+     */
     class Transaction
     {
     public:
@@ -103,3 +108,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

@@ -1,6 +1,6 @@
 #include "model/World.h"
 
-#include "wire/Query.h"
+#include "base/Text.h"
 
 namespace arraysim {
 namespace {

@@ -1,8 +1,8 @@
 #include "types/Common.h"
 
+#include "base/Text.h"
 #include "model/Exposure.h"
 #include "model/World.h"
-#include "wire/Query.h"
 
 #include <cstdio>
 
@@ -29,34 +29,34 @@ void setCompanyId(const std::string& digits)
 
 Field nameField()
 {
-    return Field("NAME", Wire::text).given(Given::required).range(1, 255).modifiable().unique().filter();
+    return Field("NAME", Wire::TEXT).given(Given::REQUIRED).range(1, 255).modifiable().unique().filter();
 }
 
 Field descriptionField()
 {
-    return Field("DESCRIPTION", Wire::text).given(Given::atCreate).modifiable();
+    return Field("DESCRIPTION", Wire::TEXT).given(Given::AT_CREATE).modifiable();
 }
 
 Field healthField()
 {
-    return Field("HEALTHSTATUS", Wire::decimal).fallback(healthNormal).filter();
+    return Field("HEALTHSTATUS", Wire::DECIMAL).fallback(HEALTH_NORMAL).filter();
 }
 
 Field runningField(const char* usual)
 {
-    return Field("RUNNINGSTATUS", Wire::decimal).fallback(usual).filter();
+    return Field("RUNNINGSTATUS", Wire::DECIMAL).fallback(usual).filter();
 }
 
 Field associatedFlag(const char* key, Type self, Type other)
 {
-    return Field(key, Wire::flag).filter().derived([self, other](const World& world, const Object& object) {
+    return Field(key, Wire::FLAG).filter().derived([self, other](const World& world, const Object& object) {
         return flagText(!world.linked({self, object.id}, other).empty());
     });
 }
 
 Field freeFlag(Type self, Type other)
 {
-    return Field("ISFREE", Wire::flag)
+    return Field("ISFREE", Wire::FLAG)
         .filter()
         .derived([self, other](const World& world, const Object& object) {
             return flagText(world.linked({self, object.id}, other).empty());
@@ -65,7 +65,7 @@ Field freeFlag(Type self, Type other)
 
 Field exposedFlag(Type self)
 {
-    return Field("EXPOSEDTOINITIATOR", Wire::flag)
+    return Field("EXPOSEDTOINITIATOR", Wire::FLAG)
         .filter()
         .derived([self](const World& world, const Object& object) {
             return flagText(!exposedInitiators(world, {self, object.id}).empty());
@@ -74,7 +74,7 @@ Field exposedFlag(Type self)
 
 Field wwnField(char kind)
 {
-    return Field("WWN", Wire::text).derived([kind](const World& world, const Object& object) {
+    return Field("WWN", Wire::TEXT).derived([kind](const World& world, const Object& object) {
         const auto array = decimal(world.deviceId().substr(2, 18)).value_or(0);
         const auto id = decimal(object.id).value_or(0);
         char digits[40];

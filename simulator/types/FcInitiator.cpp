@@ -1,6 +1,6 @@
+#include "base/Codes.h"
 #include "types/Common.h"
 #include "types/Types.h"
-#include "wire/Codes.h"
 
 #include <algorithm>
 #include <cctype>
@@ -12,7 +12,7 @@ void checkWwpn(const std::string& id)
 {
     const bool hex = std::all_of(id.begin(), id.end(), [](unsigned char c) { return std::isxdigit(c) != 0; });
     if (id.size() != 16 || !hex) {
-        throw ArrayError(Code::memberInvalid,
+        throw ArrayError(Code::MEMBER_INVALID,
                          "The ID of an FC initiator is its WWPN: 16 hexadecimal digits.");
     }
 }
@@ -22,15 +22,15 @@ void checkWwpn(const std::string& id)
 const ObjectType& fcInitiatorType()
 {
     static const ObjectType type = [] {
-        ObjectType initiators{Type::fcInitiator, "FC initiator", {"fc_initiator"}, {}};
-        initiators.naming = Naming::byCaller;
+        ObjectType initiators{Type::FC_INITIATOR, "FC initiator", {"fc_initiator"}, {}};
+        initiators.naming = Naming::BY_CALLER;
         initiators.checkId = checkWwpn;
-        initiators.parent = Parent{Type::host, false, true};
+        initiators.parent = Parent{Type::HOST, false, true};
         initiators.fields = {
-            Field("NAME", Wire::text).given(Given::atCreate).modifiable().filter(),
+            Field("NAME", Wire::TEXT).given(Given::AT_CREATE).modifiable().filter(),
             healthField(),
-            runningField(runningOffline),
-            freeFlag(Type::fcInitiator, Type::host),
+            runningField(RUNNING_OFFLINE),
+            freeFlag(Type::FC_INITIATOR, Type::HOST),
         };
         return initiators;
     }();

@@ -6,21 +6,21 @@ namespace arraysim {
 const ObjectType& hostType()
 {
     static const ObjectType type = [] {
-        ObjectType hosts{Type::host, "host", {"host"}, {}};
-        hosts.parent = Parent{Type::hostGroup, false, false};
+        ObjectType hosts{Type::HOST, "host", {"host"}, {}};
+        hosts.parent = Parent{Type::HOST_GROUP, false, false};
         hosts.fields = {
             nameField(),
             descriptionField(),
             healthField(),
-            runningField(runningNormal),
-            Field("OPERATIONSYSTEM", Wire::decimal)
-                .given(Given::required)
+            runningField(RUNNING_NORMAL),
+            Field("OPERATIONSYSTEM", Wire::DECIMAL)
+                .given(Given::REQUIRED)
                 .range(0, 255)
                 .modifiable()
                 .filter(),
-            Field("LOCATION", Wire::text).given(Given::atCreate).modifiable(),
-            Field("IP", Wire::text).given(Given::atCreate).modifiable().filter(),
-            associatedFlag("ISADD2HOSTGROUP", Type::host, Type::hostGroup),
+            Field("LOCATION", Wire::TEXT).given(Given::AT_CREATE).modifiable(),
+            Field("IP", Wire::TEXT).given(Given::AT_CREATE).modifiable().filter(),
+            associatedFlag("ISADD2HOSTGROUP", Type::HOST, Type::HOST_GROUP),
         };
         return hosts;
     }();

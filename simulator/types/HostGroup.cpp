@@ -6,11 +6,11 @@ namespace arraysim {
 const ObjectType& hostGroupType()
 {
     static const ObjectType type = [] {
-        ObjectType groups{Type::hostGroup, "host group", {"hostgroup"}, {}};
+        ObjectType groups{Type::HOST_GROUP, "host group", {"hostgroup"}, {}};
         groups.fields = {
             nameField(),
             descriptionField(),
-            associatedFlag("ISADD2MAPPINGVIEW", Type::hostGroup, Type::mappingView),
+            associatedFlag("ISADD2MAPPINGVIEW", Type::HOST_GROUP, Type::MAPPING_VIEW),
         };
         return groups;
     }();

@@ -1,13 +1,13 @@
+#include "base/Codes.h"
 #include "types/Common.h"
 #include "types/Types.h"
-#include "wire/Codes.h"
 
 #include <algorithm>
 
 namespace arraysim {
 namespace {
 
-/// The members of one direction of CHAP.
+/** The members of one direction of CHAP. */
 struct ChapSide
 {
     const char* name;
@@ -15,8 +15,8 @@ struct ChapSide
     const char* oldSecret;
 };
 
-constexpr ChapSide oneWay{"CHAPNAME", "CHAPPASSWORD", "CHAPOLDPASSWORD"};
-constexpr ChapSide mutual{"CHAPNAMEINITATORVERTARGET", "CHAPPASSWORDINITATORVERTARGET",
+constexpr ChapSide ONE_WAY{"CHAPNAME", "CHAPPASSWORD", "CHAPOLDPASSWORD"};
+constexpr ChapSide MUTUAL{"CHAPNAMEINITATORVERTARGET", "CHAPPASSWORDINITATORVERTARGET",
                           "CHAPOLDPASSWORDINITATORVERTARGET"};
 
 bool hasMode(const Values& values, const char* mode)
@@ -34,18 +34,18 @@ bool usesChap(const Values& values)
     return found != values.end() && found->second == "true";
 }
 
-/// The new secret is taken only from one who knows the old one.
+/** The new secret is taken only from one who knows the old one. */
 void checkSide(Change& initiator, const ChapSide& side, bool usedBefore)
 {
     if (initiator.value(side.name).empty() || initiator.value(side.secret).empty()) {
-        throw ArrayError(Code::chapIncomplete,
+        throw ArrayError(Code::CHAP_INCOMPLETE,
                          std::string("This CHAP mode needs ") + side.name + " and " + side.secret + ".");
     }
     if (usedBefore && initiator.gave(side.secret) &&
         initiator.givenText(side.oldSecret) != initiator.before->value(side.secret)) {
-        throw ArrayError(Code::chapOldSecretWrong, std::string("The secret ") + side.secret +
-                                                       " is changed only with the current one in " +
-                                                       side.oldSecret + ".");
+        throw ArrayError(Code::CHAP_OLD_SECRET_WRONG, std::string("The secret ") + side.secret +
+                                                          " is changed only with the current one in " +
+                                                          side.oldSecret + ".");
     }
 }
 
@@ -62,18 +62,18 @@ void completeInitiator(Change& initiator)
     if (!usesChap(initiator.values)) {
         initiator.values.erase("NORMALVERMODE");
         initiator.values.erase("DISCOVERYVERMODE");
-        dropSide(initiator, oneWay);
-        dropSide(initiator, mutual);
+        dropSide(initiator, ONE_WAY);
+        dropSide(initiator, MUTUAL);
         return;
     }
     if (!hasMode(initiator.values, "1") && !hasMode(initiator.values, "2")) {
-        throw ArrayError(Code::chapIncomplete, "CHAP needs a NORMALVERMODE or DISCOVERYVERMODE of 1 or 2.");
+        throw ArrayError(Code::CHAP_INCOMPLETE, "CHAP needs a NORMALVERMODE or DISCOVERYVERMODE of 1 or 2.");
     }
-    checkSide(initiator, oneWay, usedBefore);
+    checkSide(initiator, ONE_WAY, usedBefore);
     if (hasMode(initiator.values, "2")) {
-        checkSide(initiator, mutual, mutualBefore);
+        checkSide(initiator, MUTUAL, mutualBefore);
     } else {
-        dropSide(initiator, mutual);
+        dropSide(initiator, MUTUAL);
     }
 }
 
@@ -83,7 +83,7 @@ void checkIscsiName(const std::string& id)
     const bool visible = std::all_of(id.begin(), id.end(), [](char c) { return c > ' ' && c < 0x7f; });
     if ((kind != "iqn." && kind != "eui." && kind != "naa.") || !visible || id.size() < 5 ||
         id.size() > 223) {
-        throw ArrayError(Code::memberInvalid,
+        throw ArrayError(Code::MEMBER_INVALID,
                          "The ID of an iSCSI initiator is its name: iqn., eui. or naa. and visible ASCII "
                          "characters, at most 223 in all.");
     }
@@ -91,12 +91,12 @@ void checkIscsiName(const std::string& id)
 
 Field chapText(const char* key)
 {
-    return Field(key, Wire::text).given(Given::atCreate).modifiable();
+    return Field(key, Wire::TEXT).given(Given::AT_CREATE).modifiable();
 }
 
 Field chapMode(const char* key)
 {
-    return Field(key, Wire::code).given(Given::atCreate).modifiable().range(0, 2).fallback("0");
+    return Field(key, Wire::CODE).given(Given::AT_CREATE).modifiable().range(0, 2).fallback("0");
 }
 
 } // namespace
@@ -104,25 +104,25 @@ Field chapMode(const char* key)
 const ObjectType& iscsiInitiatorType()
 {
     static const ObjectType type = [] {
-        ObjectType initiators{Type::iscsiInitiator, "iSCSI initiator", {"iscsi_initiator"}, {}};
-        initiators.naming = Naming::byCaller;
+        ObjectType initiators{Type::ISCSI_INITIATOR, "iSCSI initiator", {"iscsi_initiator"}, {}};
+        initiators.naming = Naming::BY_CALLER;
         initiators.checkId = checkIscsiName;
-        initiators.parent = Parent{Type::host, false, true};
+        initiators.parent = Parent{Type::HOST, false, true};
         initiators.complete = completeInitiator;
         initiators.fields = {
-            Field("NAME", Wire::text).given(Given::atCreate).modifiable().filter(),
+            Field("NAME", Wire::TEXT).given(Given::AT_CREATE).modifiable().filter(),
             healthField(),
-            runningField(runningOffline),
-            freeFlag(Type::iscsiInitiator, Type::host),
-            Field("USECHAP", Wire::flag).given(Given::atCreate).modifiable().fallback("false"),
+            runningField(RUNNING_OFFLINE),
+            freeFlag(Type::ISCSI_INITIATOR, Type::HOST),
+            Field("USECHAP", Wire::FLAG).given(Given::AT_CREATE).modifiable().fallback("false"),
             chapMode("NORMALVERMODE"),
             chapMode("DISCOVERYVERMODE"),
-            chapText(oneWay.name),
-            chapText(oneWay.secret).secret(),
-            chapText(oneWay.oldSecret).transient(),
-            chapText(mutual.name),
-            chapText(mutual.secret).secret(),
-            chapText(mutual.oldSecret).transient(),
+            chapText(ONE_WAY.name),
+            chapText(ONE_WAY.secret).secret(),
+            chapText(ONE_WAY.oldSecret).transient(),
+            chapText(MUTUAL.name),
+            chapText(MUTUAL.secret).secret(),
+            chapText(MUTUAL.oldSecret).transient(),
         };
         return initiators;
     }();

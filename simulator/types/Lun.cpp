@@ -1,20 +1,20 @@
+#include "base/Codes.h"
+#include "base/Text.h"
 #include "types/Common.h"
 #include "types/StoragePool.h"
 #include "types/Types.h"
-#include "wire/Codes.h"
-#include "wire/Query.h"
 
 namespace arraysim {
 namespace {
 
-constexpr unsigned long long largestLun = (256ULL << 40) / sectorSize;
+constexpr unsigned long long LARGEST_LUN = (256ULL << 40) / SECTOR_SIZE;
 
 bool isThin(const Object& lun)
 {
     return lun.value("ALLOCTYPE") == "1";
 }
 
-/// A thick LUN takes all of its capacity from the pool, a thin one what it allocates at first.
+/** A thick LUN takes all of its capacity from the pool, a thin one what it allocates at first. */
 void completeLun(Change& lun)
 {
     if (!lun.creating()) {
@@ -24,12 +24,13 @@ void completeLun(Change& lun)
     const auto capacity = decimal(lun.value("CAPACITY")).value_or(0);
     const auto initial = decimal(lun.givenText("INITIALALLOCCAPACITY")).value_or(0);
     if (!thin && (lun.gave("INITIALALLOCCAPACITY") || lun.gave("THINCAPACITYUSAGE"))) {
-        throw ArrayError(Code::memberInvalid,
+        throw ArrayError(Code::MEMBER_INVALID,
                          "INITIALALLOCCAPACITY and THINCAPACITYUSAGE are for thin LUNs only.");
     }
     if (initial > capacity) {
-        throw ArrayError(Code::memberInvalid, "INITIALALLOCCAPACITY " + std::to_string(initial) +
-                                                  " is above the CAPACITY " + std::to_string(capacity) + ".");
+        throw ArrayError(Code::MEMBER_INVALID, "INITIALALLOCCAPACITY " + std::to_string(initial) +
+                                                   " is above the CAPACITY " + std::to_string(capacity) +
+                                                   ".");
     }
     lun.values["ALLOCCAPACITY"] = std::to_string(thin ? initial : capacity);
     allocate(lun.world, lun.parentId, thin ? initial : capacity);
@@ -37,7 +38,7 @@ void completeLun(Change& lun)
 
 void removeLun(World& world, const Object& lun)
 {
-    const std::string pool = *world.linked({Type::lun, lun.id}, Type::storagePool).begin();
+    const std::string pool = *world.linked({Type::LUN, lun.id}, Type::STORAGE_POOL).begin();
     release(world, pool, decimal(lun.value("ALLOCCAPACITY")).value_or(0));
 }
 
@@ -47,30 +48,30 @@ std::vector<Field> lunFields()
         nameField(),
         descriptionField(),
         healthField(),
-        runningField(runningOnline),
-        Field("ALLOCTYPE", Wire::decimal).given(Given::atCreate).range(0, 1).fallback("0").filter(),
-        Field("CAPACITY", Wire::decimal).given(Given::required).range(1, largestLun),
-        Field("ALLOCCAPACITY", Wire::decimal),
-        Field("SECTORSIZE", Wire::decimal).fallback(std::to_string(sectorSize)),
-        Field("INITIALALLOCCAPACITY", Wire::decimal).given(Given::atCreate).transient(),
-        Field("THINCAPACITYUSAGE", Wire::decimal)
-            .given(Given::atCreate)
+        runningField(RUNNING_ONLINE),
+        Field("ALLOCTYPE", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 1).fallback("0").filter(),
+        Field("CAPACITY", Wire::DECIMAL).given(Given::REQUIRED).range(1, LARGEST_LUN),
+        Field("ALLOCCAPACITY", Wire::DECIMAL),
+        Field("SECTORSIZE", Wire::DECIMAL).fallback(std::to_string(SECTOR_SIZE)),
+        Field("INITIALALLOCCAPACITY", Wire::DECIMAL).given(Given::AT_CREATE).transient(),
+        Field("THINCAPACITYUSAGE", Wire::DECIMAL)
+            .given(Given::AT_CREATE)
             .range(0, 100)
             .fallback("0")
             .onlyWhere(isThin),
-        Field("MIRRORPOLICY", Wire::decimal).given(Given::atCreate).range(0, 1).fallback("1"),
-        Field("WRITEPOLICY", Wire::decimal).given(Given::atCreate).range(1, 3).fallback("1"),
-        Field("PREFETCHPOLICY", Wire::decimal).given(Given::atCreate).range(0, 3).fallback("3"),
-        Field("PREFETCHVALUE", Wire::decimal).given(Given::atCreate).fallback("0"),
-        Field("DATATRANSFERPOLICY", Wire::decimal).given(Given::atCreate).range(0, 3).fallback("0"),
-        Field("INITIALDISTRIBUTEPOLICY", Wire::decimal).given(Given::atCreate).range(0, 3).fallback("0"),
-        Field("OWNINGCONTROLLER", Wire::text).given(Given::atCreate).range(1, 16).fallback("0A"),
-        Field("WORKINGCONTROLLER", Wire::text).derived([](const World&, const Object& lun) {
+        Field("MIRRORPOLICY", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 1).fallback("1"),
+        Field("WRITEPOLICY", Wire::DECIMAL).given(Given::AT_CREATE).range(1, 3).fallback("1"),
+        Field("PREFETCHPOLICY", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 3).fallback("3"),
+        Field("PREFETCHVALUE", Wire::DECIMAL).given(Given::AT_CREATE).fallback("0"),
+        Field("DATATRANSFERPOLICY", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 3).fallback("0"),
+        Field("INITIALDISTRIBUTEPOLICY", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 3).fallback("0"),
+        Field("OWNINGCONTROLLER", Wire::TEXT).given(Given::AT_CREATE).range(1, 16).fallback("0A"),
+        Field("WORKINGCONTROLLER", Wire::TEXT).derived([](const World&, const Object& lun) {
             return lun.value("OWNINGCONTROLLER", "0A");
         }),
         wwnField('0'),
-        associatedFlag("ISADD2LUNGROUP", Type::lun, Type::lunGroup),
-        exposedFlag(Type::lun),
+        associatedFlag("ISADD2LUNGROUP", Type::LUN, Type::LUN_GROUP),
+        exposedFlag(Type::LUN),
     };
 }
 
@@ -79,8 +80,8 @@ std::vector<Field> lunFields()
 const ObjectType& lunType()
 {
     static const ObjectType type = [] {
-        ObjectType luns{Type::lun, "LUN", {"lun"}, lunFields()};
-        luns.parent = Parent{Type::storagePool, true, false};
+        ObjectType luns{Type::LUN, "LUN", {"lun"}, lunFields()};
+        luns.parent = Parent{Type::STORAGE_POOL, true, false};
         luns.complete = completeLun;
         luns.remove = removeLun;
         return luns;

@@ -6,13 +6,13 @@ namespace arraysim {
 const ObjectType& lunGroupType()
 {
     static const ObjectType type = [] {
-        ObjectType groups{Type::lunGroup, "LUN group", {"lungroup"}, {}};
+        ObjectType groups{Type::LUN_GROUP, "LUN group", {"lungroup"}, {}};
         groups.fields = {
             nameField(),
             descriptionField(),
-            Field("APPTYPE", Wire::decimal).given(Given::atCreate).range(0, 255).fallback("0").filter(),
-            Field("GROUPTYPE", Wire::decimal).given(Given::atCreate).range(0, 0).fallback("0"),
-            associatedFlag("ISADD2MAPPINGVIEW", Type::lunGroup, Type::mappingView),
+            Field("APPTYPE", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 255).fallback("0").filter(),
+            Field("GROUPTYPE", Wire::DECIMAL).given(Given::AT_CREATE).range(0, 0).fallback("0"),
+            associatedFlag("ISADD2MAPPINGVIEW", Type::LUN_GROUP, Type::MAPPING_VIEW),
         };
         return groups;
     }();

@@ -6,18 +6,18 @@
 namespace arraysim {
 namespace {
 
-constexpr const char* target = "3";
+constexpr const char* TARGET = "3";
 
 std::vector<Field> portFields()
 {
     return {
-        Field("NAME", Wire::text).filter(),
-        Field("LOCATION", Wire::text),
+        Field("NAME", Wire::TEXT).filter(),
+        Field("LOCATION", Wire::TEXT),
         healthField(),
-        runningField(runningLinkUp),
-        Field("LOGICTYPE", Wire::decimal).fallback("0").filter(),
-        Field("INIORTGT", Wire::decimal).fallback(target),
-        Field("STARTTIME", Wire::decimal).fallback("1700000000"),
+        runningField(RUNNING_LINK_UP),
+        Field("LOGICTYPE", Wire::DECIMAL).fallback("0").filter(),
+        Field("INIORTGT", Wire::DECIMAL).fallback(TARGET),
+        Field("STARTTIME", Wire::DECIMAL).fallback("1700000000"),
     };
 }
 
@@ -25,7 +25,7 @@ void addFields(std::vector<Field>& fields, Wire wire, const std::vector<const ch
 {
     for (const char* key : keys) {
         fields.emplace_back(key, wire);
-        fields.back().fallback(wire == Wire::decimal ? "0" : "");
+        fields.back().fallback(wire == Wire::DECIMAL ? "0" : "");
     }
 }
 
@@ -38,7 +38,7 @@ Object port(unsigned index, const std::string& prefix, Values values)
     return {id, std::move(values), 0};
 }
 
-/// The prefix and a byte as two hexadecimal digits.
+/** The prefix and a byte as two hexadecimal digits. */
 std::string numbered(const char* prefix, unsigned byte)
 {
     char digits[8];
@@ -53,7 +53,7 @@ std::vector<Object> factoryFcPorts()
         const bool up = i != 3;
         ports.push_back(port(i, "FC",
                              {{"WWN", numbered("2100001405a000", i)},
-                              {"RUNNINGSTATUS", up ? runningLinkUp : runningLinkDown},
+                              {"RUNNINGSTATUS", up ? RUNNING_LINK_UP : RUNNING_LINK_DOWN},
                               {"RUNSPEED", up ? "16000" : "--"}}));
         ports.back().values.insert({{"CONFSPEED", "0"},
                                     {"MAXSUPPORTSPEED", "16000"},
@@ -114,9 +114,9 @@ ObjectType portType(Type code, const char* title, const char* resource, std::vec
 const ObjectType& fcPortType()
 {
     static const ObjectType type = [] {
-        ObjectType ports = portType(Type::fcPort, "FC port", "FC_PORT", factoryFcPorts);
-        addFields(ports.fields, Wire::text, {"WWN", "RUNSPEED"});
-        addFields(ports.fields, Wire::decimal,
+        ObjectType ports = portType(Type::FC_PORT, "FC port", "FC_PORT", factoryFcPorts);
+        addFields(ports.fields, Wire::TEXT, {"WWN", "RUNSPEED"});
+        addFields(ports.fields, Wire::DECIMAL,
                   {"CONFSPEED", "FCRUNMODE", "LOSTSIGNALS", "BADCHARNUMBER", "LOSTSYNC", "LINKFAIL",
                    "FLOGINDELAYTIMES", "MAXSUPPORTSPEED"});
         return ports;
@@ -127,9 +127,9 @@ const ObjectType& fcPortType()
 const ObjectType& fcoePortType()
 {
     static const ObjectType type = [] {
-        ObjectType ports = portType(Type::fcoePort, "FCoE port", "FCoE_PORT", factoryFcoePorts);
-        addFields(ports.fields, Wire::text, {"WWN", "RUNSPEED", "VLANID"});
-        addFields(ports.fields, Wire::decimal, {"ERRORPACKETS", "LOSTPACKETS", "OVERFLOWEDPACKETS"});
+        ObjectType ports = portType(Type::FCOE_PORT, "FCoE port", "FCoE_PORT", factoryFcoePorts);
+        addFields(ports.fields, Wire::TEXT, {"WWN", "RUNSPEED", "VLANID"});
+        addFields(ports.fields, Wire::DECIMAL, {"ERRORPACKETS", "LOSTPACKETS", "OVERFLOWEDPACKETS"});
         return ports;
     }();
     return type;
@@ -138,11 +138,11 @@ const ObjectType& fcoePortType()
 const ObjectType& ethPortType()
 {
     static const ObjectType type = [] {
-        ObjectType ports = portType(Type::ethPort, "Ethernet port", "ETH_PORT", factoryEthPorts);
-        addFields(ports.fields, Wire::text,
+        ObjectType ports = portType(Type::ETH_PORT, "Ethernet port", "ETH_PORT", factoryEthPorts);
+        addFields(ports.fields, Wire::TEXT,
                   {"MACADDRESS", "ISCSITCPPORT", "ISCSINAME", "IPV4ADDRESS", "IPV4MASK", "IPV6ADDRESS",
                    "IPV6MASK"});
-        addFields(ports.fields, Wire::decimal,
+        addFields(ports.fields, Wire::DECIMAL,
                   {"MTU", "SPEED", "ERRORPACKETS", "LOSTPACKETS", "OVERFLOWEDPACKETS"});
         return ports;
     }();

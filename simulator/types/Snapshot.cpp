@@ -8,7 +8,7 @@ namespace {
 void completeSnapshot(Change& snapshot)
 {
     if (snapshot.creating()) {
-        snapshot.values["USERCAPACITY"] = snapshot.world.at(Type::lun, snapshot.parentId).value("CAPACITY");
+        snapshot.values["USERCAPACITY"] = snapshot.world.at(Type::LUN, snapshot.parentId).value("CAPACITY");
     }
 }
 
@@ -17,19 +17,19 @@ void completeSnapshot(Change& snapshot)
 const ObjectType& snapshotType()
 {
     static const ObjectType type = [] {
-        ObjectType snapshots{Type::snapshot, "snapshot", {"snapshot", "SNAPSHOT"}, {}};
-        snapshots.parent = Parent{Type::lun, true, false};
+        ObjectType snapshots{Type::SNAPSHOT, "snapshot", {"snapshot", "SNAPSHOT"}, {}};
+        snapshots.parent = Parent{Type::LUN, true, false};
         snapshots.complete = completeSnapshot;
         snapshots.fields = {
             nameField(),
             descriptionField(),
             healthField(),
-            runningField(runningOnline),
-            Field("USERCAPACITY", Wire::decimal),
-            Field("CONSUMEDCAPACITY", Wire::decimal).fallback("0"),
+            runningField(RUNNING_ONLINE),
+            Field("USERCAPACITY", Wire::DECIMAL),
+            Field("CONSUMEDCAPACITY", Wire::DECIMAL).fallback("0"),
             wwnField('1'),
-            associatedFlag("ISADD2LUNGROUP", Type::snapshot, Type::lunGroup),
-            exposedFlag(Type::snapshot),
+            associatedFlag("ISADD2LUNGROUP", Type::SNAPSHOT, Type::LUN_GROUP),
+            exposedFlag(Type::SNAPSHOT),
         };
         return snapshots;
     }();

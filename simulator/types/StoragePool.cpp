@@ -1,16 +1,16 @@
 #include "types/StoragePool.h"
 
+#include "base/Codes.h"
+#include "base/Text.h"
 #include "types/Common.h"
 #include "types/Types.h"
-#include "wire/Codes.h"
-#include "wire/Query.h"
 
 #include <algorithm>
 
 namespace arraysim {
 namespace {
 
-constexpr unsigned long long gibibyte = (1ULL << 30) / sectorSize;
+constexpr unsigned long long GIBIBYTE = (1ULL << 30) / SECTOR_SIZE;
 
 Object pool(const char* id, const char* name, unsigned long long sectors)
 {
@@ -19,8 +19,8 @@ Object pool(const char* id, const char* name, unsigned long long sectors)
 
 std::vector<Object> factoryPools()
 {
-    return {pool("0", "performance", 64ULL * 1024 * gibibyte),
-            pool("1", "capacity", 1024ULL * 1024 * gibibyte), pool("2", "small", gibibyte)};
+    return {pool("0", "performance", 64ULL * 1024 * GIBIBYTE),
+            pool("1", "capacity", 1024ULL * 1024 * GIBIBYTE), pool("2", "small", GIBIBYTE)};
 }
 
 } // namespace
@@ -33,41 +33,41 @@ unsigned long long freeSectors(const Object& pool)
 
 void allocate(World& world, const std::string& poolId, unsigned long long sectors)
 {
-    Object pool = world.at(Type::storagePool, poolId);
+    Object pool = world.at(Type::STORAGE_POOL, poolId);
     if (sectors > freeSectors(pool)) {
-        throw ArrayError(Code::capacityShort, "The storage pool " + poolId + " has " +
-                                                  std::to_string(freeSectors(pool)) + " free sectors of " +
-                                                  std::to_string(sectorSize) + " bytes, but " +
-                                                  std::to_string(sectors) +
-                                                  " are needed: choose a smaller capacity or another pool.");
+        throw ArrayError(Code::CAPACITY_SHORT, "The storage pool " + poolId + " has " +
+                                                   std::to_string(freeSectors(pool)) + " free sectors of " +
+                                                   std::to_string(SECTOR_SIZE) + " bytes, but " +
+                                                   std::to_string(sectors) +
+                                                   " are needed: choose a smaller capacity or another pool.");
     }
     const auto allocated = decimal(pool.value("ALLOCATED")).value_or(0);
     pool.values["ALLOCATED"] = std::to_string(allocated + sectors);
-    world.put(Type::storagePool, std::move(pool));
+    world.put(Type::STORAGE_POOL, std::move(pool));
 }
 
 void release(World& world, const std::string& poolId, unsigned long long sectors)
 {
-    Object pool = world.at(Type::storagePool, poolId);
+    Object pool = world.at(Type::STORAGE_POOL, poolId);
     const auto allocated = decimal(pool.value("ALLOCATED")).value_or(0);
     pool.values["ALLOCATED"] = std::to_string(allocated - std::min(allocated, sectors));
-    world.put(Type::storagePool, std::move(pool));
+    world.put(Type::STORAGE_POOL, std::move(pool));
 }
 
 const ObjectType& storagePoolType()
 {
     static const ObjectType type = [] {
-        ObjectType pools{Type::storagePool, "storage pool", {"storagepool"}, {}};
+        ObjectType pools{Type::STORAGE_POOL, "storage pool", {"storagepool"}, {}};
         pools.callerManaged = false;
         pools.factory = factoryPools;
         pools.fields = {
-            Field("NAME", Wire::text).filter(),
+            Field("NAME", Wire::TEXT).filter(),
             descriptionField(),
             healthField(),
-            runningField(runningOnline),
-            Field("SECTORSIZE", Wire::decimal).fallback(std::to_string(sectorSize)),
-            Field("TOTALCAPACITY", Wire::decimal),
-            Field("FREECAPACITY", Wire::decimal).derived([](const World&, const Object& object) {
+            runningField(RUNNING_ONLINE),
+            Field("SECTORSIZE", Wire::DECIMAL).fallback(std::to_string(SECTOR_SIZE)),
+            Field("TOTALCAPACITY", Wire::DECIMAL),
+            Field("FREECAPACITY", Wire::DECIMAL).derived([](const World&, const Object& object) {
                 return std::to_string(freeSectors(object));
             }),
         };

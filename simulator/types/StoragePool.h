@@ -1,14 +1,17 @@
-#pragma once
+#ifndef SIMULATOR_TYPES_STORAGEPOOL_H
+#define SIMULATOR_TYPES_STORAGEPOOL_H
 
 #include "model/World.h"
 
 namespace arraysim {
 
-/// The sectors of the pool that no LUN has allocated.
+/** The sectors of the pool that no LUN has allocated. */
 unsigned long long freeSectors(const Object& pool);
 
-/// Takes sectors of the pool, or throws ArrayError (capacityShort). Within a transaction.
+/** Takes sectors of the pool, or throws ArrayError (CAPACITY_SHORT). Within a transaction. */
 void allocate(World& world, const std::string& poolId, unsigned long long sectors);
 void release(World& world, const std::string& poolId, unsigned long long sectors);
 
 } // namespace arraysim
+
+#endif

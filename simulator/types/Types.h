@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_TYPES_TYPES_H
+#define SIMULATOR_TYPES_TYPES_H
 
 #include "model/ObjectType.h"
 
@@ -18,3 +19,5 @@ const ObjectType& fcoePortType();
 const ObjectType& ethPortType();
 
 } // namespace arraysim
+
+#endif

@@ -1,7 +1,7 @@
 #include "watch/Faults.h"
 
-#include "wire/Body.h"
-#include "wire/Codes.h"
+#include "base/Codes.h"
+#include "base/Json.h"
 
 #include <fnmatch.h>
 
@@ -13,21 +13,21 @@ namespace {
 const std::map<std::string, FaultAction>& actions()
 {
     static const std::map<std::string, FaultAction> names = {
-        {"delay", FaultAction::delay},
-        {"error", FaultAction::error},
-        {"close", FaultAction::close},
-        {"truncate", FaultAction::truncate},
-        {"invalidJson", FaultAction::invalidJson},
-        {"answer", FaultAction::answer},
-        {"dropSession", FaultAction::dropSession},
+        {"delay", FaultAction::DELAY},
+        {"error", FaultAction::ERROR},
+        {"close", FaultAction::CLOSE},
+        {"truncate", FaultAction::TRUNCATE},
+        {"invalidJson", FaultAction::INVALID_JSON},
+        {"answer", FaultAction::ANSWER},
+        {"dropSession", FaultAction::DROP_SESSION},
     };
     return names;
 }
 
 bool performedByDefault(FaultAction action)
 {
-    return action == FaultAction::delay || action == FaultAction::truncate ||
-           action == FaultAction::invalidJson || action == FaultAction::dropSession;
+    return action == FaultAction::DELAY || action == FaultAction::TRUNCATE ||
+           action == FaultAction::INVALID_JSON || action == FaultAction::DROP_SESSION;
 }
 
 bool matches(const std::string& pattern, const std::string& text)
@@ -39,7 +39,7 @@ void takeText(const Json::Value& from, const char* key, std::string& to)
 {
     if (from.isMember(key)) {
         if (!from[key].isString()) {
-            throw ArrayError(Code::memberInvalid, std::string("The fault's ") + key + " must be a text.");
+            throw ArrayError(Code::MEMBER_INVALID, std::string("The fault's ") + key + " must be a text.");
         }
         to = from[key].asString();
     }
@@ -50,7 +50,7 @@ void takeNumber(const Json::Value& from, const char* key, Number& to)
 {
     if (from.isMember(key)) {
         if (!from[key].isInt() || from[key].asInt() < 0) {
-            throw ArrayError(Code::memberInvalid, std::string("The fault's ") + key + " must be a number.");
+            throw ArrayError(Code::MEMBER_INVALID, std::string("The fault's ") + key + " must be a number.");
         }
         to = static_cast<Number>(from[key].asInt());
     }
@@ -72,13 +72,13 @@ unsigned Faults::add(const Json::Value& description)
     Fault fault;
     const auto action = actions().find(requiredText(description, "action"));
     if (action == actions().end()) {
-        throw ArrayError(Code::memberInvalid, "There is no such action for a fault.");
+        throw ArrayError(Code::MEMBER_INVALID, "There is no such action for a fault.");
     }
     fault.action = action->second;
     fault.performed = performedByDefault(fault.action);
     if (description.isMember("performed")) {
         if (!description["performed"].isBool()) {
-            throw ArrayError(Code::memberInvalid, "The fault's performed must be true or false.");
+            throw ArrayError(Code::MEMBER_INVALID, "The fault's performed must be true or false.");
         }
         fault.performed = description["performed"].asBool();
     }

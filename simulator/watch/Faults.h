@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_WATCH_FAULTS_H
+#define SIMULATOR_WATCH_FAULTS_H
 
 #include <json/json.h>
 
@@ -9,16 +10,16 @@
 
 namespace arraysim {
 
-/// What goes wrong instead of, or besides, an ordinary answer.
+/** What goes wrong instead of, or besides, an ordinary answer. */
 enum class FaultAction
 {
-    delay,
-    error,
-    close,
-    truncate,
-    invalidJson,
-    answer,
-    dropSession
+    DELAY,
+    ERROR,
+    CLOSE,
+    TRUNCATE,
+    INVALID_JSON,
+    ANSWER,
+    DROP_SESSION
 };
 
 struct Fault
@@ -30,7 +31,7 @@ struct Fault
     unsigned skip = 0;        ///< requests that match and pass untouched first
     unsigned count = 1;       ///< how often it strikes; 0: always
     unsigned hits = 0;
-    FaultAction action = FaultAction::error;
+    FaultAction action = FaultAction::ERROR;
     bool performed = false; ///< whether the array carries the request out all the same
     unsigned delayMs = 0;   ///< before the answer, with every action
     int code = 1;
@@ -39,11 +40,11 @@ struct Fault
     std::string body; ///< of the action answer
 };
 
-/// The faults that tests have set. A request meets the first one that matches and is not spent.
+/** The faults that tests have set. A request meets the first one that matches and is not spent. */
 class Faults
 {
 public:
-    /// Throws ArrayError where the description of the fault is not understood.
+    /** Throws ArrayError where the description of the fault is not understood. */
     unsigned add(const Json::Value& description);
     Json::Value list();
     bool remove(unsigned id);
@@ -57,3 +58,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

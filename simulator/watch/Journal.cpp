@@ -1,6 +1,6 @@
 #include "watch/Journal.h"
 
-#include "wire/Target.h"
+#include "base/Text.h"
 
 #include <cerrno>
 #include <cstring>
@@ -10,7 +10,7 @@
 namespace arraysim {
 namespace {
 
-constexpr std::size_t keptEntries = 50000;
+constexpr std::size_t KEPT_ENTRIES = 50000;
 
 std::string timeNow()
 {
@@ -60,7 +60,7 @@ void Journal::add(const JournalEntry& entry)
     const std::lock_guard<std::mutex> guard(m_mutex);
     kept["number"] = Json::UInt64(++m_lastNumber);
     m_entries.push_back(std::move(kept));
-    if (m_entries.size() > keptEntries) {
+    if (m_entries.size() > KEPT_ENTRIES) {
         m_entries.pop_front();
     }
     ++m_requests[entry.method + " " + entry.resource];

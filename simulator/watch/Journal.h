@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_WATCH_JOURNAL_H
+#define SIMULATOR_WATCH_JOURNAL_H
 
 #include <json/json.h>
 
@@ -11,7 +12,7 @@
 
 namespace arraysim {
 
-/// One request that the array answered, or meant to.
+/** One request that the array answered, or meant to. */
 struct JournalEntry
 {
     unsigned long connection = 0;
@@ -26,20 +27,20 @@ struct JournalEntry
     double milliseconds = 0;
 };
 
-/// Remembers, counts and logs requests. Thread-safe.
+/** Remembers, counts and logs requests. Thread-safe. */
 class Journal
 {
 public:
-    /// Opens the log file; "-" is the standard error stream, an empty name no log.
+    /** Opens the log file; "-" is the standard error stream, an empty name no log. */
     explicit Journal(const std::string& logFile);
 
     void add(const JournalEntry& entry);
-    /// A line of its own in the log.
+    /** A line of its own in the log. */
     void note(const std::string& text);
 
-    /// Entries with a number above since, oldest first; only the last 50000 are kept.
+    /** Entries with a number above since, oldest first; only the last 50000 are kept. */
     Json::Value entries(unsigned long since);
-    /// Requests by method and resource.
+    /** Requests by method and resource. */
     Json::Value requests();
     void clearEntries();
     void clearCounters();
@@ -55,3 +56,5 @@ private:
 };
 
 } // namespace arraysim
+
+#endif

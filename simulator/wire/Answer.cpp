@@ -1,5 +1,7 @@
 #include "wire/Answer.h"
 
+#include "base/Json.h"
+
 namespace arraysim {
 
 Answer Answer::records(Json::Value data)
@@ -14,7 +16,7 @@ Answer Answer::records(Json::Value data)
 Answer Answer::error(const ArrayError& error)
 {
     Answer answer;
-    answer.status = error.code() == Code::sessionInvalid ? 401 : 200;
+    answer.status = error.code() == Code::SESSION_INVALID ? 401 : 200;
     answer.code = static_cast<int>(error.code());
     answer.description = error.what();
     return answer;
@@ -29,17 +31,6 @@ std::string Answer::body() const
     root["error"]["code"] = code;
     root["error"]["description"] = description;
     return jsonText(root);
-}
-
-std::string jsonText(const Json::Value& value)
-{
-    static const Json::StreamWriterBuilder builder = [] {
-        Json::StreamWriterBuilder b;
-        b["indentation"] = "";
-        b["emitUTF8"] = true;
-        return b;
-    }();
-    return Json::writeString(builder, value);
 }
 
 } // namespace arraysim

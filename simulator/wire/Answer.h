@@ -1,6 +1,7 @@
-#pragma once
+#ifndef SIMULATOR_WIRE_ANSWER_H
+#define SIMULATOR_WIRE_ANSWER_H
 
-#include "wire/Codes.h"
+#include "base/Codes.h"
 
 #include <json/json.h>
 
@@ -10,7 +11,7 @@
 
 namespace arraysim {
 
-/// What the array answers: records or nothing, or an error object; headers only for the login.
+/** What the array answers: records or nothing, or an error object; headers only for the login. */
 struct Answer
 {
     int status = 200;
@@ -22,11 +23,10 @@ struct Answer
     static Answer records(Json::Value data);
     static Answer error(const ArrayError& error);
 
-    /// The body as it goes over the wire.
+    /** The body as it goes over the wire. */
     std::string body() const;
 };
 
-/// One line of JSON without blanks, UTF-8 as it is.
-std::string jsonText(const Json::Value& value);
-
 } // namespace arraysim
+
+#endif

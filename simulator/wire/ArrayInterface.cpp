@@ -1,6 +1,6 @@
 #include "wire/ArrayInterface.h"
 
-#include "wire/Body.h"
+#include "base/Json.h"
 #include "wire/ObjectRoutes.h"
 
 #include <exception>
@@ -8,9 +8,9 @@
 namespace arraysim {
 namespace {
 
-const std::string root = "/deviceManager/rest/";
+const std::string ROOT = "/deviceManager/rest/";
 
-/// Runs one operation and turns what it throws into the answer's error object.
+/** Runs one operation and turns what it throws into the answer's error object. */
 template <typename Operation>
 Answer answered(Operation operation)
 {
@@ -19,7 +19,7 @@ Answer answered(Operation operation)
     } catch (const ArrayError& refused) {
         return Answer::error(refused);
     } catch (const std::exception& failure) {
-        return Answer::error(ArrayError(Code::internal, failure.what()));
+        return Answer::error(ArrayError(Code::INTERNAL, failure.what()));
     }
 }
 
@@ -27,10 +27,10 @@ Answer answered(Operation operation)
 
 std::string relativeTarget(const std::string& target)
 {
-    if (target.compare(0, root.size(), root) != 0) {
+    if (target.compare(0, ROOT.size(), ROOT) != 0) {
         return target;
     }
-    const std::size_t slash = target.find_first_of("/?", root.size());
+    const std::size_t slash = target.find_first_of("/?", ROOT.size());
     return slash == std::string::npos ? std::string("/") : target.substr(slash);
 }
 
@@ -66,7 +66,7 @@ Answer ArrayInterface::route(const ArrayRequest& request)
     const Target whole = parseTarget(request.target);
     const auto& segments = whole.segments;
     if (segments.size() < 4 || segments[0] != "deviceManager" || segments[1] != "rest") {
-        throw ArrayError(Code::resourceUnknown, "The array's interface is below " + root + "DEVICEID/.");
+        throw ArrayError(Code::RESOURCE_UNKNOWN, "The array's interface is below " + ROOT + "DEVICEID/.");
     }
     const bool isSession = segments[3] == "sessions" && segments.size() == 4;
     if (isSession && request.method == "POST") {
@@ -79,7 +79,7 @@ Answer ArrayInterface::route(const ArrayRequest& request)
     }
     m_sessions.require(credentials);
     if (isSession) {
-        throw ArrayError(Code::methodUnsupported, "Sessions are opened with POST and ended with DELETE.");
+        throw ArrayError(Code::METHOD_UNSUPPORTED, "Sessions are opened with POST and ended with DELETE.");
     }
     const Target relative = parseTarget(relativeTarget(request.target));
     if (request.method == "GET" && relative.path == "/server/logininfo") {

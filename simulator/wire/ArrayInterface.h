@@ -1,11 +1,12 @@
-#pragma once
+#ifndef SIMULATOR_WIRE_ARRAYINTERFACE_H
+#define SIMULATOR_WIRE_ARRAYINTERFACE_H
 
 #include "model/Operations.h"
 #include "wire/Sessions.h"
 
 namespace arraysim {
 
-/// One request to the array's interface.
+/** One request to the array's interface. */
 struct ArrayRequest
 {
     std::string method;
@@ -15,15 +16,15 @@ struct ArrayRequest
     std::string cookie;
 };
 
-/// The array's management interface: sessions and objects below /deviceManager/rest/.
+/** The array's management interface: sessions and objects below /deviceManager/rest/. */
 class ArrayInterface
 {
 public:
     ArrayInterface(World& world, Sessions& sessions) : m_world(world), m_sessions(sessions) {}
 
-    /// Never throws: what is refused becomes an error object.
+    /** Never throws: what is refused becomes an error object. */
     Answer handle(const ArrayRequest& request);
-    /// The same operations on objects without a session, for the control interface.
+    /** The same operations on objects without a session, for the control interface. */
     Answer handleObject(const std::string& method, const std::string& target, const std::string& body);
 
 private:
@@ -33,11 +34,15 @@ private:
     Sessions& m_sessions;
 };
 
-/// The part of a raw target behind /deviceManager/rest/DEVICEID, e.g. "/lun/7"; the target as it is
-/// where it does not begin so.
+/**
+ * The part of a raw target behind /deviceManager/rest/DEVICEID, e.g. "/lun/7"; the target as it is
+ * where it does not begin so.
+ */
 std::string relativeTarget(const std::string& target);
 
-/// A relative target with the object's ID replaced by {id}, so that counters have one entry a resource.
+/** A relative target with the object's ID replaced by {id}, so that counters have one entry a resource. */
 std::string resourceTemplate(const std::string& relative);
 
 } // namespace arraysim
+
+#endif

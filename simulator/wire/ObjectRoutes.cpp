@@ -1,6 +1,8 @@
 #include "wire/ObjectRoutes.h"
 
-#include "wire/Body.h"
+#include "base/Json.h"
+#include "base/Text.h"
+#include "wire/Query.h"
 
 #include <algorithm>
 #include <functional>
@@ -8,23 +10,23 @@
 namespace arraysim {
 namespace {
 
-const std::set<std::string> noParameters;
-const std::set<std::string> listParameters{"filter", "range", "TYPE"};
-const std::set<std::string> associatedParameters{"filter", "range", "TYPE", "ASSOCIATEOBJTYPE",
-                                                 "ASSOCIATEOBJID"};
-const std::set<std::string> linkParameters{"ID", "ASSOCIATEOBJTYPE", "ASSOCIATEOBJID"};
+const std::set<std::string> NO_PARAMETERS;
+const std::set<std::string> LIST_PARAMETERS{"filter", "range", "TYPE"};
+const std::set<std::string> ASSOCIATED_PARAMETERS{"filter", "range", "TYPE", "ASSOCIATEOBJTYPE",
+                                                  "ASSOCIATEOBJID"};
+const std::set<std::string> LINK_PARAMETERS{"ID", "ASSOCIATEOBJTYPE", "ASSOCIATEOBJID"};
 
 [[noreturn]] void unsupported(const ObjectRequest& request)
 {
-    throw ArrayError(Code::methodUnsupported, "The resource " + printable(request.target.path) +
-                                                  " does not support " + request.method + ".");
+    throw ArrayError(Code::METHOD_UNSUPPORTED, "The resource " + printable(request.target.path) +
+                                                   " does not support " + request.method + ".");
 }
 
 void checkQueriedType(const ObjectType& type, const Query& query)
 {
     if (query.has("TYPE") && query.number("TYPE") != static_cast<int>(type.code)) {
-        throw ArrayError(Code::memberInvalid, "The TYPE of a " + type.title + " is " +
-                                                  std::to_string(static_cast<int>(type.code)) + ".");
+        throw ArrayError(Code::MEMBER_INVALID, "The TYPE of a " + type.title + " is " +
+                                                   std::to_string(static_cast<int>(type.code)) + ".");
     }
 }
 
@@ -35,13 +37,13 @@ std::optional<AssociatedWith> associatedObject(const Query& query)
     }
     const ObjectType* type = findType(query.number("ASSOCIATEOBJTYPE"));
     if (type == nullptr) {
-        throw ArrayError(Code::associationUnsupported,
+        throw ArrayError(Code::ASSOCIATION_UNSUPPORTED,
                          "The array has no objects of type " + query.text("ASSOCIATEOBJTYPE") + ".");
     }
     return AssociatedWith{type->code, query.text("ASSOCIATEOBJID")};
 }
 
-/// What a request for an association names, whether in its body or in its query.
+/** What a request for an association names, whether in its body or in its query. */
 struct Link
 {
     std::string owner;
@@ -52,10 +54,10 @@ struct Link
 Link linkOf(const ObjectRequest& request, const AssociationRoute& route, Type owner)
 {
     if (request.method == "DELETE") {
-        const Query query(request.target, linkParameters);
+        const Query query(request.target, LINK_PARAMETERS);
         return {query.text("ID"), query.number("ASSOCIATEOBJTYPE"), query.text("ASSOCIATEOBJID")};
     }
-    const Query none(request.target, noParameters);
+    const Query none(request.target, NO_PARAMETERS);
     const Json::Value body = parseBody(request.body);
     if (route.memberOnly) {
         allowMembers(body, {"ID"});
@@ -63,13 +65,13 @@ Link linkOf(const ObjectRequest& request, const AssociationRoute& route, Type ow
     }
     allowMembers(body, {"ID", "TYPE", "ASSOCIATEOBJTYPE", "ASSOCIATEOBJID"});
     if (body.isMember("TYPE") && requiredNumber(body, "TYPE") != static_cast<int>(owner)) {
-        throw ArrayError(Code::memberInvalid, "The TYPE does not belong to this resource.");
+        throw ArrayError(Code::MEMBER_INVALID, "The TYPE does not belong to this resource.");
     }
     return {requiredText(body, "ID"), requiredNumber(body, "ASSOCIATEOBJTYPE"),
             requiredText(body, "ASSOCIATEOBJID")};
 }
 
-/// The one owner of a member, for requests that name the member alone.
+/** The one owner of a member, for requests that name the member alone. */
 std::string onlyOwner(const World& world, const Relation& relation, const std::string& member)
 {
     const IdSet& owners =
@@ -88,7 +90,7 @@ bool isRoute(const std::optional<AssociationRoute>& route, const ObjectRequest& 
            route->action == segments[1];
 }
 
-/// Runs the request when it makes or breaks an association; false when it does not.
+/** Runs the request when it makes or breaks an association; false when it does not. */
 bool changesAssociation(World& world, const ObjectRequest& request)
 {
     bool isAssociation = false;
@@ -110,7 +112,7 @@ bool changesAssociation(World& world, const ObjectRequest& request)
         return true;
     }
     if (isAssociation) {
-        throw ArrayError(Code::associationUnsupported, "This resource associates no objects of that type.");
+        throw ArrayError(Code::ASSOCIATION_UNSUPPORTED, "This resource associates no objects of that type.");
     }
     return false;
 }
@@ -124,27 +126,27 @@ Answer routeAction(World& world, const ObjectType& type, const ObjectRequest& re
     if (request.method != "GET" || (action != "associate" && action != "count")) {
         unsupported(request);
     }
-    const Query query(request.target, associatedParameters);
+    const Query query(request.target, ASSOCIATED_PARAMETERS);
     checkQueriedType(type, query);
     const auto of = associatedObject(query);
     if (action == "count") {
-        return Answer::records(countObjects(world, type, query, of));
+        return Answer::records(countObjects(world, type, query.selection(), of));
     }
     if (!of) {
-        throw ArrayError(Code::memberMissing,
+        throw ArrayError(Code::MEMBER_MISSING,
                          "An association query needs ASSOCIATEOBJTYPE and ASSOCIATEOBJID.");
     }
-    return Answer::records(listObjects(world, type, query, of));
+    return Answer::records(listObjects(world, type, query.selection(), of));
 }
 
 Answer routeCollection(World& world, const ObjectType& type, const ObjectRequest& request)
 {
     if (request.method == "GET") {
-        const Query query(request.target, listParameters);
+        const Query query(request.target, LIST_PARAMETERS);
         checkQueriedType(type, query);
-        return Answer::records(listObjects(world, type, query, std::nullopt));
+        return Answer::records(listObjects(world, type, query.selection(), std::nullopt));
     }
-    const Query none(request.target, noParameters);
+    const Query none(request.target, NO_PARAMETERS);
     if (request.method == "POST") {
         return Answer::records(createObject(world, type, parseBody(request.body), world.settling));
     }
@@ -159,7 +161,7 @@ Answer routeCollection(World& world, const ObjectType& type, const ObjectRequest
 Answer routeOneObject(World& world, const ObjectType& type, const ObjectRequest& request)
 {
     const std::string& id = request.target.segments[1];
-    const Query none(request.target, noParameters);
+    const Query none(request.target, NO_PARAMETERS);
     if (request.method == "GET") {
         return Answer::records(readObject(world, type, id));
     }
@@ -197,7 +199,7 @@ Answer routeObject(World& world, const ObjectRequest& request)
     const auto& segments = request.target.segments;
     const ObjectType* type = segments.empty() ? nullptr : findResource(segments[0]);
     if (type == nullptr || segments.size() > 2) {
-        throw ArrayError(Code::resourceUnknown,
+        throw ArrayError(Code::RESOURCE_UNKNOWN,
                          "The array has no resource " + printable(request.target.path) + ".");
     }
     if (segments.size() == 1 || segments[1].empty()) {

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_WIRE_OBJECTROUTES_H
+#define SIMULATOR_WIRE_OBJECTROUTES_H
 
 #include "model/Operations.h"
 #include "wire/Answer.h"
@@ -6,7 +7,7 @@
 
 namespace arraysim {
 
-/// A request for objects, its target relative to the device.
+/** A request for objects, its target relative to the device. */
 struct ObjectRequest
 {
     std::string method;
@@ -14,10 +15,12 @@ struct ObjectRequest
     std::string body;
 };
 
-/// Finds the operation that a request asks for and runs it. Throws ArrayError. Hold the world's lock.
+/** Finds the operation that a request asks for and runs it. Throws ArrayError. Hold the world's lock. */
 Answer routeObject(World& world, const ObjectRequest& request);
 
-/// Whether the segment behind a resource names an action instead of an object.
+/** Whether the segment behind a resource names an action instead of an object. */
 bool isAction(const std::string& segment);
 
 } // namespace arraysim
+
+#endif

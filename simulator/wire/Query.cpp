@@ -1,9 +1,9 @@
 #include "wire/Query.h"
 
-#include "wire/Codes.h"
+#include "base/Codes.h"
+#include "base/Text.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
 
 namespace arraysim {
@@ -11,10 +11,10 @@ namespace {
 
 [[noreturn]] void malformed(const std::string& what)
 {
-    throw ArrayError(Code::queryMalformed, what);
+    throw ArrayError(Code::QUERY_MALFORMED, what);
 }
 
-/// The length of an encoded or raw blank at position, 0 where there is none.
+/** The length of an encoded or raw blank at position, 0 where there is none. */
 std::size_t blankAt(const std::string& raw, std::size_t position)
 {
     if (raw.compare(position, 3, "%20") == 0) {
@@ -23,7 +23,7 @@ std::size_t blankAt(const std::string& raw, std::size_t position)
     return position < raw.size() && (raw[position] == ' ' || raw[position] == '+') ? 1 : 0;
 }
 
-/// The length of "KEY:" at position, 0 where there is none.
+/** The length of "KEY:" at position, 0 where there is none. */
 std::size_t keyAt(const std::string& raw, std::size_t position)
 {
     std::size_t end = position;
@@ -34,7 +34,7 @@ std::size_t keyAt(const std::string& raw, std::size_t position)
     return end > position && end < raw.size() && raw[end] == ':' ? end + 1 - position : 0;
 }
 
-/// The length of " and " at position where a condition follows it, else 0.
+/** The length of " and " at position where a condition follows it, else 0. */
 std::size_t separatorAt(const std::string& raw, std::size_t position)
 {
     const std::size_t before = blankAt(raw, position);
@@ -47,19 +47,6 @@ std::size_t separatorAt(const std::string& raw, std::size_t position)
 }
 
 } // namespace
-
-std::optional<unsigned long long> decimal(const std::string& text)
-{
-    unsigned long long value = 0;
-    for (const char c : text) {
-        const auto digit = static_cast<unsigned long long>(c - '0');
-        if (c < '0' || c > '9' || value > (UINT64_MAX - digit) / 10) {
-            return std::nullopt;
-        }
-        value = value * 10 + digit;
-    }
-    return text.empty() ? std::nullopt : std::make_optional(value);
-}
 
 std::vector<Condition> parseFilter(const std::string& raw)
 {
@@ -106,9 +93,9 @@ Query::Query(const Target& target, const std::set<std::string>& allowed)
         }
         m_parameters.emplace_back(key, percentDecode(raw, true));
         if (key == "filter") {
-            m_filter = parseFilter(raw);
+            m_selection.filter = parseFilter(raw);
         } else if (key == "range") {
-            m_range = parseRange(m_parameters.back().second);
+            m_selection.range = parseRange(m_parameters.back().second);
         }
     }
 }
@@ -126,14 +113,14 @@ std::string Query::text(const std::string& key) const
             return value;
         }
     }
-    throw ArrayError(Code::memberMissing, "The query parameter " + key + " is missing or empty.");
+    throw ArrayError(Code::MEMBER_MISSING, "The query parameter " + key + " is missing or empty.");
 }
 
 int Query::number(const std::string& key) const
 {
     const auto value = decimal(text(key));
     if (!value || *value > static_cast<unsigned long long>(std::numeric_limits<int>::max())) {
-        throw ArrayError(Code::memberInvalid, "The query parameter " + key + " is not a decimal number.");
+        throw ArrayError(Code::MEMBER_INVALID, "The query parameter " + key + " is not a decimal number.");
     }
     return static_cast<int>(*value);
 }

@@ -1,6 +1,6 @@
 #include "wire/Sessions.h"
 
-#include "wire/Body.h"
+#include "base/Json.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
@@ -11,7 +11,7 @@
 namespace arraysim {
 namespace {
 
-/// Compares digests, so that the time taken tells nothing about the texts or their lengths.
+/** Compares digests, so that the time taken tells nothing about the texts or their lengths. */
 bool sameSecret(const std::string& a, const std::string& b)
 {
     unsigned char left[EVP_MAX_MD_SIZE];
@@ -22,10 +22,10 @@ bool sameSecret(const std::string& a, const std::string& b)
            CRYPTO_memcmp(left, right, size) == 0;
 }
 
-/// The value of the cookie "session" in a Cookie header, which may carry others too.
+/** The value of the cookie "session" in a Cookie header, which may carry others too. */
 std::string sessionCookie(const std::string& header)
 {
-    static const std::string name = "session=";
+    static const std::string NAME = "session=";
     std::size_t at = 0;
     while (at < header.size()) {
         at = header.find_first_not_of("; ", at);
@@ -33,8 +33,8 @@ std::string sessionCookie(const std::string& header)
             break;
         }
         const std::size_t end = std::min(header.find(';', at), header.size());
-        if (header.compare(at, name.size(), name) == 0) {
-            return header.substr(at + name.size(), end - at - name.size());
+        if (header.compare(at, NAME.size(), NAME) == 0) {
+            return header.substr(at + NAME.size(), end - at - NAME.size());
         }
         at = end;
     }
@@ -45,7 +45,7 @@ std::string sessionCookie(const std::string& header)
 
 std::string randomHex(std::size_t bytes)
 {
-    static const char* const digits = "0123456789abcdef";
+    static constexpr const char* DIGITS = "0123456789abcdef";
     std::string raw(bytes, '\0');
     if (RAND_bytes(reinterpret_cast<unsigned char*>(raw.data()), static_cast<int>(bytes)) != 1) {
         throw std::runtime_error("the system's random source does not answer");
@@ -53,8 +53,8 @@ std::string randomHex(std::size_t bytes)
     std::string text;
     for (const char c : raw) {
         const auto byte = static_cast<unsigned char>(c);
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
+        text += DIGITS[byte >> 4];
+        text += DIGITS[byte & 15];
     }
     return text;
 }
@@ -71,12 +71,12 @@ Answer Sessions::login(const Json::Value& body)
     const std::string password = requiredText(body, "password");
     const int scope = requiredNumber(body, "scope");
     if (user != m_settings.user || !sameSecret(password, m_settings.password)) {
-        throw ArrayError(Code::loginRefused, "The user name or password is incorrect.");
+        throw ArrayError(Code::LOGIN_REFUSED, "The user name or password is incorrect.");
     }
     const std::lock_guard<std::mutex> guard(m_mutex);
     expire();
     if (m_sessions.size() >= m_settings.limit) {
-        throw ArrayError(Code::sessionLimit,
+        throw ArrayError(Code::SESSION_LIMIT,
                          "All " + std::to_string(m_settings.limit) +
                              " sessions are in use: log out of one, or wait until one expires.");
     }
@@ -144,7 +144,7 @@ std::map<std::string, Sessions::Session>::iterator Sessions::find(const Credenti
     const auto found = m_sessions.find(credentials.token);
     if (credentials.deviceId != m_deviceId || found == m_sessions.end() ||
         !sameSecret(sessionCookie(credentials.cookie), found->second.cookie)) {
-        throw ArrayError(Code::sessionInvalid,
+        throw ArrayError(Code::SESSION_INVALID,
                          "The request belongs to no session, or the session has expired: log in again.");
     }
     return found;

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_WIRE_SESSIONS_H
+#define SIMULATOR_WIRE_SESSIONS_H
 
 #include "wire/Answer.h"
 
@@ -8,7 +9,7 @@
 
 namespace arraysim {
 
-/// What a request proves its session with.
+/** What a request proves its session with. */
 struct Credentials
 {
     std::string deviceId;
@@ -24,22 +25,22 @@ struct SessionSettings
     std::chrono::seconds timeout{1200};
 };
 
-/// The open sessions. Thread-safe.
+/** The open sessions. Thread-safe. */
 class Sessions
 {
 public:
     Sessions(SessionSettings settings, std::string deviceId);
 
-    /// Opens a session for the user name and password in the body. Throws ArrayError.
+    /** Opens a session for the user name and password in the body. Throws ArrayError. */
     Answer login(const Json::Value& body);
-    /// Finds the session and starts its idle time again. Throws ArrayError (sessionInvalid).
+    /** Finds the session and starts its idle time again. Throws ArrayError (SESSION_INVALID). */
     void require(const Credentials& credentials);
-    /// Ends the session. Throws ArrayError (sessionInvalid).
+    /** Ends the session. Throws ArrayError (SESSION_INVALID). */
     void logout(const Credentials& credentials);
     void drop(const std::string& token);
     void dropAll();
     std::size_t count();
-    /// Lets time pass for the sessions alone, so that tests of the idle time need not wait.
+    /** Lets time pass for the sessions alone, so that tests of the idle time need not wait. */
     void advance(std::chrono::seconds by);
     const std::string& user() const { return m_settings.user; }
 
@@ -61,7 +62,9 @@ private:
     std::map<std::string, Session> m_sessions; ///< by token
 };
 
-/// Hexadecimal digits from the system's random source, for tokens, cookies and passwords.
+/** Hexadecimal digits from the system's random source, for tokens, cookies and passwords. */
 std::string randomHex(std::size_t bytes);
 
 } // namespace arraysim
+
+#endif

@@ -1,8 +1,7 @@
 #include "wire/Target.h"
 
-#include "wire/Codes.h"
-
-#include <cstdio>
+#include "base/Codes.h"
+#include "base/Text.h"
 
 namespace arraysim {
 namespace {
@@ -45,7 +44,7 @@ std::string percentDecode(const std::string& raw, bool plusIsBlank)
             const int high = i + 2 < raw.size() ? hexDigit(raw[i + 1]) : -1;
             const int low = i + 2 < raw.size() ? hexDigit(raw[i + 2]) : -1;
             if (high < 0 || low < 0) {
-                throw ArrayError(Code::queryMalformed, "The request target holds a broken percent escape.");
+                throw ArrayError(Code::QUERY_MALFORMED, "The request target holds a broken percent escape.");
             }
             text += static_cast<char>(high * 16 + low);
             i += 2;
@@ -72,28 +71,12 @@ Target parseTarget(const std::string& raw)
         }
         const std::size_t equals = pair.find('=');
         if (equals == std::string::npos) {
-            throw ArrayError(Code::queryMalformed,
+            throw ArrayError(Code::QUERY_MALFORMED,
                              "The query parameter \"" + printable(pair) + "\" has no value.");
         }
         target.parameters.emplace_back(percentDecode(pair.substr(0, equals), true), pair.substr(equals + 1));
     }
     return target;
-}
-
-std::string printable(const std::string& text)
-{
-    std::string shown;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7f) {
-            shown += c;
-        } else {
-            char escape[5];
-            std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned>(byte));
-            shown += escape;
-        }
-    }
-    return shown;
 }
 
 } // namespace arraysim

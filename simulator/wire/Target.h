@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_WIRE_TARGET_H
+#define SIMULATOR_WIRE_TARGET_H
 
 #include <string>
 #include <utility>
@@ -6,7 +7,7 @@
 
 namespace arraysim {
 
-/// A request target, split before it is decoded, so that an encoded separator stays data.
+/** A request target, split before it is decoded, so that an encoded separator stays data. */
 struct Target
 {
     std::vector<std::string> segments;                           ///< of the path, each decoded once
@@ -15,14 +16,15 @@ struct Target
     std::string query;                                           ///< raw, without the question mark
 };
 
-/// Splits a raw request target. Throws ArrayError (queryMalformed) for a bad escape or a parameter
-/// without a value.
+/**
+ * Splits a raw request target. Throws ArrayError (QUERY_MALFORMED) for a bad escape or a parameter
+ * without a value.
+ */
 Target parseTarget(const std::string& raw);
 
-/// Decodes %XX once; in a query a plus sign is a blank. Throws ArrayError for a bad escape.
+/** Decodes %XX once; in a query a plus sign is a blank. Throws ArrayError for a bad escape. */
 std::string percentDecode(const std::string& raw, bool plusIsBlank);
 
-/// A target as it may stand in a log line: control bytes are shown as escapes.
-std::string printable(const std::string& text);
-
 } // namespace arraysim
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef SIMULATOR_ARRAYCLIENT_H
+#define SIMULATOR_ARRAYCLIENT_H
 
 #include "support/ArraySim.h"
 
@@ -12,7 +13,7 @@
 #include <string>
 #include <vector>
 
-/// What the array answered to one request.
+/** What the array answered to one request. */
 struct Reply
 {
     bool received = false; ///< false: the connection ended without a whole answer
@@ -21,28 +22,28 @@ struct Reply
     Json::Value json;
     std::multimap<std::string, std::string> headers;
 
-    /// The error object's code, -1 where there is no such object.
+    /** The error object's code, -1 where there is no such object. */
     int code() const;
     std::string description() const { return json["error"]["description"].asString(); }
     const Json::Value& data() const { return json["data"]; }
-    /// The IDs of all records.
+    /** The IDs of all records. */
     std::vector<std::string> ids() const;
 };
 
-/// A client of the array's interface that sends exactly what a test tells it to, over one connection.
+/** A client of the array's interface that sends exactly what a test tells it to, over one connection. */
 class ArrayClient
 {
 public:
     explicit ArrayClient(const tessel_test::ArraySim& array);
 
-    /// Logs in as the array's user and keeps the session for the requests that follow.
+    /** Logs in as the array's user and keeps the session for the requests that follow. */
     Reply login();
     Reply login(const std::string& user, const std::string& password);
-    /// Gives up the connection, e.g. because the array was started anew.
+    /** Gives up the connection, e.g. because the array was started anew. */
     void disconnect() { m_client.stop(); }
-    /// A request below the device's root; the body is JSON text, empty for none.
+    /** A request below the device's root; the body is JSON text, empty for none. */
     Reply request(const std::string& method, const std::string& path, const std::string& body = "");
-    /// A request to a whole target, without the session.
+    /** A request to a whole target, without the session. */
     Reply raw(const std::string& method, const std::string& target, const std::string& body,
               const httplib::Headers& headers = {});
 
@@ -50,7 +51,7 @@ public:
     Reply post(const std::string& path, const std::string& body) { return request("POST", path, body); }
     Reply put(const std::string& path, const std::string& body) { return request("PUT", path, body); }
     Reply del(const std::string& path) { return request("DELETE", path); }
-    /// Creates an object and returns its ID; the test fails where the array refuses.
+    /** Creates an object and returns its ID; the test fails where the array refuses. */
     std::string create(const std::string& path, const std::string& body);
 
     std::string deviceId;
@@ -62,7 +63,7 @@ private:
     httplib::SSLClient m_client;
 };
 
-/// A test with an array of its own and a client that is logged in.
+/** A test with an array of its own and a client that is logged in. */
 class ArrayTest : public ::testing::Test
 {
 protected:
@@ -80,7 +81,7 @@ protected:
     {
         return client.create("/host", R"({"NAME":")" + name + R"(","OPERATIONSYSTEM":0})");
     }
-    /// A request that associates: POST or PUT with the owner, the member's type and the member.
+    /** A request that associates: POST or PUT with the owner, the member's type and the member. */
     Reply associate(const std::string& method, const std::string& path, const std::string& owner, int type,
                     const std::string& member)
     {
@@ -92,3 +93,5 @@ protected:
     tessel_test::ArraySim array;
     ArrayClient client;
 };
+
+#endif

@@ -7,7 +7,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// A LUN and a snapshot exposed to a host with an initiator: one object of each type.
+/** A LUN and a snapshot exposed to a host with an initiator: one object of each type. */
 class SimulatorAssociation : public ArrayTest
 {
 protected:
@@ -118,40 +118,40 @@ TEST_F(SimulatorAssociation, FlagsFollowFromTheAssociations)
 
 TEST_F(SimulatorAssociation, RepeatedAndMissingMembershipsHaveTheirCodes)
 {
-    EXPECT_EQ(addLun().code(), code::alreadyInLunGroup);
+    EXPECT_EQ(addLun().code(), code::ALREADY_IN_LUN_GROUP);
     EXPECT_EQ(associate("POST", "/lungroup/associate", lunGroup, 27, snapshotId).code(),
-              code::alreadyInLunGroup);
-    EXPECT_EQ(addHost().code(), code::hostAlreadyInGroup);
-    EXPECT_EQ(bind(14, hostGroup).code(), code::associationExists);
+              code::ALREADY_IN_LUN_GROUP);
+    EXPECT_EQ(addHost().code(), code::HOST_ALREADY_IN_GROUP);
+    EXPECT_EQ(bind(14, hostGroup).code(), code::ASSOCIATION_EXISTS);
     EXPECT_EQ(removeFromLunGroup(11, lunId).code(), 0);
-    EXPECT_EQ(removeFromLunGroup(11, lunId).code(), code::notInLunGroup);
+    EXPECT_EQ(removeFromLunGroup(11, lunId).code(), code::NOT_IN_LUN_GROUP);
     EXPECT_EQ(removeFromLunGroup(27, snapshotId).code(), 0);
-    EXPECT_EQ(removeFromLunGroup(27, snapshotId).code(), code::notInLunGroup);
+    EXPECT_EQ(removeFromLunGroup(27, snapshotId).code(), code::NOT_IN_LUN_GROUP);
     EXPECT_EQ(removeHost().code(), 0);
-    EXPECT_EQ(removeHost().code(), code::associationMissing);
+    EXPECT_EQ(removeHost().code(), code::ASSOCIATION_MISSING);
     EXPECT_EQ(unbind(14, hostGroup).code(), 0);
-    EXPECT_EQ(unbind(14, hostGroup).code(), code::associationMissing);
+    EXPECT_EQ(unbind(14, hostGroup).code(), code::ASSOCIATION_MISSING);
 }
 
 TEST_F(SimulatorAssociation, AssociationsReferToWhatExists)
 {
-    EXPECT_EQ(associate("POST", "/lungroup/associate", lunGroup, 11, "99").code(), code::objectMissing);
-    EXPECT_EQ(associate("POST", "/lungroup/associate", "99", 11, lunId).code(), code::objectMissing);
+    EXPECT_EQ(associate("POST", "/lungroup/associate", lunGroup, 11, "99").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(associate("POST", "/lungroup/associate", "99", 11, lunId).code(), code::OBJECT_MISSING);
     EXPECT_EQ(associate("POST", "/lungroup/associate", lunGroup, 21, hostId).code(),
-              code::associationUnsupported);
-    EXPECT_EQ(associate("POST", "/hostgroup/associate", hostGroup, 21, "99").code(), code::objectMissing);
-    EXPECT_EQ(bind(256, "99").code(), code::objectMissing);
-    EXPECT_EQ(removeFromLunGroup(11, "99").code(), code::objectMissing);
+              code::ASSOCIATION_UNSUPPORTED);
+    EXPECT_EQ(associate("POST", "/hostgroup/associate", hostGroup, 21, "99").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(bind(256, "99").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(removeFromLunGroup(11, "99").code(), code::OBJECT_MISSING);
     EXPECT_EQ(client.post("/lungroup/associate", R"({"ID":"1","ASSOCIATEOBJTYPE":"11","ASSOCIATEOBJID":"1"})")
                   .code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
     EXPECT_EQ(client.post("/lungroup/associate", R"({"ID":"1","ASSOCIATEOBJTYPE":11})").code(),
-              code::memberMissing);
+              code::MEMBER_MISSING);
     EXPECT_EQ(client
                   .put("/mappingview/create_associate",
                        R"({"TYPE":14,"ID":"1","ASSOCIATEOBJTYPE":14,"ASSOCIATEOBJID":"1"})")
                   .code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
 }
 
 TEST_F(SimulatorAssociation, ObjectsInUseAreNotDeleted)
@@ -159,13 +159,13 @@ TEST_F(SimulatorAssociation, ObjectsInUseAreNotDeleted)
     for (const std::string& path : {"/lun/" + lunId, "/snapshot/" + snapshotId, "/lungroup/" + lunGroup,
                                     "/host/" + hostId, "/hostgroup/" + hostGroup, "/mappingview/" + view}) {
         const Reply refused = client.del(path);
-        EXPECT_EQ(refused.code(), code::objectInUse) << path;
+        EXPECT_EQ(refused.code(), code::OBJECT_IN_USE) << path;
         EXPECT_THAT(refused.description(), HasSubstr("first"));
         EXPECT_EQ(client.get(path).code(), 0);
     }
     removeFromLunGroup(11, lunId);
     removeFromLunGroup(27, snapshotId);
-    EXPECT_EQ(client.del("/lungroup/" + lunGroup).code(), code::objectInUse) << "still in the view";
+    EXPECT_EQ(client.del("/lungroup/" + lunGroup).code(), code::OBJECT_IN_USE) << "still in the view";
     EXPECT_EQ(unbind(256, lunGroup).code(), 0);
     EXPECT_EQ(client.del("/lungroup/" + lunGroup).code(), 0);
     EXPECT_EQ(client.del("/mappingview/" + view).code(), 0) << "a view with one side exposes nothing";
@@ -179,9 +179,9 @@ TEST_F(SimulatorAssociation, ObjectsInUseAreNotDeleted)
 TEST_F(SimulatorAssociation, AViewBindsOneLunGroupToOneHostGroup)
 {
     const Reply second = bind(256, named("/lungroup/", "second"));
-    EXPECT_EQ(second.code(), code::associationFull);
+    EXPECT_EQ(second.code(), code::ASSOCIATION_FULL);
     EXPECT_THAT(second.description(), HasSubstr("LUN group " + lunGroup));
-    EXPECT_EQ(bind(14, named("/hostgroup", "second")).code(), code::associationFull);
+    EXPECT_EQ(bind(14, named("/hostgroup", "second")).code(), code::ASSOCIATION_FULL);
 }
 
 TEST_F(SimulatorAssociation, AHostAndALunMayBeInSeveralGroups)

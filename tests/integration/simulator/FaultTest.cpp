@@ -31,7 +31,8 @@ TEST_F(SimulatorFault, MethodPathAndQueryAllHaveToMatch)
     EXPECT_EQ(client.get("/lun/1").code(), 0);
     EXPECT_EQ(client.get("/lun/associate?ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0").code(), 9);
     EXPECT_EQ(client.get("/lun/associate?ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0").code(), 9);
-    EXPECT_EQ(client.get("/lun/associate?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=1").code(), code::objectMissing);
+    EXPECT_EQ(client.get("/lun/associate?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=1").code(),
+              code::OBJECT_MISSING);
     array.clearFaults();
     EXPECT_EQ(client.get("/lun/associate?ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0").code(), 0);
 }
@@ -48,7 +49,7 @@ TEST_F(SimulatorFault, AnAnswerCanBeLostAfterTheRequestWasPerformed)
 {
     array.addFault(R"({"method":"POST","path":"/hostgroup","action":"close","performed":true})");
     EXPECT_FALSE(client.post("/hostgroup", R"({"NAME":"g"})").received);
-    EXPECT_EQ(client.post("/hostgroup", R"({"NAME":"g"})").code(), code::nameTaken);
+    EXPECT_EQ(client.post("/hostgroup", R"({"NAME":"g"})").code(), code::NAME_TAKEN);
 }
 
 TEST_F(SimulatorFault, ATruncatedBodyEndsBeforeItsAnnouncedLength)
@@ -79,8 +80,8 @@ TEST_F(SimulatorFault, ADroppedSessionRefusesTheRequestAndThoseAfterIt)
 {
     array.addFault(R"({"path":"/lun*","action":"dropSession"})");
     EXPECT_EQ(client.get("/server/logininfo").code(), 0);
-    EXPECT_EQ(client.get("/lun").code(), code::sessionInvalid);
-    EXPECT_EQ(client.get("/server/logininfo").code(), code::sessionInvalid);
+    EXPECT_EQ(client.get("/lun").code(), code::SESSION_INVALID);
+    EXPECT_EQ(client.get("/server/logininfo").code(), code::SESSION_INVALID);
     EXPECT_EQ(client.login().code(), 0);
     EXPECT_EQ(client.get("/lun").code(), 0);
 }

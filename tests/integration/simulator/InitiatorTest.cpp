@@ -57,37 +57,37 @@ TEST_F(SimulatorInitiator, ChapWithoutNamesAndSecretsIsRefused)
         create(
             R"("USECHAP":"true","NORMALVERMODE":"1","DISCOVERYVERMODE":"0","CHAPNAME":"","CHAPPASSWORD":"")")
             .code(),
-        code::chapIncomplete);
+        code::CHAP_INCOMPLETE);
     EXPECT_EQ(create(R"("USECHAP":"true","NORMALVERMODE":"0","DISCOVERYVERMODE":"0")").code(),
-              code::chapIncomplete);
+              code::CHAP_INCOMPLETE);
     EXPECT_EQ(
         create(
             R"("USECHAP":"true","NORMALVERMODE":"2","DISCOVERYVERMODE":"0","CHAPNAME":"n","CHAPPASSWORD":"p")")
             .code(),
-        code::chapIncomplete);
+        code::CHAP_INCOMPLETE);
     EXPECT_EQ(
         create(
             R"("USECHAP":"true","NORMALVERMODE":"3","DISCOVERYVERMODE":"0","CHAPNAME":"n","CHAPPASSWORD":"p")")
             .code(),
-        code::memberInvalid);
+        code::MEMBER_INVALID);
     EXPECT_EQ(
         create(
             R"("USECHAP":"true","NORMALVERMODE":1,"DISCOVERYVERMODE":"0","CHAPNAME":"n","CHAPPASSWORD":"p")")
             .code(),
-        code::memberInvalid);
-    EXPECT_EQ(client.get("/iscsi_initiator/" + iqn).code(), code::objectMissing);
+        code::MEMBER_INVALID);
+    EXPECT_EQ(client.get("/iscsi_initiator/" + iqn).code(), code::OBJECT_MISSING);
 }
 
 TEST_F(SimulatorInitiator, ASecretIsChangedOnlyWithTheCurrentOne)
 {
     const std::string on = R"("USECHAP":"true","NORMALVERMODE":"1","DISCOVERYVERMODE":"0","CHAPNAME":"n",)";
     ASSERT_EQ(create(on + R"("CHAPPASSWORD":"first")").code(), 0);
-    EXPECT_EQ(modify(on + R"("CHAPPASSWORD":"second")").code(), code::chapOldSecretWrong);
+    EXPECT_EQ(modify(on + R"("CHAPPASSWORD":"second")").code(), code::CHAP_OLD_SECRET_WRONG);
     EXPECT_EQ(modify(on + R"("CHAPPASSWORD":"second","CHAPOLDPASSWORD":"wrong")").code(),
-              code::chapOldSecretWrong);
+              code::CHAP_OLD_SECRET_WRONG);
     EXPECT_EQ(modify(on + R"("CHAPPASSWORD":"second","CHAPOLDPASSWORD":"first")").code(), 0);
     EXPECT_EQ(modify(on + R"("CHAPPASSWORD":"third","CHAPOLDPASSWORD":"first")").code(),
-              code::chapOldSecretWrong);
+              code::CHAP_OLD_SECRET_WRONG);
     EXPECT_EQ(modify(R"("USECHAP":"false")").code(), 0);
     EXPECT_EQ(read()["USECHAP"], "false");
     EXPECT_EQ(read()["CHAPNAME"], "");
@@ -101,7 +101,7 @@ TEST_F(SimulatorInitiator, AMutualSecretNeedsTheCurrentOneOnlyWhileMutualChapIsO
     ASSERT_EQ(create(base + R"("1","CHAPNAME":"n","CHAPPASSWORD":"p")").code(), 0);
     const std::string mutual = base + R"("2","CHAPNAMEINITATORVERTARGET":"m",)";
     EXPECT_EQ(modify(mutual + R"("CHAPPASSWORDINITATORVERTARGET":"q")").code(), 0);
-    EXPECT_EQ(modify(mutual + R"("CHAPPASSWORDINITATORVERTARGET":"r")").code(), code::chapOldSecretWrong);
+    EXPECT_EQ(modify(mutual + R"("CHAPPASSWORDINITATORVERTARGET":"r")").code(), code::CHAP_OLD_SECRET_WRONG);
     EXPECT_EQ(modify(mutual + R"("CHAPPASSWORDINITATORVERTARGET":"r","CHAPOLDPASSWORDINITATORVERTARGET":"q")")
                   .code(),
               0);
@@ -119,20 +119,20 @@ TEST_F(SimulatorInitiator, ItBelongsToOneHostAtMost)
         return client.put("/iscsi_initiator/" + iqn, R"({"PARENTTYPE":21,"PARENTID":")" + id + R"("})")
             .code();
     };
-    EXPECT_EQ(bindTo("99"), code::objectMissing);
+    EXPECT_EQ(bindTo("99"), code::OBJECT_MISSING);
     EXPECT_EQ(bindTo(first), 0);
     EXPECT_EQ(bindTo(first), 0) << "where it is already is no move";
-    EXPECT_EQ(bindTo(second), code::associationFull);
+    EXPECT_EQ(bindTo(second), code::ASSOCIATION_FULL);
     EXPECT_EQ(read()["ISFREE"], "false");
     EXPECT_EQ(read()["PARENTID"].asString(), first);
     EXPECT_EQ(read()["PARENTNAME"], "first");
     EXPECT_THAT(client.get("/iscsi_initiator/associate?ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=" + first).ids(),
                 ElementsAre(iqn));
-    EXPECT_EQ(client.del("/host/" + first).code(), code::objectInUse);
-    EXPECT_EQ(client.del("/iscsi_initiator/" + iqn).code(), code::objectInUse);
+    EXPECT_EQ(client.del("/host/" + first).code(), code::OBJECT_IN_USE);
+    EXPECT_EQ(client.del("/iscsi_initiator/" + iqn).code(), code::OBJECT_IN_USE);
     EXPECT_EQ(client.put("/iscsi_initiator/remove_iscsi_from_host", R"({"ID":")" + iqn + R"("})").code(), 0);
     EXPECT_EQ(client.put("/iscsi_initiator/remove_iscsi_from_host", R"({"ID":")" + iqn + R"("})").code(),
-              code::associationMissing);
+              code::ASSOCIATION_MISSING);
     EXPECT_EQ(read()["ISFREE"], "true");
     EXPECT_EQ(bindTo(second), 0);
 }
@@ -140,19 +140,19 @@ TEST_F(SimulatorInitiator, ItBelongsToOneHostAtMost)
 TEST_F(SimulatorInitiator, NamesMustBeInitiatorNames)
 {
     for (const std::string id : {"", "host", "iqn.", "iqn.with blank", "0", "1"}) {
-        EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":")" + id + R"("})").code(), code::memberInvalid)
+        EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":")" + id + R"("})").code(), code::MEMBER_INVALID)
             << id;
     }
-    EXPECT_EQ(client.post("/iscsi_initiator", R"({"NAME":"n"})").code(), code::memberMissing);
+    EXPECT_EQ(client.post("/iscsi_initiator", R"({"NAME":"n"})").code(), code::MEMBER_MISSING);
     EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":"iqn.a/b%2F?x"})").code(), 0);
     EXPECT_EQ(client.get("/iscsi_initiator/iqn.a%2Fb%252F%3Fx").data()["ID"], "iqn.a/b%2F?x");
-    EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":"iqn.a/b%2F?x"})").code(), code::idTaken);
+    EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":"iqn.a/b%2F?x"})").code(), code::ID_TAKEN);
 }
 
 TEST_F(SimulatorInitiator, FcInitiatorsAreNamedByTheirWwpnAndBoundLikeIscsiOnes)
 {
     const std::string owner = host("h");
-    EXPECT_EQ(client.post("/fc_initiator", R"({"ID":"21000024ff0000"})").code(), code::memberInvalid);
+    EXPECT_EQ(client.post("/fc_initiator", R"({"ID":"21000024ff0000"})").code(), code::MEMBER_INVALID);
     const Reply made = client.post("/fc_initiator", R"({"ID":"21000024ff000001","PARENTID":")" + owner +
                                                         R"(","PARENTTYPE":21,"NAME":"fc"})");
     ASSERT_EQ(made.code(), 0) << made.text;
@@ -165,7 +165,7 @@ TEST_F(SimulatorInitiator, FcInitiatorsAreNamedByTheirWwpnAndBoundLikeIscsiOnes)
             .code(),
         0);
     EXPECT_EQ(client.put("/fc_initiator/21000024ff000001", R"({"USECHAP":"true"})").code(),
-              code::memberUnknown);
+              code::MEMBER_UNKNOWN);
 }
 
 } // namespace

@@ -60,7 +60,7 @@ TEST_F(SimulatorLifecycle, ObjectsAndAssociationsOutliveAStop)
     array.start();
     client.disconnect();
     EXPECT_EQ(array.deviceId(), device);
-    EXPECT_EQ(client.get("/lun").code(), code::sessionInvalid) << "sessions end with the array";
+    EXPECT_EQ(client.get("/lun").code(), code::SESSION_INVALID) << "sessions end with the array";
     ASSERT_EQ(client.login().code(), 0);
     EXPECT_EQ(client.get("/lun").json, before);
     EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + group).data()["COUNT"], "20");
@@ -76,7 +76,7 @@ TEST_F(SimulatorLifecycle, ObjectsOutliveAKill)
     client.disconnect();
     client.login();
     EXPECT_EQ(client.get("/lun/1").data()["NAME"], "a");
-    EXPECT_EQ(client.post("/lun", R"({"NAME":"a","PARENTID":"0","CAPACITY":1})").code(), code::nameTaken);
+    EXPECT_EQ(client.post("/lun", R"({"NAME":"a","PARENTID":"0","CAPACITY":1})").code(), code::NAME_TAKEN);
 }
 
 TEST_F(SimulatorLifecycle, IdleConnectionsDoNotHoldUpTheEnd)

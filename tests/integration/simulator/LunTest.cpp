@@ -77,37 +77,37 @@ TEST_F(SimulatorLun, AThinLunTakesOnlyItsInitialAllocationFromThePool)
 TEST_F(SimulatorLun, ALunAboveThePoolsFreeCapacityIsRefusedInWords)
 {
     const Reply refused = client.post("/lun", R"({"NAME":"big","PARENTID":"2","CAPACITY":2097153})");
-    EXPECT_EQ(refused.code(), code::capacityShort);
+    EXPECT_EQ(refused.code(), code::CAPACITY_SHORT);
     EXPECT_THAT(refused.description(), HasSubstr("2097152 free sectors"));
     EXPECT_EQ(client.post("/lun", R"({"NAME":"big","PARENTID":"2","CAPACITY":2097152})").code(), 0);
     EXPECT_EQ(client.post("/lun", R"({"NAME":"one","PARENTID":"2","CAPACITY":1})").code(),
-              code::capacityShort);
+              code::CAPACITY_SHORT);
     EXPECT_THAT(client.get("/lun").ids(), ElementsAre("1"));
 }
 
 TEST_F(SimulatorLun, BadMembersAreRefusedAndLeaveNothingBehind)
 {
-    EXPECT_EQ(createWith(R"("CAPACITY":"2048")").code(), code::memberInvalid);
-    EXPECT_EQ(createWith(R"("CAPACITY":-1)").code(), code::memberInvalid);
-    EXPECT_EQ(createWith(R"("CAPACITY":0)").code(), code::memberInvalid);
-    EXPECT_EQ(createWith(R"("CAPACITY":1.5)").code(), code::memberInvalid);
-    EXPECT_EQ(createWith(R"("DESCRIPTION":"no capacity")").code(), code::memberMissing);
-    EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":2)").code(), code::memberInvalid);
-    EXPECT_EQ(createWith(R"("CAPACITY":1,"INITIALALLOCCAPACITY":1)").code(), code::memberInvalid);
+    EXPECT_EQ(createWith(R"("CAPACITY":"2048")").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("CAPACITY":-1)").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("CAPACITY":0)").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("CAPACITY":1.5)").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("DESCRIPTION":"no capacity")").code(), code::MEMBER_MISSING);
+    EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":2)").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("CAPACITY":1,"INITIALALLOCCAPACITY":1)").code(), code::MEMBER_INVALID);
     EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":1,"INITIALALLOCCAPACITY":2)").code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
     EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":1,"THINCAPACITYUSAGE":101)").code(),
-              code::memberInvalid);
-    EXPECT_EQ(createWith(R"("CAPACITY":1,"WWN":"6")").code(), code::memberUnknown);
-    EXPECT_EQ(createWith(R"("CAPACITY":1,"CAPACITY":2)").code(), code::bodyMalformed);
-    EXPECT_EQ(createWith(R"("CAPACITY":1}{)").code(), code::bodyMalformed);
+              code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("CAPACITY":1,"WWN":"6")").code(), code::MEMBER_UNKNOWN);
+    EXPECT_EQ(createWith(R"("CAPACITY":1,"CAPACITY":2)").code(), code::BODY_MALFORMED);
+    EXPECT_EQ(createWith(R"("CAPACITY":1}{)").code(), code::BODY_MALFORMED);
     EXPECT_EQ(client.post("/lun", R"({"TYPE":12,"NAME":"a","PARENTID":"0","CAPACITY":1})").code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
     EXPECT_EQ(client.post("/lun", R"({"NAME":"a","PARENTTYPE":21,"PARENTID":"0","CAPACITY":1})").code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
     EXPECT_EQ(client.post("/lun", R"({"NAME":"a","PARENTID":"99","CAPACITY":1})").code(),
-              code::objectMissing);
-    EXPECT_EQ(client.post("/lun", R"({"NAME":"a","CAPACITY":1})").code(), code::memberMissing);
+              code::OBJECT_MISSING);
+    EXPECT_EQ(client.post("/lun", R"({"NAME":"a","CAPACITY":1})").code(), code::MEMBER_MISSING);
     EXPECT_THAT(client.get("/lun").ids(), IsEmpty());
 }
 
@@ -115,9 +115,9 @@ TEST_F(SimulatorLun, TheIdMayBeChosenButNotTwice)
 {
     EXPECT_EQ(createWith(R"("CAPACITY":1,"ID":"40")").data()["ID"], "40");
     EXPECT_EQ(client.post("/lun", R"({"ID":"40","NAME":"b","PARENTID":"0","CAPACITY":1})").code(),
-              code::idTaken);
+              code::ID_TAKEN);
     EXPECT_EQ(client.post("/lun", R"({"ID":"07","NAME":"b","PARENTID":"0","CAPACITY":1})").code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
     EXPECT_EQ(lun("next"), "41");
 }
 
@@ -126,7 +126,7 @@ TEST_F(SimulatorLun, IdsOfDeletedLunsAreNotGivenAgain)
     EXPECT_EQ(lun("a"), "1");
     EXPECT_EQ(client.del("/lun/1").code(), 0);
     EXPECT_EQ(lun("a"), "2");
-    EXPECT_EQ(client.get("/lun/1").code(), code::objectMissing);
+    EXPECT_EQ(client.get("/lun/1").code(), code::OBJECT_MISSING);
 }
 
 TEST_F(SimulatorLun, TenThousandLunsAreMadeAtOnceAndListedInPages)

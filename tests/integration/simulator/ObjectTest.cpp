@@ -15,21 +15,21 @@ TEST_F(SimulatorObject, AnUnknownIdIsAnErrorThatNamesTheObject)
          {"lun", "lungroup", "host", "hostgroup", "mappingview", "SNAPSHOT", "iscsi_initiator",
           "fc_initiator", "FC_PORT", "FCoE_PORT", "ETH_PORT"}) {
         const Reply reply = client.get("/" + resource + "/99");
-        EXPECT_EQ(reply.code(), code::objectMissing) << resource;
+        EXPECT_EQ(reply.code(), code::OBJECT_MISSING) << resource;
         EXPECT_THAT(reply.description(), HasSubstr("99 does not exist"));
         EXPECT_FALSE(reply.json.isMember("data"));
     }
-    EXPECT_EQ(client.del("/lun/99").code(), code::objectMissing);
-    EXPECT_EQ(client.put("/lun/99", "{}").code(), code::objectMissing);
+    EXPECT_EQ(client.del("/lun/99").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(client.put("/lun/99", "{}").code(), code::OBJECT_MISSING);
 }
 
 TEST_F(SimulatorObject, NamesAreUniqueWithinOneType)
 {
     named("/lungroup/", "same");
-    EXPECT_EQ(client.post("/lungroup/", R"({"NAME":"same"})").code(), code::nameTaken);
+    EXPECT_EQ(client.post("/lungroup/", R"({"NAME":"same"})").code(), code::NAME_TAKEN);
     EXPECT_EQ(client.post("/hostgroup", R"({"NAME":"same"})").code(), 0);
     const std::string other = named("/lungroup/", "other");
-    EXPECT_EQ(client.put("/lungroup/" + other, R"({"NAME":"same"})").code(), code::nameTaken);
+    EXPECT_EQ(client.put("/lungroup/" + other, R"({"NAME":"same"})").code(), code::NAME_TAKEN);
     EXPECT_EQ(client.put("/lungroup/" + other, R"({"NAME":"other"})").code(), 0);
     EXPECT_EQ(client.put("/lungroup/" + other, R"({"NAME":"third"})").code(), 0);
     EXPECT_EQ(client.post("/lungroup/", R"({"NAME":"other"})").code(), 0);
@@ -40,13 +40,13 @@ TEST_F(SimulatorObject, NamesAreNonEmptyUtf8OfBoundedLength)
     const auto create = [&](const std::string& name) {
         return client.post("/hostgroup", R"({"NAME":")" + name + R"("})").code();
     };
-    EXPECT_EQ(create(""), code::memberInvalid);
+    EXPECT_EQ(create(""), code::MEMBER_INVALID);
     EXPECT_EQ(create(std::string(255, 'x')), 0);
-    EXPECT_EQ(create(std::string(256, 'x')), code::memberInvalid);
-    EXPECT_EQ(create("a\\u0007b"), code::memberInvalid);
-    EXPECT_EQ(create("\xc3"), code::memberInvalid);
-    EXPECT_EQ(create("\xc0\xaf"), code::memberInvalid);
-    EXPECT_EQ(create("\xed\xa0\x80"), code::memberInvalid);
+    EXPECT_EQ(create(std::string(256, 'x')), code::MEMBER_INVALID);
+    EXPECT_EQ(create("a\\u0007b"), code::MEMBER_INVALID);
+    EXPECT_EQ(create("\xc3"), code::MEMBER_INVALID);
+    EXPECT_EQ(create("\xc0\xaf"), code::MEMBER_INVALID);
+    EXPECT_EQ(create("\xed\xa0\x80"), code::MEMBER_INVALID);
     const std::string name = "gr\xc3\xb6\xc3\x9f\x65 \xe2\x82\xac & #1/2";
     EXPECT_EQ(create(name), 0);
     EXPECT_EQ(client.get("/hostgroup/2").data()["NAME"].asString(), name);
@@ -59,7 +59,7 @@ TEST_F(SimulatorObject, ALunGroupAnswersItsTypesAsTexts)
     EXPECT_EQ(made.data()["APPTYPE"], "3");
     EXPECT_EQ(made.data()["GROUPTYPE"], "0");
     EXPECT_EQ(made.data()["ISADD2MAPPINGVIEW"], "false");
-    EXPECT_EQ(client.post("/lungroup/", R"({"NAME":"h","APPTYPE":"3"})").code(), code::memberInvalid);
+    EXPECT_EQ(client.post("/lungroup/", R"({"NAME":"h","APPTYPE":"3"})").code(), code::MEMBER_INVALID);
 }
 
 TEST_F(SimulatorObject, AHostAnswersItsParentTypeAsANumber)
@@ -79,8 +79,8 @@ TEST_F(SimulatorObject, AHostAnswersItsParentTypeAsANumber)
     EXPECT_EQ(inGroup.data()["PARENTID"].asString(), group);
     EXPECT_EQ(inGroup.data()["ISADD2HOSTGROUP"], "true");
     EXPECT_EQ(client.post("/host", R"({"NAME":"c","OPERATIONSYSTEM":0,"PARENTTYPE":14})").code(),
-              code::memberMissing);
-    EXPECT_EQ(client.post("/host", R"({"NAME":"c"})").code(), code::memberMissing);
+              code::MEMBER_MISSING);
+    EXPECT_EQ(client.post("/host", R"({"NAME":"c"})").code(), code::MEMBER_MISSING);
 }
 
 TEST_F(SimulatorObject, AMappingViewTakesItsFlagAsABooleanAndAnswersAText)
@@ -88,7 +88,7 @@ TEST_F(SimulatorObject, AMappingViewTakesItsFlagAsABooleanAndAnswersAText)
     const Reply made = client.post("/mappingview", R"({"TYPE":245,"NAME":"v","ENABLEINBANDCOMMAND":true})");
     EXPECT_EQ(made.data()["ENABLEINBANDCOMMAND"], "true");
     EXPECT_EQ(client.post("/mappingview", R"({"NAME":"w","ENABLEINBANDCOMMAND":1})").code(),
-              code::memberInvalid);
+              code::MEMBER_INVALID);
 }
 
 TEST_F(SimulatorObject, ASnapshotCopiesItsLunsCapacityAndHoldsTheLun)
@@ -102,7 +102,7 @@ TEST_F(SimulatorObject, ASnapshotCopiesItsLunsCapacityAndHoldsTheLun)
     EXPECT_EQ(read.data()["CONSUMEDCAPACITY"], "0");
     EXPECT_EQ(read.data()["PARENTTYPE"].asInt(), 11);
     EXPECT_EQ(read.data()["PARENTNAME"], "a");
-    EXPECT_EQ(client.del("/lun/" + source).code(), code::objectInUse);
+    EXPECT_EQ(client.del("/lun/" + source).code(), code::OBJECT_IN_USE);
     EXPECT_EQ(client.del("/snapshot/" + read.data()["ID"].asString()).code(), 0);
     EXPECT_EQ(client.del("/lun/" + source).code(), 0);
 }
@@ -111,8 +111,8 @@ TEST_F(SimulatorObject, SettlingObjectsRefuseTheirFirstReadsOnly)
 {
     array.settle(2);
     const std::string id = named("/hostgroup", "g");
-    EXPECT_EQ(client.get("/hostgroup/" + id).code(), code::objectSettling);
-    EXPECT_EQ(client.get("/hostgroup/" + id).code(), code::objectSettling);
+    EXPECT_EQ(client.get("/hostgroup/" + id).code(), code::OBJECT_SETTLING);
+    EXPECT_EQ(client.get("/hostgroup/" + id).code(), code::OBJECT_SETTLING);
     EXPECT_EQ(client.get("/hostgroup/" + id).code(), 0);
     EXPECT_EQ(client.get("/hostgroup/" + id).code(), 0);
 }
@@ -126,35 +126,35 @@ TEST(SimulatorSettle, LunGroupsSettleWithACodeOfTheirOwnFirst)
     client.login();
     const std::string group = client.create("/lungroup/", R"({"NAME":"g"})");
     const std::string lun = client.create("/lun", R"({"NAME":"a","PARENTID":"0","CAPACITY":1})");
-    EXPECT_EQ(client.get("/lungroup/" + group).code(), code::lunGroupSettling);
-    EXPECT_EQ(client.get("/lungroup/" + group).code(), code::lunGroupSettling);
-    EXPECT_EQ(client.get("/lungroup/" + group).code(), code::objectSettling);
+    EXPECT_EQ(client.get("/lungroup/" + group).code(), code::LUN_GROUP_SETTLING);
+    EXPECT_EQ(client.get("/lungroup/" + group).code(), code::LUN_GROUP_SETTLING);
+    EXPECT_EQ(client.get("/lungroup/" + group).code(), code::OBJECT_SETTLING);
     EXPECT_EQ(client.get("/lungroup/" + group).code(), 0);
-    EXPECT_EQ(client.get("/lun/" + lun).code(), code::objectSettling);
+    EXPECT_EQ(client.get("/lun/" + lun).code(), code::OBJECT_SETTLING);
     EXPECT_EQ(client.get("/lun/" + lun).code(), 0);
 }
 
 TEST_F(SimulatorObject, UnknownResourcesAndMethodsAreRefused)
 {
-    EXPECT_EQ(client.get("/volumes").code(), code::resourceUnknown);
-    EXPECT_EQ(client.get("/LUN/1").code(), code::resourceUnknown);
-    EXPECT_EQ(client.get("/lun/1/2").code(), code::resourceUnknown);
-    EXPECT_EQ(client.get("//lun").code(), code::resourceUnknown);
-    EXPECT_EQ(client.del("/lun").code(), code::methodUnsupported);
-    EXPECT_EQ(client.post("/lun/1", "{}").code(), code::methodUnsupported);
-    EXPECT_EQ(client.put("/lun/associate", "{}").code(), code::methodUnsupported);
-    EXPECT_EQ(client.post("/storagepool", R"({"NAME":"p"})").code(), code::methodUnsupported);
+    EXPECT_EQ(client.get("/volumes").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.get("/LUN/1").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.get("/lun/1/2").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.get("//lun").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.del("/lun").code(), code::METHOD_UNSUPPORTED);
+    EXPECT_EQ(client.post("/lun/1", "{}").code(), code::METHOD_UNSUPPORTED);
+    EXPECT_EQ(client.put("/lun/associate", "{}").code(), code::METHOD_UNSUPPORTED);
+    EXPECT_EQ(client.post("/storagepool", R"({"NAME":"p"})").code(), code::METHOD_UNSUPPORTED);
 }
 
 TEST_F(SimulatorObject, AnEncodedSlashInAnIdReachesNoOtherResource)
 {
     const std::string id = lun("a");
-    EXPECT_EQ(client.get("/lun/..%2Flun%2F" + id).code(), code::objectMissing);
+    EXPECT_EQ(client.get("/lun/..%2Flun%2F" + id).code(), code::OBJECT_MISSING);
     EXPECT_EQ(client.get("/lun/%31").data()["ID"], "1");
-    EXPECT_EQ(client.get("/lun/%2531").code(), code::objectMissing);
-    EXPECT_EQ(client.get("/lun/%3").code(), code::queryMalformed);
-    EXPECT_EQ(client.get("/lun/1%00").code(), code::objectMissing);
-    EXPECT_EQ(client.get("/lun/1%3Ffilter=x").code(), code::objectMissing);
+    EXPECT_EQ(client.get("/lun/%2531").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(client.get("/lun/%3").code(), code::QUERY_MALFORMED);
+    EXPECT_EQ(client.get("/lun/1%00").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(client.get("/lun/1%3Ffilter=x").code(), code::OBJECT_MISSING);
 }
 
 } // namespace

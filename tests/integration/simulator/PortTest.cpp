@@ -53,9 +53,9 @@ TEST_F(SimulatorPort, APortWithoutALinkHasNoNumberForItsSpeed)
 
 TEST_F(SimulatorPort, PortsAreReadOnly)
 {
-    EXPECT_EQ(client.del("/FC_PORT/1").code(), code::methodUnsupported);
-    EXPECT_EQ(client.put("/ETH_PORT/1", "{}").code(), code::methodUnsupported);
-    EXPECT_EQ(client.post("/FCoE_PORT", "{}").code(), code::methodUnsupported);
+    EXPECT_EQ(client.del("/FC_PORT/1").code(), code::METHOD_UNSUPPORTED);
+    EXPECT_EQ(client.put("/ETH_PORT/1", "{}").code(), code::METHOD_UNSUPPORTED);
+    EXPECT_EQ(client.post("/FCoE_PORT", "{}").code(), code::METHOD_UNSUPPORTED);
 }
 
 } // namespace

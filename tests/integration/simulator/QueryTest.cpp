@@ -6,7 +6,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// LUNs 1 to 3 in a LUN group, and one outside.
+/** LUNs 1 to 3 in a LUN group, and one outside. */
 class SimulatorQuery : public ArrayTest
 {
 protected:
@@ -78,23 +78,23 @@ TEST_F(SimulatorQuery, MalformedQueriesAreRefused)
          {"filter=&", "filter=NAME&", "filter=name:db&", "filter=WWN:6&", "filter=NAME:a%20and%20SIZE:1&",
           "filter=NAME:%zz&", "filter=NAME:a&filter=ID:1&", "FILTER=NAME:a&", "filter&",
           "filter=%20and%20NAME:a&"}) {
-        EXPECT_EQ(query(filter).code(), code::queryMalformed) << filter;
+        EXPECT_EQ(query(filter).code(), code::QUERY_MALFORMED) << filter;
     }
     for (const std::string range :
          {"[0]", "0-1", "[0-1", "[-1-2]", "[2-1]", "[a-b]", "[]", "[0-1]x", "[0-99999999999999999999]"}) {
-        EXPECT_EQ(query("", "&range=" + range).code(), code::queryMalformed) << range;
+        EXPECT_EQ(query("", "&range=" + range).code(), code::QUERY_MALFORMED) << range;
     }
-    EXPECT_EQ(client.get("/lun/1?x=1").code(), code::queryMalformed);
+    EXPECT_EQ(client.get("/lun/1?x=1").code(), code::QUERY_MALFORMED);
     EXPECT_EQ(client.get("/lun/associate?TYPE=12&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + group).code(),
-              code::memberInvalid);
-    EXPECT_EQ(client.get("/lun/associate?TYPE=11").code(), code::memberMissing);
-    EXPECT_EQ(client.get("/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=256").code(), code::memberMissing);
+              code::MEMBER_INVALID);
+    EXPECT_EQ(client.get("/lun/associate?TYPE=11").code(), code::MEMBER_MISSING);
+    EXPECT_EQ(client.get("/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=256").code(), code::MEMBER_MISSING);
     EXPECT_EQ(client.get("/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=").code(),
-              code::memberMissing);
+              code::MEMBER_MISSING);
     EXPECT_EQ(client.get("/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=999&ASSOCIATEOBJID=1").code(),
-              code::associationUnsupported);
+              code::ASSOCIATION_UNSUPPORTED);
     EXPECT_EQ(client.get("/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=99").code(),
-              code::objectMissing);
+              code::OBJECT_MISSING);
 }
 
 TEST_F(SimulatorQuery, CountsAreDecimalTexts)
@@ -105,7 +105,7 @@ TEST_F(SimulatorQuery, CountsAreDecimalTexts)
     EXPECT_EQ(client.get("/snapshot/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + group).data()["COUNT"],
               "0");
     EXPECT_EQ(client.get("/lun/count").data()["COUNT"], "4");
-    EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=99").code(), code::objectMissing);
+    EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=99").code(), code::OBJECT_MISSING);
 }
 
 } // namespace

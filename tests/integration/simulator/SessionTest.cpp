@@ -26,7 +26,7 @@ TEST_F(SimulatorSession, WrongPasswordOrUserIsRefusedWithADescription)
 {
     ArrayClient stranger(array);
     for (const auto& reply : {stranger.login("admin", "guess"), stranger.login("nobody", array.password())}) {
-        EXPECT_EQ(reply.code(), code::loginRefused);
+        EXPECT_EQ(reply.code(), code::LOGIN_REFUSED);
         EXPECT_FALSE(reply.description().empty());
         EXPECT_TRUE(reply.data().isNull());
         EXPECT_EQ(reply.headers.count("Set-Cookie"), 0U);
@@ -38,11 +38,11 @@ TEST_F(SimulatorSession, LoginBodyIsCheckedStrictly)
     const auto login = [&](const std::string& body) {
         return client.raw("POST", "/deviceManager/rest/xxxx/sessions", body).code();
     };
-    EXPECT_EQ(login(R"({"username":"admin","password":"x"})"), code::memberMissing);
-    EXPECT_EQ(login(R"({"username":"admin","password":"x","scope":"0"})"), code::memberInvalid);
-    EXPECT_EQ(login(R"({"username":"admin","password":7,"scope":0})"), code::memberInvalid);
-    EXPECT_EQ(login(R"({"username":"admin","password":"x","scope":0,"more":1})"), code::memberUnknown);
-    EXPECT_EQ(login("username=admin"), code::bodyMalformed);
+    EXPECT_EQ(login(R"({"username":"admin","password":"x"})"), code::MEMBER_MISSING);
+    EXPECT_EQ(login(R"({"username":"admin","password":"x","scope":"0"})"), code::MEMBER_INVALID);
+    EXPECT_EQ(login(R"({"username":"admin","password":7,"scope":0})"), code::MEMBER_INVALID);
+    EXPECT_EQ(login(R"({"username":"admin","password":"x","scope":0,"more":1})"), code::MEMBER_UNKNOWN);
+    EXPECT_EQ(login("username=admin"), code::BODY_MALFORMED);
 }
 
 TEST_F(SimulatorSession, DeviceTokenAndCookieMustAllBelongToTheSession)
@@ -50,9 +50,9 @@ TEST_F(SimulatorSession, DeviceTokenAndCookieMustAllBelongToTheSession)
     const auto refused = [&] {
         const Reply reply = client.get("/server/logininfo");
         EXPECT_EQ(reply.status, 401);
-        EXPECT_EQ(reply.code(), code::sessionInvalid);
+        EXPECT_EQ(reply.code(), code::SESSION_INVALID);
         EXPECT_FALSE(reply.description().empty());
-        return reply.code() == code::sessionInvalid;
+        return reply.code() == code::SESSION_INVALID;
     };
     EXPECT_EQ(client.get("/server/logininfo").code(), 0);
     for (std::string* part : {&client.deviceId, &client.token, &client.cookie}) {
@@ -78,8 +78,8 @@ TEST_F(SimulatorSession, TheSessionCookieIsFoundAmongOthers)
 TEST_F(SimulatorSession, LogoutEndsTheSession)
 {
     EXPECT_EQ(client.del("/sessions").code(), 0);
-    EXPECT_EQ(client.get("/lun").code(), code::sessionInvalid);
-    EXPECT_EQ(client.del("/sessions").code(), code::sessionInvalid);
+    EXPECT_EQ(client.get("/lun").code(), code::SESSION_INVALID);
+    EXPECT_EQ(client.del("/sessions").code(), code::SESSION_INVALID);
     EXPECT_EQ(array.counters()["sessions"].asUInt(), 0U);
 }
 
@@ -90,7 +90,7 @@ TEST_F(SimulatorSession, IdleSessionsExpireAndKeepAliveRefreshesThem)
     array.advanceSessions(1199);
     EXPECT_EQ(client.get("/server/logininfo").code(), 0);
     array.advanceSessions(1201);
-    EXPECT_EQ(client.get("/server/logininfo").code(), code::sessionInvalid);
+    EXPECT_EQ(client.get("/server/logininfo").code(), code::SESSION_INVALID);
 }
 
 TEST(SimulatorSessionLimit, LoginsAboveTheLimitAreRefusedUntilOneEnds)
@@ -104,7 +104,7 @@ TEST(SimulatorSessionLimit, LoginsAboveTheLimitAreRefusedUntilOneEnds)
     EXPECT_EQ(first.login().code(), 0);
     EXPECT_EQ(second.login().code(), 0);
     const Reply refused = third.login();
-    EXPECT_EQ(refused.code(), code::sessionLimit);
+    EXPECT_EQ(refused.code(), code::SESSION_LIMIT);
     EXPECT_THAT(refused.description(), HasSubstr("2 sessions"));
     EXPECT_EQ(first.del("/sessions").code(), 0);
     EXPECT_EQ(third.login().code(), 0);
@@ -118,18 +118,18 @@ TEST(SimulatorSessionLimit, ExpiredSessionsMakeRoomForNewOnes)
     ArrayClient first(array);
     ArrayClient second(array);
     EXPECT_EQ(first.login().code(), 0);
-    EXPECT_EQ(second.login().code(), code::sessionLimit);
+    EXPECT_EQ(second.login().code(), code::SESSION_LIMIT);
     array.advanceSessions(61);
     EXPECT_EQ(second.login().code(), 0);
-    EXPECT_EQ(first.get("/lun").code(), code::sessionInvalid);
+    EXPECT_EQ(first.get("/lun").code(), code::SESSION_INVALID);
 }
 
 TEST_F(SimulatorSession, SessionsHaveNoOtherMethods)
 {
-    EXPECT_EQ(client.get("/sessions").code(), code::methodUnsupported);
-    EXPECT_EQ(client.raw("GET", "/deviceManager/rest", "").code(), code::resourceUnknown);
-    EXPECT_EQ(client.raw("GET", "/", "").code(), code::resourceUnknown);
-    EXPECT_EQ(client.request("PATCH", "/lun").code(), code::methodUnsupported);
+    EXPECT_EQ(client.get("/sessions").code(), code::METHOD_UNSUPPORTED);
+    EXPECT_EQ(client.raw("GET", "/deviceManager/rest", "").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.raw("GET", "/", "").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.request("PATCH", "/lun").code(), code::METHOD_UNSUPPORTED);
 }
 
 } // namespace

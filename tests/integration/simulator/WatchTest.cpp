@@ -72,7 +72,7 @@ TEST_F(SimulatorWatch, TheJournalHoldsRequestsAsSentWithoutSecrets)
               "/lun/associate?filter=NAME:a%20b&TYPE=11&ASSOCIATEOBJTYPE=216&ASSOCIATEOBJID=0");
     EXPECT_EQ(journal[2]["path"], "/sessions");
     EXPECT_THAT(journal[2]["body"].asString(), HasSubstr("\"***\""));
-    EXPECT_EQ(journal[3]["code"].asInt(), code::bodyMalformed);
+    EXPECT_EQ(journal[3]["code"].asInt(), code::BODY_MALFORMED);
     const std::string everything = journal.toStyledString() + array.log();
     EXPECT_THAT(everything, Not(HasSubstr(array.password())));
     EXPECT_THAT(everything, Not(HasSubstr("top")));
@@ -87,7 +87,7 @@ TEST_F(SimulatorWatch, ResetPutsTheFactoryStateBack)
     array.settle(1);
     array.addErrorFault("*", "*", 5, 0);
     array.reset();
-    EXPECT_EQ(client.get("/lun").code(), code::sessionInvalid);
+    EXPECT_EQ(client.get("/lun").code(), code::SESSION_INVALID);
     ASSERT_EQ(client.login().code(), 0);
     EXPECT_TRUE(client.get("/lun").data().isNull());
     EXPECT_TRUE(client.get("/lungroup").data().isNull());
