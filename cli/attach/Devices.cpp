@@ -22,13 +22,9 @@ std::string realDevice(const std::string& path)
     return device;
 }
 
-void refuseInUse(const std::vector<std::string>& disks)
+void refuseInUse(const std::string& wwn)
 {
-    std::vector<std::string> uses;
-    for (const auto& disk : disks) {
-        const auto found = usesOf(disk);
-        uses.insert(uses.end(), found.begin(), found.end());
-    }
+    const auto uses = usesOfDisksWith(wwn);
     if (!uses.empty()) {
         throw Failure("the devices are in use: " + joined(uses, "; ") +
                       "; release them first, or remove them all the same with --force");
@@ -114,7 +110,7 @@ void removeDevicesOf(Context& context, const Attachable& object, const std::stri
         return;
     }
     if (!context.has("--force")) {
-        refuseInUse(disks);
+        refuseInUse(wwn);
     }
     {
         const Progress progress("removing " + joined(disks) + " of " + object.called(id));

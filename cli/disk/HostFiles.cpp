@@ -3,13 +3,10 @@
 #include "kernel/Failure.h"
 #include "session/Secret.h"
 
-#include <algorithm>
-#include <dirent.h>
-#include <fstream>
+#include <ovra/disk/Files.h>
+#include <ovra/disk/Programs.h>
+
 #include <linux/capability.h>
-#include <memory>
-#include <sstream>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tesselctl {
@@ -19,39 +16,13 @@ std::string hostPath(const std::string& path)
     return environment("TESSELCTL_ROOT") + path;
 }
 
-std::string readFile(const std::string& path)
+std::vector<std::string> hostRoots()
 {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
-
-std::vector<std::string> readLines(const std::string& path)
-{
-    std::istringstream content(readFile(path));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(content, line);) {
-        lines.push_back(line);
+    std::vector<std::string> roots = {""};
+    if (!hostPath("").empty()) {
+        roots.push_back(hostPath(""));
     }
-    return lines;
-}
-
-std::vector<std::string> namesIn(const std::string& folder)
-{
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
-    if (!stream) {
-        return names;
-    }
-    while (const dirent* entry = readdir(stream.get())) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") {
-            names.push_back(name);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
+    return roots;
 }
 
 bool exists(const std::string& path)
@@ -61,24 +32,13 @@ bool exists(const std::string& path)
 
 std::string findProgram(const std::string& name)
 {
-    std::istringstream path(environment("PATH"));
-    for (std::string folder; std::getline(path, folder, ':');) {
-        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
-        struct stat status
-        {
-        };
-        if (stat(candidate.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-            access(candidate.c_str(), X_OK) == 0) {
-            return candidate;
-        }
-    }
-    return "";
+    return ovra::disk::findInPath(name);
 }
 
 bool hasCapability(int capability)
 {
     const std::string key = "CapEff:";
-    for (const auto& line : readLines("/proc/self/status")) {
+    for (const auto& line : ovra::disk::linesOf(ovra::disk::contentOf("/proc/self/status"))) {
         if (line.compare(0, key.size(), key) == 0) {
             return ((std::stoull(line.substr(key.size()), nullptr, 16) >> capability) & 1U) != 0;
         }

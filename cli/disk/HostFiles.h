@@ -9,14 +9,8 @@ namespace tesselctl {
 /// A path of this host, "/sys/block"; below the folder TESSELCTL_ROOT when the environment names one.
 std::string hostPath(const std::string& path);
 
-/// The whole file; empty when it cannot be read.
-std::string readFile(const std::string& path);
-
-/// The lines of a file.
-std::vector<std::string> readLines(const std::string& path);
-
-/// The names in a folder in ascending order; none when it cannot be read.
-std::vector<std::string> namesIn(const std::string& folder);
+/// The folders that stand before /sys and /proc: this host's own, and the one that TESSELCTL_ROOT names.
+std::vector<std::string> hostRoots();
 
 bool exists(const std::string& path);
 

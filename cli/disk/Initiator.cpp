@@ -2,6 +2,8 @@
 
 #include "disk/HostFiles.h"
 
+#include <ovra/disk/Files.h>
+
 #include <arpa/inet.h>
 #include <array>
 #include <netdb.h>
@@ -26,7 +28,7 @@ std::vector<Option> initiatorOptions()
 
 std::string initiatorFromFile(const std::string& path)
 {
-    for (std::string line : readLines(path)) {
+    for (std::string line : ovra::disk::linesOf(ovra::disk::contentOf(path))) {
         line.erase(0, line.find_first_not_of(" \t"));
         if (line.compare(0, key.size(), key) == 0) {
             std::string name = line.substr(key.size());

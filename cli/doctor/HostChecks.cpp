@@ -2,6 +2,9 @@
 
 #include "disk/HostFiles.h"
 
+#include <ovra/disk/Files.h>
+#include <ovra/disk/RescanScript.h>
+
 #include <linux/capability.h>
 
 namespace tesselctl {
@@ -61,18 +64,13 @@ Findings checkTools(Context&)
 
 Findings checkRescanScript(Context&)
 {
-    const std::string script = readFile(findProgram("rescan-scsi-bus.sh"));
-    const std::string inquiry = readFile(findProgram("sg_inq"));
-    if (script.empty() || inquiry.empty()) {
+    if (findProgram(ovra::disk::RESCAN_SCRIPT).empty() || findProgram("sg_inq").empty()) {
         return {};
     }
-    // The script takes a disk for gone when it does not find the word that its own sg_inq no longer prints.
-    const bool scriptKnowsBoth = script.find("PDT=") != std::string::npos;
-    const bool readsOldWord = script.find("Device_type=") != std::string::npos;
-    const bool printsNewWord = inquiry.find("PDT=") != std::string::npos;
-    if (readsOldWord && !scriptKnowsBoth && printsNewWord) {
+    const std::string harmful = ovra::disk::harmfulRescanScript();
+    if (!harmful.empty()) {
         return {{Verdict::warning, "rescan-scsi-bus.sh -r",
-                 "removes healthy disks: it looks for Device_type=, but sg_inq prints PDT=",
+                 "removes healthy disks: " + harmful + " looks for words that sg_inq does not print",
                  "install sg3-utils 1.48 or later; until then scans run without -r and dead disks stay"}};
     }
     return {{Verdict::ok, "rescan-scsi-bus.sh -r", "understands what sg_inq prints", ""}};
@@ -91,7 +89,7 @@ Findings checkUdev(Context&)
 {
     const std::string folder = "/dev/disk/by-id";
     const bool isThere = exists(hostPath(folder));
-    const auto names = namesIn(hostPath(folder));
+    const auto names = ovra::disk::namesIn(hostPath(folder));
     bool hasScsi = false;
     for (const auto& name : names) {
         hasScsi = hasScsi || name.compare(0, 5, "scsi-") == 0 || name.compare(0, 4, "wwn-") == 0;

@@ -1,6 +1,6 @@
 #include "doctor/Finding.h"
 
-#include "disk/HostFiles.h"
+#include <ovra/disk/Files.h>
 
 #include <cerrno>
 #include <cstring>
@@ -19,8 +19,7 @@ Finding finding(Verdict verdict, const std::string& found, const std::string& ad
 
 std::string processName(int pid)
 {
-    std::string name = readFile("/proc/" + std::to_string(pid) + "/comm");
-    name.erase(name.find_last_not_of('\n') + 1);
+    const std::string name = ovra::disk::valueOf("/proc/" + std::to_string(pid) + "/comm");
     return name.empty() ? "process " + std::to_string(pid) + ", which is gone"
                         : "process " + std::to_string(pid) + " (" + name + ")";
 }

@@ -1,5 +1,7 @@
 #include "HostFixture.h"
 
+#include <sys/mount.h>
+
 using ::testing::HasSubstr;
 
 namespace {
@@ -61,6 +63,33 @@ TEST_F(HostTest, WhatStandsOnAMultipathMapKeepsItsPathsInUse)
     folder.write("proc/self/mountinfo", "30 1 253:0 / /data rw - ext4 /dev/mapper/mpatha rw\n");
     const Outcome outcome = expect(1, {"remove", "lun", lun});
     EXPECT_THAT(outcome.err, HasSubstr("sdc is held by dm-0 (mpatha); dm-0 is mounted on /data"));
+}
+
+TEST_F(HostTest, AFolderInPlaceOfTheHostDoesNotHideTheUsesOfTheRealOne)
+{
+    addLunDisk(); // free, as the folder shows it
+    const Folder real;
+    std::filesystem::create_directories(real.path() + "/block");
+    std::filesystem::copy(folder.path() + "/sys/block/sdc", real.path() + "/block/sdc",
+                          std::filesystem::copy_options::recursive);
+    real.write("block/sdc/holders/dm-0/x", "");
+    const std::string block = real.path() + "/block";
+    cli.prepare = [block] {
+        if (unshare(CLONE_NEWIPC | CLONE_NEWNS) != 0 || mount("", "/", "", MS_REC | MS_PRIVATE, "") != 0 ||
+            mount(block.c_str(), "/sys/block", "", MS_BIND, "") != 0) {
+            _exit(126);
+        }
+    };
+    EXPECT_THAT(expect(1, {"remove", "lun", lun}).err, HasSubstr("sdc is held by dm-0"));
+    EXPECT_TRUE(diskIsThere());
+}
+
+TEST_F(HostTest, ADiskOfWhichTheUsesCannotBeToldIsNotRemoved)
+{
+    addLunDisk();
+    std::filesystem::remove(folder.path() + "/proc/self/mountinfo");
+    EXPECT_THAT(expect(1, {"remove", "lun", lun}).err, HasSubstr("whether sdc is in use cannot be told"));
+    EXPECT_TRUE(diskIsThere());
 }
 
 TEST_F(HostTest, AFreeDiskIsRemovedAndLookedForAfterwards)

@@ -1,0 +1,70 @@
+#include "ovra/disk/Files.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <dirent.h>
+#include <limits.h>
+#include <memory>
+#include <sstream>
+#include <unistd.h>
+
+namespace ovra::disk {
+
+std::optional<std::string> readFile(const std::string& path)
+{
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"), std::fclose);
+    if (!file) {
+        return std::nullopt;
+    }
+    std::string content;
+    char piece[4096];
+    for (size_t size = 1; size != 0;) {
+        size = std::fread(piece, 1, sizeof(piece), file.get());
+        content.append(piece, size);
+    }
+    return std::ferror(file.get()) == 0 ? std::make_optional(content) : std::nullopt;
+}
+
+std::string contentOf(const std::string& path)
+{
+    return readFile(path).value_or(std::string());
+}
+
+std::string valueOf(const std::string& path)
+{
+    const std::string content = contentOf(path);
+    return content.substr(0, content.find('\n'));
+}
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream content(text);
+    for (std::string line; std::getline(content, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+std::vector<std::string> namesIn(const std::string& directory)
+{
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
+    while (const dirent* entry = stream ? readdir(stream.get()) : nullptr) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string targetOf(const std::string& link)
+{
+    char target[PATH_MAX];
+    const ssize_t size = readlink(link.c_str(), target, sizeof(target));
+    return size < 0 ? std::string() : std::string(target, static_cast<size_t>(size));
+}
+
+} // namespace ovra::disk

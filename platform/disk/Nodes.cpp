@@ -1,0 +1,107 @@
+#include "ovra/disk/Nodes.h"
+
+#include "ovra/disk/Files.h"
+#include "ovra/disk/Names.h"
+#include "ovra/disk/Page83.h"
+
+#include <algorithm>
+#include <cctype>
+#include <unistd.h>
+
+namespace ovra::disk {
+namespace {
+
+constexpr const char* BLOCK = "/sys/block/";
+constexpr const char* RUNNING = "running";
+
+void visit(const Node& found, const std::string& root, std::vector<Node>& nodes)
+{
+    const auto isSame = [&](const Node& node) { return node.name == found.name; };
+    if (std::any_of(nodes.begin(), nodes.end(), isSame)) {
+        return;
+    }
+    Node node = found;
+    node.number = valueOf(node.folder + "/dev");
+    node.mapped = valueOf(node.folder + "/dm/name");
+    nodes.push_back(node);
+    for (const std::string& holder : namesIn(node.folder + "/holders")) {
+        visit({holder, root + BLOCK + holder, "", "", node.name}, root, nodes);
+    }
+    for (const std::string& name : namesIn(node.folder)) {
+        const std::string folder = node.folder + "/" + name;
+        if (access((folder + "/partition").c_str(), F_OK) == 0) {
+            visit({name, folder, "", "", ""}, root, nodes);
+        }
+    }
+}
+
+/** "naa.6001..." as the kernel spells it, without the name of its kind. */
+std::string kernelIdentity(const std::string& folder)
+{
+    const std::string text = valueOf(folder + "/wwid");
+    const size_t dot = text.find('.');
+    return dot == std::string::npos ? text : text.substr(dot + 1);
+}
+
+bool isSameText(const std::string& one, const std::string& other)
+{
+    return one.size() == other.size() &&
+           std::equal(one.begin(), one.end(), other.begin(), [](char a, char b) {
+               return std::tolower(static_cast<unsigned char>(a)) ==
+                      std::tolower(static_cast<unsigned char>(b));
+           });
+}
+
+} // namespace
+
+std::vector<Node> nodesOn(const std::string& disk, const std::string& root)
+{
+    std::vector<Node> nodes;
+    visit({disk, root + BLOCK + disk, "", "", ""}, root, nodes);
+    return nodes;
+}
+
+std::string stateOf(const std::string& disk, const std::string& root)
+{
+    return valueOf(root + BLOCK + disk + "/device/state");
+}
+
+bool canAnswer(const std::string& name, const std::string& root)
+{
+    const std::string state = stateOf(name, root);
+    if (!state.empty()) {
+        return state == RUNNING;
+    }
+    const std::vector<std::string> paths = namesIn(root + BLOCK + name + "/slaves");
+    return paths.empty() || std::any_of(paths.begin(), paths.end(),
+                                        [&](const std::string& path) { return canAnswer(path, root); });
+}
+
+std::vector<std::string> disksNotRunning(const std::string& root)
+{
+    std::vector<std::string> disks;
+    for (const std::string& name : namesIn(root + BLOCK)) {
+        const std::string state = isDiskName(name) ? stateOf(name, root) : std::string();
+        if (!state.empty() && state != RUNNING) {
+            disks.push_back(std::string(name).append(" is ").append(state));
+        }
+    }
+    return disks;
+}
+
+std::vector<std::string> disksWithWwn(const std::string& wwn, const std::string& root)
+{
+    std::vector<std::string> disks;
+    for (const std::string& name : namesIn(wwn.empty() ? std::string() : root + BLOCK)) {
+        const std::string folder = root + BLOCK + name + "/device";
+        std::vector<std::string> identities = unitDesignators(contentOf(folder + "/vpd_pg83"));
+        identities.push_back(kernelIdentity(folder));
+        if (std::any_of(identities.begin(), identities.end(),
+                        [&](const std::string& identity) { return isSameText(identity, wwn); })) {
+            disks.push_back(name);
+        }
+    }
+    return disks;
+}
+
+} // namespace ovra::disk

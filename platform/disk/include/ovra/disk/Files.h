@@ -1,0 +1,30 @@
+#ifndef OVRA_DISK_FILES_H
+#define OVRA_DISK_FILES_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ovra::disk {
+
+/** The bytes of a file; none, with errno set, when it cannot be read to its end. */
+std::optional<std::string> readFile(const std::string& path);
+
+/** The same, empty when it cannot be read. */
+std::string contentOf(const std::string& path);
+
+/** The first line of a file, as the kernel's files of one value have it; empty when it cannot be read. */
+std::string valueOf(const std::string& path);
+
+/** The lines of a text; the last one need not end in a newline. */
+std::vector<std::string> linesOf(const std::string& text);
+
+/** The names in a directory in ascending order; none when it cannot be read. */
+std::vector<std::string> namesIn(const std::string& directory);
+
+/** Where a symbolic link leads, as it is written; empty when it is none. */
+std::string targetOf(const std::string& link);
+
+} // namespace ovra::disk
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef OVRA_DISK_READIDENTITY_H
+#define OVRA_DISK_READIDENTITY_H
+
+#include "ovra/disk/Page83.h"
+
+namespace ovra::disk {
+
+constexpr unsigned int PAGE_BYTES = 256;
+
+/**
+ * One INQUIRY for a vital product data page, at most 60 seconds long.
+ * @param buffer of PAGE_BYTES bytes
+ * @return 0, or -1 when the device did not answer.
+ */
+int inquire(int descriptor, unsigned char page, unsigned char* buffer);
+
+/** Page 0x83 of a device; none when it does not answer. One that is known to be dead is not asked. */
+std::optional<std::string> readPage83(const std::string& path);
+
+/** Who a device is, asked of itself; empty texts when it cannot be read. */
+DiskIdentity readIdentity(const std::string& path);
+
+} // namespace ovra::disk
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef OVRA_DISK_USES_H
+#define OVRA_DISK_USES_H
+
+#include <string>
+#include <vector>
+
+namespace ovra::disk {
+
+/** What uses a disk, its partitions, or a device-mapper or RAID node on top of them; a sentence each. */
+struct Uses
+{
+    std::vector<std::string> found;   ///< "sdc1 is mounted on /data", "sdc is held by dm-3 (mpatha)"
+    std::vector<std::string> unknown; ///< "/proc/swaps cannot be read": the disk may be in use all the same
+};
+
+/**
+ * The uses in every mount namespace of this host. No device is asked anything.
+ * @param root stands before /proc and /sys
+ */
+Uses usesOf(const std::string& disk, const std::string& root = std::string());
+
+} // namespace ovra::disk
+
+#endif
