@@ -122,9 +122,7 @@ int readFile(const std::string& path, std::string& text)
     if (file < 0) {
         return errno;
     }
-    struct stat status
-    {
-    };
+    struct stat status = {};
     int result = fstat(file, &status) != 0 ? errno : S_ISREG(status.st_mode) ? 0 : EINVAL;
     std::array<char, 4096> buffer;
     while (result == 0 && text.size() <= LARGEST_FILE) {
@@ -146,7 +144,7 @@ int readFile(const std::string& path, std::string& text)
 Configuration parseConfiguration(const std::string& text)
 {
     Configuration configuration;
-    LineReader reader{text, configuration};
+    LineReader reader = {text, configuration};
     const int badLine = ini_parse_stream(&LineReader::next, &reader, &handleEntry, &configuration);
     if (badLine > 0) {
         configuration.problems.push_back("line " + std::to_string(badLine) +

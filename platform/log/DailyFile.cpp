@@ -28,7 +28,7 @@ public:
     ~FileSizeSignalGuard()
     {
         const int error = errno;
-        const timespec atOnce{};
+        const timespec atOnce = {};
         if (error == EFBIG && sigismember(&m_before, SIGXFSZ) == 0) {
             sigtimedwait(&m_signal, nullptr, &atOnce);
         }
@@ -54,9 +54,7 @@ int openForAppending(const std::string& path)
     if (descriptor < 0) {
         return -1;
     }
-    struct stat status
-    {
-    };
+    struct stat status = {};
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
         return descriptor;
     }
@@ -138,9 +136,7 @@ int DailyFile::openIn(const std::string& directory, const Date& date)
 bool DailyFile::stillThere() const
 {
     // Somebody may have removed the file or its directory: what is written to it then is lost.
-    struct stat status
-    {
-    };
+    struct stat status = {};
     return fstat(m_descriptor, &status) == 0 && status.st_nlink > 0;
 }
 

@@ -32,14 +32,14 @@ std::optional<Date> parseDate(std::string_view text)
         }
         return value;
     };
-    const Date date{number(0, 4), number(5, 2), number(8, 2)};
+    const Date date = {number(0, 4), number(5, 2), number(8, 2)};
     // timegm moves a day that does not exist to one that does.
-    tm calendar{};
+    tm calendar = {};
     calendar.tm_year = date.year - 1900;
     calendar.tm_mon = date.month - 1;
     calendar.tm_mday = date.day;
     timegm(&calendar);
-    const Date existing{calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
+    const Date existing = {calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
     return existing == date ? std::optional<Date>(date) : std::nullopt;
 }
 
@@ -53,14 +53,14 @@ struct CloseDirectory
 Date Date::of(std::chrono::system_clock::time_point time)
 {
     const time_t seconds = std::chrono::system_clock::to_time_t(time);
-    tm calendar{};
+    tm calendar = {};
     localtime_r(&seconds, &calendar);
     return {calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
 }
 
 long Date::number() const
 {
-    tm calendar{};
+    tm calendar = {};
     calendar.tm_year = year - 1900;
     calendar.tm_mon = month - 1;
     calendar.tm_mday = day;
@@ -96,9 +96,7 @@ unsigned removeOldFiles(const std::string& directory, std::string_view prefix, c
     }
     while (const dirent* entry = readdir(listing.get())) {
         const std::optional<Date> date = dateOfName(prefix, entry->d_name);
-        struct stat status
-        {
-        };
+        struct stat status = {};
         if (!date || today.number() - date->number() <= days ||
             fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0 ||
             !S_ISREG(status.st_mode)) {

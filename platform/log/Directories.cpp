@@ -15,16 +15,14 @@ constexpr mode_t DIRECTORY_MODE = 0750;
 
 bool isDirectory(const std::string& path)
 {
-    struct stat status
-    {
-    };
+    struct stat status = {};
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 std::string homeOfAccount()
 {
     std::array<char, 4096> buffer;
-    passwd account{};
+    passwd account = {};
     passwd* found = nullptr;
     if (getpwuid_r(geteuid(), &account, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) {
         return "";

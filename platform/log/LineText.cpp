@@ -10,26 +10,11 @@ namespace {
 
 void appendBytes(std::string& line, std::string_view bytes)
 {
-    static constexpr const char* digits = "0123456789ABCDEF";
+    static constexpr const char* DIGITS = "0123456789ABCDEF";
     for (const char byte : bytes) {
         const auto value = static_cast<unsigned char>(byte);
-        line.append({'\\', 'x', digits[value >> 4], digits[value & 0xF]});
+        line.append({'\\', 'x', DIGITS[value >> 4], DIGITS[value & 0xF]});
     }
-}
-
-/// Characters of several bytes that viewers obey instead of showing: C1 controls, line separators and marks
-/// that turn the direction of writing.
-bool isObeyed(std::string_view character)
-{
-    const auto byte = [&](size_t i) { return static_cast<unsigned char>(character[i]); };
-    if (character.size() == 2) {
-        return byte(0) == 0xC2 && byte(1) < 0xA0;
-    }
-    if (character.size() != 3 || byte(0) != 0xE2) {
-        return false;
-    }
-    return (byte(1) == 0x80 && byte(2) >= 0xA8 && byte(2) <= 0xAE) || // U+2028 to U+202E
-           (byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9);   // U+2066 to U+2069
 }
 
 void appendSingle(std::string& line, char character, Within within)
@@ -70,16 +55,16 @@ std::string escaped(std::string_view text, Within within)
     }
     line.reserve(text.size());
     while (!text.empty()) {
-        const size_t length = utf8SequenceLength(text);
-        const std::string_view character = text.substr(0, std::max<size_t>(length, 1));
+        const auto [code, length] = utf8Character(text);
+        const std::string_view bytes = text.substr(0, std::max<size_t>(length, 1));
         if (length == 1) {
             appendSingle(line, text.front(), within);
-        } else if (length == 0 || isObeyed(character)) {
-            appendBytes(line, character);
+        } else if (length == 0 || isObeyed(code)) {
+            appendBytes(line, bytes);
         } else {
-            line += character;
+            line += bytes;
         }
-        text.remove_prefix(character.size());
+        text.remove_prefix(bytes.size());
     }
     return line;
 }

@@ -123,7 +123,7 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
     m_configuration = readConfiguration(iniFile);
     m_wantedDirectory = m_configuration.directory.empty() ? directory : m_configuration.directory;
     m_directoryInUse = m_wantedDirectory;
-    const Place place{m_wantedDirectory, m_userDirectory, m_configuration.retentionDays};
+    const Place place = {m_wantedDirectory, m_userDirectory, m_configuration.retentionDays};
     m_logs.reset(new Logs{{RUN_PATTERN, RUN_PREFIX, place}, {INTERFACE_PATTERN, INTERFACE_PREFIX, place}});
     for (const std::string& problem : m_configuration.problems) {
         warn(std::string(iniFile).append(": ").append(problem));

@@ -76,7 +76,7 @@ private:
 
     const Clock m_clock;
     const Directory m_userDirectory;
-    std::atomic<unsigned long> m_dropped{0};
+    std::atomic<unsigned long> m_dropped = 0;
 
     mutable std::mutex m_mutex; ///< guards what follows
     std::map<std::string, unsigned> m_started;

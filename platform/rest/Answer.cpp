@@ -3,8 +3,8 @@
 #include <json/reader.h>
 
 #include <charconv>
+#include <cstring>
 #include <memory>
-#include <string_view>
 
 namespace ovra::rest {
 
@@ -13,10 +13,30 @@ namespace {
 /// Records of the array are two or three levels deep.
 constexpr int DEEPEST_NESTING = 100;
 
-std::optional<Json::Value> parseStrictly(const std::string& text)
+/// The bytes of a string value, where they stand.
+std::string_view textOf(const Json::Value& text)
+{
+    const char* begin = nullptr;
+    const char* end = nullptr;
+    return text.getString(&begin, &end) ? std::string_view(begin, static_cast<size_t>(end - begin))
+                                        : std::string_view();
+}
+
+void wipeTexts(const Json::Value& value)
+{
+    for (const Json::Value& member : value) {
+        wipeTexts(member);
+    }
+    if (value.isString()) {
+        const std::string_view text = textOf(value);
+        explicit_bzero(const_cast<char*>(text.data()), text.size());
+    }
+}
+
+std::optional<SecretValue> parseStrictly(std::string_view text)
 {
     // The reader takes a NUL for the end of the text.
-    if (text.find('\0') != std::string::npos) {
+    if (text.find('\0') != std::string_view::npos) {
         return std::nullopt;
     }
     Json::CharReaderBuilder builder;
@@ -25,9 +45,9 @@ std::optional<Json::Value> parseStrictly(const std::string& text)
     builder["failIfExtra"] = true;
     builder["stackLimit"] = DEEPEST_NESTING;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value value;
+    std::optional<SecretValue> value(std::in_place);
     try {
-        if (!reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) {
+        if (!reader->parse(text.data(), text.data() + text.size(), &*value, nullptr)) {
             return std::nullopt;
         }
     } catch (const Json::Exception&) {
@@ -50,7 +70,7 @@ std::optional<int> parseDecimal(std::string_view text)
 std::optional<int> readCode(const Json::Value& code)
 {
     if (code.isString()) {
-        return parseDecimal(code.asString());
+        return parseDecimal(textOf(code));
     }
     if (code.isNumeric() && code.isInt()) {
         return code.asInt();
@@ -77,9 +97,14 @@ bool takeRecords(Json::Value& data, Json::Value& records)
 
 } // namespace
 
-std::optional<Answer> parseAnswer(const std::string& text)
+SecretValue::~SecretValue()
 {
-    std::optional<Json::Value> root = parseStrictly(text);
+    wipeTexts(*this);
+}
+
+std::optional<Answer> parseAnswer(std::string_view text)
+{
+    std::optional<SecretValue> root = parseStrictly(text);
     if (!root || !root->isObject()) {
         return std::nullopt;
     }
@@ -94,9 +119,7 @@ std::optional<Answer> parseAnswer(const std::string& text)
 
     Answer answer;
     answer.code = *code;
-    if (error["description"].isString()) {
-        answer.description = error["description"].asString();
-    }
+    answer.description = textOf(error["description"]);
     // An error answer is one whatever came as its data.
     if (!takeRecords((*root)["data"], answer.records) && answer.code == 0) {
         return std::nullopt;

@@ -1,23 +1,34 @@
 #ifndef OVRA_REST_ANSWER_H
 #define OVRA_REST_ANSWER_H
 
+#include "../text/Secret.h"
+
 #include <json/value.h>
 
 #include <optional>
-#include <string>
+#include <string_view>
 
 namespace ovra::rest {
+
+/** A JSON value whose texts are overwritten when it goes. */
+struct SecretValue : Json::Value
+{
+    using Json::Value::Value;
+    SecretValue(SecretValue&&) = default;
+    SecretValue& operator=(SecretValue&&) = default;
+    ~SecretValue();
+};
 
 /** The array's answer to one request. */
 struct Answer
 {
     int code = 0; ///< 0: success
-    std::string description;
-    Json::Value records{Json::arrayValue};
+    SecretText description;
+    SecretValue records = Json::arrayValue;
 };
 
 /** Reads an answer; nothing when the text is not strict JSON or has no error object that can be read. */
-std::optional<Answer> parseAnswer(const std::string& text);
+std::optional<Answer> parseAnswer(std::string_view text);
 
 } // namespace ovra::rest
 

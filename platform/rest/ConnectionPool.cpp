@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t MOST_IDLE = 16;
 /// libcurl does not use a connection that was idle for longer (CURLOPT_MAXAGE_CONN).
-constexpr std::chrono::seconds LONGEST_IDLE{118};
+constexpr auto LONGEST_IDLE = std::chrono::seconds(118);
 
 CurlHandle makeHandle()
 {
@@ -39,7 +39,7 @@ bool isQuiet(const Connection& connection)
     if (connection.socket == CURL_SOCKET_BAD) {
         return false;
     }
-    pollfd polled{connection.socket, POLLIN, 0};
+    pollfd polled = {connection.socket, POLLIN, 0};
     return poll(&polled, 1, 0) == 0;
 }
 
@@ -59,7 +59,7 @@ ConnectionPool::ConnectionPool()
 
 Connection ConnectionPool::take(const std::string& key)
 {
-    Connection taken{key, nullptr, CURL_SOCKET_BAD, 0, getpid()};
+    Connection taken = {key, nullptr, CURL_SOCKET_BAD, 0, getpid()};
     {
         const std::lock_guard<std::mutex> lock(libraryMutex());
         leaveToParent();

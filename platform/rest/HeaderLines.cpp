@@ -85,8 +85,8 @@ void HeaderLines::add(std::string_view line)
     if (colon == std::string_view::npos) {
         return;
     }
-    m_lines.push_back(canonicalHeaderName(withoutOuterBlanks(line.substr(0, colon))) + ": " +
-                      std::string(withoutOuterBlanks(line.substr(colon + 1))));
+    m_lines.emplace_back(canonicalHeaderName(withoutOuterBlanks(line.substr(0, colon))));
+    m_lines.back().append(": ").append(withoutOuterBlanks(line.substr(colon + 1)));
 }
 
 } // namespace ovra::rest

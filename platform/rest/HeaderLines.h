@@ -1,6 +1,8 @@
 #ifndef OVRA_REST_HEADERLINES_H
 #define OVRA_REST_HEADERLINES_H
 
+#include "../text/Secret.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,10 +26,10 @@ class HeaderLines
 {
 public:
     void add(std::string_view line);
-    std::vector<std::string> take() { return std::move(m_lines); }
+    std::vector<std::string> lines() const { return {m_lines.begin(), m_lines.end()}; }
 
 private:
-    std::vector<std::string> m_lines;
+    std::vector<SecretText> m_lines;
     bool m_inHead = false;
 };
 

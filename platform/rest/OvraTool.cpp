@@ -8,6 +8,6 @@ bool OvraTool::CheckIPValid(const std::string& ip)
     if (ip.find('\0') != std::string::npos) {
         return false;
     }
-    in6_addr address{}; // room for either family
+    in6_addr address = {}; // room for either family
     return inet_pton(AF_INET, ip.c_str(), &address) == 1 || inet_pton(AF_INET6, ip.c_str(), &address) == 1;
 }

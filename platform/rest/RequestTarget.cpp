@@ -9,15 +9,15 @@ namespace {
 bool mayStandRaw(unsigned char byte)
 {
     // "#" would begin a fragment, which is no part of a request target.
-    static constexpr std::string_view refused = "\"#<>\\^`{|}";
-    return byte > 0x20 && byte < 0x7F && refused.find(static_cast<char>(byte)) == std::string_view::npos;
+    static constexpr std::string_view REFUSED = "\"#<>\\^`{|}";
+    return byte > 0x20 && byte < 0x7F && REFUSED.find(static_cast<char>(byte)) == std::string_view::npos;
 }
 
 } // namespace
 
 std::string encodeRequestTarget(const std::string& path)
 {
-    static constexpr const char* digits = "0123456789ABCDEF";
+    static constexpr const char* DIGITS = "0123456789ABCDEF";
     std::string encoded;
     encoded.reserve(path.size() + 16);
     for (const char character : path) {
@@ -25,7 +25,7 @@ std::string encodeRequestTarget(const std::string& path)
         if (mayStandRaw(byte)) {
             encoded += character;
         } else {
-            encoded.append({'%', digits[byte >> 4], digits[byte & 0xF]});
+            encoded.append({'%', DIGITS[byte >> 4], DIGITS[byte & 0xF]});
         }
     }
     return encoded;

@@ -12,13 +12,6 @@ using namespace ovra::rest;
 class __attribute__((visibility("hidden"))) RestRequest::Impl
 {
 public:
-    ~Impl()
-    {
-        for (auto& header : headers) {
-            wipe(header.second);
-        }
-    }
-
     bool build(HttpRequest& request, const std::optional<ServerAddress>& server, const std::string& path,
                REST_REQUEST_MODE_E mode) const;
     int exchange(const HttpRequest& request, std::optional<Answer>& answer,
@@ -53,7 +46,7 @@ int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer
     warnAboutSettings(settings);
     Transfer transfer(request, settings);
     const int result = transfer.perform();
-    headerLines = transfer.headers().take();
+    headerLines = transfer.headers().lines();
     if (result != REST_OK) {
         return result;
     }

@@ -9,7 +9,7 @@ RestResponse::~RestResponse() = default;
 
 int RestResponse::getResponseCode(std::string& description)
 {
-    description = m_impl->answer ? m_impl->answer->description : std::string();
+    description = m_impl->answer ? std::string_view(m_impl->answer->description) : std::string_view();
     return m_impl->answer ? m_impl->answer->code : static_cast<int>(REST_ANSWER_UNREADABLE);
 }
 
@@ -32,13 +32,13 @@ namespace {
 template <class Number>
 Number readDecimal(const std::string& text)
 {
-    constexpr Number largest = std::numeric_limits<Number>::max();
+    constexpr Number LARGEST = std::numeric_limits<Number>::max();
     Number number = 0;
     for (size_t i = text.find_first_not_of(" \t\n\v\f\r");
          i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
         const auto digit = static_cast<Number>(text[i] - '0');
-        if (number > (largest - digit) / 10) {
-            return largest;
+        if (number > (LARGEST - digit) / 10) {
+            return LARGEST;
         }
         number = number * 10 + digit;
     }

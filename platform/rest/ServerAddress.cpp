@@ -20,9 +20,9 @@ bool isIpv6(const std::string& host)
 
 bool isNameOrIpv4(const std::string& host)
 {
-    static constexpr const char* allowed =
+    static constexpr const char* ALLOWED =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-_";
-    return !host.empty() && host.find_first_not_of(allowed) == std::string::npos;
+    return !host.empty() && host.find_first_not_of(ALLOWED) == std::string::npos;
 }
 
 std::optional<unsigned int> parsePort(const std::string& text)
@@ -56,11 +56,11 @@ std::string ServerAddress::origin() const
 
 std::optional<ServerAddress> ServerAddress::fromUrl(const std::string& url)
 {
-    constexpr std::string_view scheme = "https://";
-    if (strncasecmp(url.c_str(), scheme.data(), scheme.size()) != 0) {
+    constexpr std::string_view SCHEME = "https://";
+    if (strncasecmp(url.c_str(), SCHEME.data(), SCHEME.size()) != 0) {
         return std::nullopt;
     }
-    std::string authority = url.substr(scheme.size());
+    std::string authority = url.substr(SCHEME.size());
     if (!authority.empty() && authority.back() == '/') {
         authority.pop_back();
     }

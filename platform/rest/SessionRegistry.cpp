@@ -1,7 +1,6 @@
 #include "SessionRegistry.h"
 
 #include "HeaderLines.h"
-#include "JsonBody.h"
 #include "LibraryLock.h"
 
 #include <cstdint>
@@ -21,12 +20,6 @@ unsigned int keyOf(const void* identity)
 }
 
 } // namespace
-
-Session::~Session()
-{
-    wipe(token);
-    wipe(cookie);
-}
 
 SessionRegistry& SessionRegistry::instance()
 {

@@ -1,6 +1,8 @@
 #ifndef OVRA_REST_SESSIONREGISTRY_H
 #define OVRA_REST_SESSIONREGISTRY_H
 
+#include "../text/Secret.h"
+
 #include <ovra/rest/UserManager.h>
 
 #include <map>
@@ -11,17 +13,12 @@ namespace ovra::rest {
 /** A session that requests can be sent on. */
 struct Session
 {
-    Session() = default;
-    ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-
     const void* identity = nullptr;
     std::string deviceId;
     std::string ip;
     unsigned int port = 0;
-    std::string token;
-    std::string cookie;
+    SecretText token;
+    SecretText cookie;
     bool loggedIn = false;
 };
 

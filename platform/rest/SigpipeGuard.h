@@ -24,7 +24,7 @@ public:
 
     ~SigpipeGuard()
     {
-        const timespec atOnce{};
+        const timespec atOnce = {};
         if (!m_wasPending) {
             while (sigtimedwait(&m_pipe, nullptr, &atOnce) == SIGPIPE) {
             }

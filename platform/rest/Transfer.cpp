@@ -1,6 +1,5 @@
 #include "Transfer.h"
 
-#include "JsonBody.h"
 #include "SigpipeGuard.h"
 #include "TransferOptions.h"
 
@@ -16,11 +15,10 @@ std::string connectionKey(const ServerAddress& server, const RestSettings& setti
 
 } // namespace
 
-void setHeader(Headers& headers, const std::string& name, const std::string& value)
+void setHeader(Headers& headers, const std::string& name, std::string_view value)
 {
     for (auto& header : headers) {
         if (header.first == name) {
-            wipe(header.second);
             header.second = value;
             return;
         }
@@ -28,24 +26,9 @@ void setHeader(Headers& headers, const std::string& name, const std::string& val
     headers.emplace_back(name, value);
 }
 
-HttpRequest::~HttpRequest()
-{
-    for (auto& header : headers) {
-        wipe(header.second);
-    }
-    if (body) {
-        wipe(*body);
-    }
-}
-
 Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
     : m_request(request), m_settings(settings)
 {
-}
-
-Transfer::~Transfer()
-{
-    wipe(m_body);
 }
 
 int Transfer::perform()

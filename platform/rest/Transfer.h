@@ -5,6 +5,8 @@
 #include "HeaderLines.h"
 #include "ServerAddress.h"
 
+#include "../text/Secret.h"
+
 #include <ovra/rest/RestRequest.h>
 #include <ovra/rest/RestSettings.h>
 
@@ -16,24 +18,19 @@
 namespace ovra::rest {
 
 /** Names and values; outer blanks of a value are not sent, and an empty one not at all. */
-using Headers = std::vector<std::pair<std::string, std::string>>;
+using Headers = std::vector<std::pair<std::string, SecretText>>;
 
 /** Sets a header; one of that name that is there already is replaced. */
-void setHeader(Headers& headers, const std::string& name, const std::string& value);
+void setHeader(Headers& headers, const std::string& name, std::string_view value);
 
-/** One HTTP request, ready to be sent. Its header values and body are wiped when it is done. */
+/** One HTTP request, ready to be sent. */
 struct HttpRequest
 {
-    HttpRequest() = default;
-    ~HttpRequest();
-    HttpRequest(const HttpRequest&) = delete;
-    HttpRequest& operator=(const HttpRequest&) = delete;
-
     ServerAddress server;
     REST_REQUEST_MODE_E method = REST_GET;
     std::string target; ///< path and query, encoded
     Headers headers;
-    std::optional<std::string> body;
+    std::optional<SecretText> body;
 };
 
 /** Sends one request and receives its answer. */
@@ -44,14 +41,13 @@ public:
     static constexpr size_t MOST_BODY_BYTES = 64UL * 1024 * 1024;
 
     Transfer(const HttpRequest& request, const RestSettings& settings);
-    ~Transfer();
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
 
     /** @return 0 when a whole answer was received, else a CURLcode or REST_RESULT_E value. */
     int perform();
 
-    const std::string& body() const { return m_body; }
+    const SecretText& body() const { return m_body; }
     HeaderLines& headers() { return m_headers; }
 
 private:
@@ -76,7 +72,7 @@ private:
     const std::chrono::steady_clock::time_point m_started = std::chrono::steady_clock::now();
 
     HeaderLines m_headers;
-    std::string m_body;
+    SecretText m_body;
     size_t m_headerBytes = 0;
     unsigned m_sendings = 0; ///< how often libcurl wanted to send the request in this attempt
     bool m_reused = false;   ///< the attempt began on a connection that had served a request before

@@ -32,9 +32,9 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address)
     return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
-void append(HeaderList& list, const std::string& line)
+void append(HeaderList& list, const char* line)
 {
-    curl_slist* extended = curl_slist_append(list.get(), line.c_str());
+    curl_slist* extended = curl_slist_append(list.get(), line);
     if (extended == nullptr) {
         throw std::bad_alloc();
     }
@@ -45,8 +45,8 @@ void append(HeaderList& list, const std::string& line)
 /// No limit is a very long one: 0 would mean a default of libcurl's own for connecting.
 long milliseconds(long seconds)
 {
-    constexpr long longest = 1000000; // libcurl keeps the milliseconds in 32 bits
-    return (seconds <= 0 ? longest : std::min(seconds, longest)) * 1000;
+    constexpr long LONGEST = 1000000; // libcurl keeps the milliseconds in 32 bits
+    return (seconds <= 0 ? LONGEST : std::min(seconds, LONGEST)) * 1000;
 }
 
 } // namespace
@@ -69,11 +69,7 @@ HeaderList makeHeaderList(const HttpRequest& request)
         if (value.empty()) {
             continue;
         }
-        std::string line;
-        line.reserve(name.size() + value.size() + 2);
-        line.append(name).append(": ").append(value);
-        append(list, line);
-        explicit_bzero(line.data(), line.size());
+        append(list, SecretText(name).append(": ").append(value).c_str());
     }
     return list;
 }

@@ -6,47 +6,56 @@
 
 namespace ovra {
 
-/**
- * Length in bytes of the well-formed UTF-8 sequence that the text begins with; 0 when there is none (overlong
- * forms, surrogates and values above U+10FFFF are not well-formed).
- */
-inline std::size_t utf8SequenceLength(std::string_view text)
+/** A character of a UTF-8 text. */
+struct Utf8Character
 {
-    const auto byte = [text](std::size_t i) -> unsigned {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-    };
-    const auto within = [](unsigned value, unsigned low, unsigned high) {
-        return value >= low && value <= high;
-    };
-    const auto continues = [&](std::size_t i) { return within(byte(i), 0x80, 0xBF); };
+    char32_t code = 0;
+    std::size_t length = 0; ///< in bytes, 1 to 4; 0: the bytes are not well-formed UTF-8
+};
 
-    const unsigned lead = byte(0);
+/**
+ * The character that the text begins with. Nothing (length 0) when there is none: at the end of the text, and
+ * for what is not well-formed (cut sequences, overlong forms, surrogates, values above U+10FFFF).
+ */
+inline Utf8Character utf8Character(std::string_view text)
+{
+    constexpr char32_t SMALLEST[] = {0, 0, 0x80, 0x800, 0x10000}; // that needs as many bytes
+    const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+
     if (text.empty()) {
-        {
-            return 0;
-        }
+        return {};
     }
+    const unsigned lead = byte(0);
     if (lead < 0x80) {
-        {
-            return 1;
+        return {lead, 1};
+    }
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
+        return {};
+    }
+    char32_t code = lead & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0U) != 0x80U) {
+            return {};
         }
+        code = (code << 6U) | (byte(i) & 0x3FU);
     }
-    if (within(lead, 0xC2, 0xDF)) {
-        {
-            return continues(1) ? 2 : 0;
-        }
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    if (code < SMALLEST[length] || code > 0x10FFFF || surrogate) {
+        return {};
     }
-    if (within(lead, 0xE0, 0xEF)) {
-        const unsigned low = lead == 0xE0 ? 0xA0 : 0x80;
-        const unsigned high = lead == 0xED ? 0x9F : 0xBF;
-        return within(byte(1), low, high) && continues(2) ? 3 : 0;
-    }
-    if (within(lead, 0xF0, 0xF4)) {
-        const unsigned low = lead == 0xF0 ? 0x90 : 0x80;
-        const unsigned high = lead == 0xF4 ? 0x8F : 0xBF;
-        return within(byte(1), low, high) && continues(2) && continues(3) ? 4 : 0;
-    }
-    return 0;
+    return {code, length};
+}
+
+/**
+ * True for a character that terminals and viewers obey instead of showing: controls (line ends and tabs among
+ * them), line separators, and the marks that turn the direction of writing.
+ */
+inline bool isObeyed(char32_t code)
+{
+    const auto within = [code](char32_t low, char32_t high) { return code >= low && code <= high; };
+    return code < 0x20 || within(0x7F, 0x9F) || code == 0x061C || within(0x200E, 0x200F) ||
+           within(0x2028, 0x202E) || within(0x2066, 0x2069);
 }
 
 } // namespace ovra

@@ -54,7 +54,7 @@ class __attribute__((visibility("default"))) RestRequest
 public:
     /** A request without body and headers. */
     RestRequest();
-    /** Wipes body and headers from memory. */
+    /** Overwrites body and headers; libcurl keeps what it sent until that memory is used again. */
     ~RestRequest();
     /** Not copied. */
     RestRequest(const RestRequest&) = delete;

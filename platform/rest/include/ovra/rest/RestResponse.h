@@ -16,7 +16,7 @@ class __attribute__((visibility("default"))) RestResponse
 public:
     /** An answer that was not received yet. */
     RestResponse();
-    /** Wipes the answer from memory. */
+    /** Overwrites the texts of records and description; copies that were handed out stay. */
     ~RestResponse();
     /** Not copied. */
     RestResponse(const RestResponse&) = delete;

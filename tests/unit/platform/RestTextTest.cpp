@@ -59,7 +59,7 @@ TEST(HeaderLines, KeepOnlyTheFinalHead)
                              " \t two \r\n", "\r\n", "Trailer: 1\r\n"}) {
         lines.add(line);
     }
-    EXPECT_EQ((std::vector<std::string>{"Set-Cookie: a=b;", "Folded: one two"}), lines.take());
+    EXPECT_EQ((std::vector<std::string>{"Set-Cookie: a=b;", "Folded: one two"}), lines.lines());
 }
 
 TEST(HeaderValues, WithALineEndOrNulCannotBeSent)
