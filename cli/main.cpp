@@ -1,4 +1,4 @@
-#include "kernel/CommandLine.h"
+#include "frame/CommandLine.h"
 
 int main(int argc, char** argv)
 {

@@ -1,4 +1,4 @@
-#include "kernel/Context.h"
+#include "frame/Context.h"
 #include "session/Reach.h"
 
 #include <array>
@@ -8,7 +8,7 @@
 namespace tesselctl {
 namespace {
 
-/// Seconds with milliseconds that something took.
+/** Seconds with milliseconds that something took. */
 template <class Work>
 double timed(Work work)
 {

@@ -4,11 +4,12 @@
 #include "disk/Initiator.h"
 #include "disk/LocalDisks.h"
 #include "objects/ObjectKind.h"
+#include "text/Words.h"
 
 namespace tesselctl {
 namespace {
 
-const char* const everyHost = "0";
+constexpr const char* EVERY_HOST = "0";
 
 Json::Value resultOf(const char* action, const Attachable& object, const std::string& id,
                      const std::string& initiator)
@@ -61,7 +62,7 @@ void attach(Context& context, const Attachable& object)
     context.printer().result(text, result);
 }
 
-/// Devices that stay behind without their LUN become dead disks.
+/** Devices that stay behind without their LUN become dead disks. */
 void warnOfDevices(Context& context, const Attachable& object, const std::string& id)
 {
     const auto disks = disksWithWwn(object.wwn(context.session(), id));
@@ -71,14 +72,14 @@ void warnOfDevices(Context& context, const Attachable& object, const std::string
     }
 }
 
-/// The host that must no longer see the object; empty when the initiator is bound to none.
+/** The host that must no longer see the object; empty when the initiator is bound to none. */
 void checkGone(Context& context, const Attachable& object, const std::string& id, const std::string& host)
 {
-    const bool stays = host == everyHost ? !object.groups(context.session(), id).empty()
-                                         : !host.empty() && object.isSeenByHost(context.session(), id, host);
+    const bool stays = host == EVERY_HOST ? !object.groups(context.session(), id).empty()
+                                          : !host.empty() && object.isSeenByHost(context.session(), id, host);
     if (stays) {
         throw Failure("the array took the request, but " +
-                      (host == everyHost ? "a LUN group still holds " : "host " + host + " still sees ") +
+                      (host == EVERY_HOST ? "a LUN group still holds " : "host " + host + " still sees ") +
                       object.called(id) + "; see 'tesselctl lungroup list --" + object.word + " " + id + "'");
     }
 }
@@ -90,9 +91,9 @@ void detach(Context& context, const Attachable& object)
     if (all && (context.has("--initiator") || context.has("--initiator-file"))) {
         throw UsageError("--all-hosts does not go with --initiator");
     }
-    const std::string initiator = all ? everyHost : chosenInitiator(context);
+    const std::string initiator = all ? EVERY_HOST : chosenInitiator(context);
     object.wwn(context.session(), id); // tells an unknown ID apart
-    const std::string host = all ? everyHost : readInitiator(context, initiator).PARENTID;
+    const std::string host = all ? EVERY_HOST : readInitiator(context, initiator).PARENTID;
     Session& session = context.session();
     const bool wasVisible =
         all ? !object.groups(session, id).empty() : !host.empty() && object.isSeenByHost(session, id, host);

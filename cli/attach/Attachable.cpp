@@ -16,7 +16,7 @@ auto field(const char* title, Record (Handler::*get)(const std::string&), std::s
     };
 }
 
-/// list(owner, query) asked for the object alone.
+/** list(owner, query) asked for the object alone. */
 template <class Handler, class Record, class Query>
 auto listedBy(std::vector<Record> (Handler::*list)(const std::string&, Query&))
 {

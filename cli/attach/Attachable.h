@@ -1,7 +1,7 @@
-#ifndef TESSELCTL_ATTACH_ATTACHABLE_H
-#define TESSELCTL_ATTACH_ATTACHABLE_H
+#ifndef ATTACH_ATTACHABLE_H
+#define ATTACH_ATTACHABLE_H
 
-#include "kernel/Context.h"
+#include "frame/Context.h"
 
 #include <functional>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace tesselctl {
 
-/// What can be attached to a host, LUN or snapshot, and the SDK's calls for it.
+/** What can be attached to a host, LUN or snapshot, and the SDK's calls for it. */
 struct Attachable
 {
     std::string word;  ///< in commands: "lun"
@@ -18,7 +18,7 @@ struct Attachable
     int (CDiskAttachHandler::*detach)(const std::string&, const std::string&);
     std::string (CDiskScannerHandler::*scan)(std::string&);
     void (CDiskScannerHandler::*removeDevices)(std::string&);
-    /// Its WWN; throws NotFound where the array does not know the ID.
+    /** Its WWN; throws NotFound where the array does not know the ID. */
     std::function<std::string(Session&, const std::string& id)> wwn;
     std::function<std::string(Session&, const std::string& id)> name;
     std::function<bool(Session&, const std::string& id, const std::string& host)> isSeenByHost;
@@ -29,10 +29,10 @@ struct Attachable
     std::string called(const std::string& id) const { return title + " " + id; }
 };
 
-/// LUN and snapshot.
+/** LUN and snapshot. */
 const std::vector<Attachable>& attachables();
 
-/// A command for each of them: {"attach", "lun"} and {"attach", "snapshot"}.
+/** A command for each of them: {"attach", "lun"} and {"attach", "snapshot"}. */
 Commands forEachAttachable(const std::string& verb, const std::string& summary,
                            const std::vector<Option>& options, void (*run)(Context&, const Attachable&));
 

@@ -5,15 +5,16 @@
 #include "disk/LocalDisks.h"
 #include "output/Progress.h"
 #include "session/Reach.h"
+#include "text/Words.h"
 
 #include <cstdlib>
 
 namespace tesselctl {
 namespace {
 
-const char* const korvexRescan = "kxRescan";
+constexpr const char* KORVEX_RESCAN = "kxRescan";
 
-/// /dev/sdc for /dev/disk/by-id/../../sdc.
+/** /dev/sdc for /dev/disk/by-id/../../sdc. */
 std::string realDevice(const std::string& path)
 {
     char* real = realpath(path.c_str(), nullptr);
@@ -52,15 +53,6 @@ void remove(Context& context, const Attachable& object)
 }
 
 } // namespace
-
-std::string joined(const std::vector<std::string>& texts, const std::string& between)
-{
-    std::string all;
-    for (const auto& text : texts) {
-        all += (all.empty() ? "" : between) + text;
-    }
-    return all;
-}
 
 Option forceOption()
 {
@@ -104,7 +96,7 @@ void removeDevicesOf(Context& context, const Attachable& object, const std::stri
     if (disks.empty()) {
         return;
     }
-    if (!findProgram(korvexRescan).empty()) {
+    if (!findProgram(KORVEX_RESCAN).empty()) {
         context.printer().note("Korvex is installed and removes its devices itself: " + joined(disks) +
                                " stay");
         return;

@@ -1,14 +1,16 @@
-#ifndef TESSELCTL_ATTACH_DEVICES_H
-#define TESSELCTL_ATTACH_DEVICES_H
+#ifndef ATTACH_DEVICES_H
+#define ATTACH_DEVICES_H
 
 #include "attach/Attachable.h"
 
 namespace tesselctl {
 
-/// --force
+/** --force */
 Option forceOption();
 
-/// Rescans and finds the object's device; throws Failure when there is none. Adds "devicePath" and "device".
+/**
+ * Rescans and finds the object's device; throws Failure when there is none. Adds "devicePath" and "device".
+ */
 void scanFor(Context& context, const Attachable& object, const std::string& id, Json::Value& result);
 
 /**
@@ -17,11 +19,8 @@ void scanFor(Context& context, const Attachable& object, const std::string& id, 
  */
 void removeDevicesOf(Context& context, const Attachable& object, const std::string& id, Json::Value& result);
 
-/// What scanFor or removeDevicesOf put into the result, as text.
+/** What scanFor or removeDevicesOf put into the result, as text. */
 std::string deviceSentence(const Json::Value& result);
-
-/// The names as one text: "sdc, sdd".
-std::string joined(const std::vector<std::string>& texts, const std::string& between = ", ");
 
 } // namespace tesselctl
 

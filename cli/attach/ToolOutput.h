@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_ATTACH_TOOLOUTPUT_H
-#define TESSELCTL_ATTACH_TOOLOUTPUT_H
+#ifndef ATTACH_TOOLOUTPUT_H
+#define ATTACH_TOOLOUTPUT_H
 
 #include <fcntl.h>
 #include <unistd.h>

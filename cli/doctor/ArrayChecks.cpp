@@ -1,7 +1,7 @@
 #include "doctor/Finding.h"
 
 #include "disk/HostFiles.h"
-#include "kernel/Outcome.h"
+#include "frame/Outcome.h"
 #include "session/Reach.h"
 #include "session/Secret.h"
 

@@ -9,11 +9,11 @@
 namespace tesselctl {
 namespace {
 
-const std::array<const char*, 3> words = {"ok", "warning", "failure"};
+constexpr std::array<const char*, 3> WORDS = {"ok", "warning", "failure"};
 
 const char* wordOf(Verdict verdict)
 {
-    return words.at(static_cast<size_t>(verdict));
+    return WORDS.at(static_cast<size_t>(verdict));
 }
 
 std::string textOf(const Findings& findings)
@@ -64,7 +64,7 @@ void doctor(Context& context)
     Json::Value json = jsonOf(findings);
     json["fit"] = isFit;
     context.printer().result(textOf(findings) + "\n" + sum + "\n", json);
-    context.endWith(isFit ? ExitCode::success : ExitCode::failure);
+    context.endWith(isFit ? ExitCode::SUCCESS : ExitCode::FAILURE);
 }
 
 } // namespace

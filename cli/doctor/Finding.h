@@ -1,7 +1,7 @@
-#ifndef TESSELCTL_DOCTOR_FINDING_H
-#define TESSELCTL_DOCTOR_FINDING_H
+#ifndef DOCTOR_FINDING_H
+#define DOCTOR_FINDING_H
 
-#include "kernel/Context.h"
+#include "frame/Context.h"
 
 #include <string>
 #include <vector>
@@ -15,7 +15,7 @@ enum class Verdict
     failure
 };
 
-/// What one check found.
+/** What one check found. */
 struct Finding
 {
     Verdict verdict;
@@ -26,7 +26,7 @@ struct Finding
 
 using Findings = std::vector<Finding>;
 
-/// The checks; none changes anything on this host or the array.
+/** The checks; none changes anything on this host or the array. */
 Findings checkRights(Context& context);
 Findings checkTools(Context& context);
 Findings checkRescanScript(Context& context);

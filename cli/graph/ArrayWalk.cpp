@@ -11,7 +11,7 @@ Node node(Layer layer, const char* type, const Record& record)
     return {layer, type, record.ID, record.NAME};
 }
 
-/// Everything that a list operation of the SDK gives for one object.
+/** Everything that a list operation of the SDK gives for one object. */
 template <class Handler, class Record, class Query>
 std::vector<Record> listed(Session& session, const char* title,
                            std::vector<Record> (Handler::*list)(const std::string&, Query&),
@@ -35,7 +35,7 @@ size_t ArrayWalk::fromInitiator(const std::string& id, Members members)
     size_t start = 0;
     const auto add = [&](const char* type, const auto& initiator) {
         host = initiator.PARENTID;
-        start = m_graph.add(node(Layer::initiator, type, initiator));
+        start = m_graph.add(node(Layer::INITIATOR, type, initiator));
     };
     if (isIscsiName(id)) {
         add("initiator", mustRead("iSCSI initiator", id, [&](const std::string& wanted) {
@@ -57,9 +57,9 @@ size_t ArrayWalk::fromHost(const std::string& id, Members members)
     const HostMO host = mustRead("host", id, [&](const std::string& wanted) {
         return m_session.handler<CHostHandler>().getHost(wanted);
     });
-    const size_t start = m_graph.add(node(Layer::host, "host", host));
+    const size_t start = m_graph.add(node(Layer::HOST, "host", host));
     for (const auto& group : listed(m_session, "host group", &CHostGroupHandler::getHostGroupByHost, id)) {
-        const size_t hostGroup = m_graph.add(node(Layer::hostGroup, "host group", group));
+        const size_t hostGroup = m_graph.add(node(Layer::HOST_GROUP, "host group", group));
         m_graph.link(start, hostGroup);
         onFromHostGroup(hostGroup, members);
     }
@@ -71,15 +71,15 @@ void ArrayWalk::onFromHostGroup(size_t hostGroup, Members members)
     const std::string id = m_graph.nodes()[hostGroup].id;
     for (const auto& found :
          listed(m_session, "mapping view", &CMappingViewHandler::getMappingViewByHostGroup, id)) {
-        const size_t view = m_graph.add(node(Layer::view, "view", found));
+        const size_t view = m_graph.add(node(Layer::VIEW, "view", found));
         m_graph.link(hostGroup, view);
         const LunGroupMO group = m_session.handler<CLunGroupHandler>().getLunGroupByMappingView(found.ID);
         if (group.ID.empty()) {
             continue;
         }
-        const size_t lunGroup = m_graph.add(node(Layer::lunGroup, "LUN group", group));
+        const size_t lunGroup = m_graph.add(node(Layer::LUN_GROUP, "LUN group", group));
         m_graph.link(view, lunGroup);
-        if (members == Members::read) {
+        if (members == Members::READ) {
             addMembers(lunGroup);
         }
     }
@@ -89,18 +89,18 @@ void ArrayWalk::addMembers(size_t lunGroup)
 {
     const std::string id = m_graph.nodes()[lunGroup].id;
     for (const auto& lun : listed(m_session, "LUN", &CLunHandler::getLunByLunGroup, id)) {
-        m_graph.link(lunGroup, m_graph.add(node(Layer::unit, "LUN", lun)));
+        m_graph.link(lunGroup, m_graph.add(node(Layer::UNIT, "LUN", lun)));
     }
     for (const auto& snapshot : listed(m_session, "snapshot", &CSnapshotHandler::getSnapshotByLunGroup, id)) {
-        m_graph.link(lunGroup, m_graph.add(node(Layer::unit, "snapshot", snapshot)));
+        m_graph.link(lunGroup, m_graph.add(node(Layer::UNIT, "snapshot", snapshot)));
     }
 }
 
 size_t ArrayWalk::fromUnit(const Attachable& kind, const std::string& id)
 {
-    const size_t start = m_graph.add({Layer::unit, kind.title, id, kind.name(m_session, id)});
+    const size_t start = m_graph.add({Layer::UNIT, kind.title, id, kind.name(m_session, id)});
     for (const auto& group : kind.groups(m_session, id)) {
-        const size_t lunGroup = m_graph.add(node(Layer::lunGroup, "LUN group", group));
+        const size_t lunGroup = m_graph.add(node(Layer::LUN_GROUP, "LUN group", group));
         m_graph.link(start, lunGroup);
         backFromLunGroup(lunGroup);
     }
@@ -112,11 +112,11 @@ void ArrayWalk::backFromLunGroup(size_t lunGroup)
     const std::string id = m_graph.nodes()[lunGroup].id;
     for (const auto& found :
          listed(m_session, "mapping view", &CMappingViewHandler::getMappingViewByLunGroup, id)) {
-        const size_t view = m_graph.add(node(Layer::view, "view", found));
+        const size_t view = m_graph.add(node(Layer::VIEW, "view", found));
         m_graph.link(lunGroup, view);
         const HostGroupMO group = m_session.handler<CHostGroupHandler>().getHostGroupByMappingView(found.ID);
         if (!group.ID.empty()) {
-            m_graph.link(view, m_graph.add(node(Layer::hostGroup, "host group", group)));
+            m_graph.link(view, m_graph.add(node(Layer::HOST_GROUP, "host group", group)));
         }
     }
 }

@@ -20,7 +20,7 @@ std::string drawDot(const Graph& graph)
 {
     std::string text =
         "digraph topology {\n  rankdir=LR;\n  node [shape=box, style=rounded, fontname=\"sans-serif\"];\n";
-    for (size_t layer = 0; layer < layerCount; ++layer) {
+    for (size_t layer = 0; layer < LAYER_COUNT; ++layer) {
         std::string rank;
         for (const size_t i : graph.at(static_cast<Layer>(layer))) {
             text += "  n" + std::to_string(i) + " [label=" + quoted(graph.nodes()[i].label()) + "];\n";

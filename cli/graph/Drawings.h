@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_GRAPH_DRAWINGS_H
-#define TESSELCTL_GRAPH_DRAWINGS_H
+#ifndef GRAPH_DRAWINGS_H
+#define GRAPH_DRAWINGS_H
 
 #include "graph/Graph.h"
 
@@ -9,16 +9,16 @@
 
 namespace tesselctl {
 
-/// A tree for the terminal that begins with a node and runs away from it.
+/** A tree for the terminal that begins with a node and runs away from it. */
 std::string drawTree(const Graph& graph, size_t root, bool unicode);
 
-/// Text for Graphviz.
+/** Text for Graphviz. */
 std::string drawDot(const Graph& graph);
 
-/// A picture with a column for each layer.
+/** A picture with a column for each layer. */
 std::string drawSvg(const Graph& graph);
 
-/// {"nodes": [...], "edges": [...]}
+/** {"nodes": [...], "edges": [...]} */
 Json::Value graphJson(const Graph& graph);
 
 } // namespace tesselctl

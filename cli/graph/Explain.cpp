@@ -9,11 +9,11 @@ namespace {
 size_t walkFromHost(Context& context, ArrayWalk& walk)
 {
     if (context.has("--host")) {
-        return walk.fromHost(context.text("--host"), Members::leaveOut);
+        return walk.fromHost(context.text("--host"), Members::LEAVE_OUT);
     }
     const std::string initiator = chosenInitiator(context);
     try {
-        return walk.fromInitiator(initiator, Members::leaveOut);
+        return walk.fromInitiator(initiator, Members::LEAVE_OUT);
     } catch (const NotFound& error) {
         throw NotFound(std::string(error.what()) + "; register it with 'tesselctl initiator " +
                            (isIscsiName(initiator) ? "iscsi" : "fc") + " create " + initiator + "'",
@@ -23,7 +23,7 @@ size_t walkFromHost(Context& context, ArrayWalk& walk)
 
 std::string hostOf(const Graph& graph, size_t from)
 {
-    if (graph.nodes()[from].layer == Layer::host) {
+    if (graph.nodes()[from].layer == Layer::HOST) {
         return graph.nodes()[from].id;
     }
     const auto hosts = graph.after(from);
@@ -88,7 +88,7 @@ void explain(Context& context, const Attachable& object)
     const bool isVisible = !host.empty() && object.isSeenByHost(context.session(), id, host);
     context.printer().result(textOf(visibility, isVisible, graph, from, to),
                              jsonOf(visibility, isVisible, graph, from, to));
-    context.endWith(isVisible ? ExitCode::success : ExitCode::failure);
+    context.endWith(isVisible ? ExitCode::SUCCESS : ExitCode::FAILURE);
 }
 
 } // namespace

@@ -6,9 +6,9 @@ namespace tesselctl {
 
 const char* titleOf(Layer layer)
 {
-    static const std::array<const char*, layerCount> titles = {
+    static const std::array<const char*, LAYER_COUNT> TITLES = {
         "initiators", "hosts", "host groups", "mapping views", "LUN groups", "LUNs and snapshots"};
-    return titles.at(static_cast<size_t>(layer));
+    return TITLES.at(static_cast<size_t>(layer));
 }
 
 std::string Node::label() const

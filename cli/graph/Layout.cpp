@@ -5,11 +5,11 @@
 namespace tesselctl {
 namespace {
 
-const int sweeps = 8;
+constexpr int SWEEPS = 8;
 
 using Column = std::vector<size_t>;
 
-/// The mean row of a node's neighbours; its own row where it has none.
+/** The mean row of a node's neighbours; its own row where it has none. */
 double meanRow(const std::vector<size_t>& neighbours, const std::vector<double>& rows, double own)
 {
     double sum = 0;
@@ -49,7 +49,7 @@ Layout layOut(const Graph& graph)
     std::vector<Column> columns;
     std::vector<double> rows(graph.nodes().size());
     size_t longest = 0;
-    for (size_t layer = 0; layer < layerCount; ++layer) {
+    for (size_t layer = 0; layer < LAYER_COUNT; ++layer) {
         const Column column = graph.at(static_cast<Layer>(layer));
         if (!column.empty()) {
             layout.columns.push_back(static_cast<Layer>(layer));
@@ -58,23 +58,23 @@ Layout layOut(const Graph& graph)
             longest = std::max(longest, column.size());
         }
     }
-    for (int i = 0; i < sweeps; ++i) {
+    for (int i = 0; i < SWEEPS; ++i) {
         sweep(graph, columns, rows, i % 2 == 0);
     }
     layout.places.resize(graph.nodes().size());
-    const double top = Layout::margin + Layout::headerHeight;
+    const double top = Layout::MARGIN + Layout::HEADER_HEIGHT;
     for (size_t c = 0; c < columns.size(); ++c) {
         const auto missing = static_cast<double>(longest - columns[c].size());
         for (size_t r = 0; r < columns[c].size(); ++r) {
-            layout.places[columns[c][r]] = {Layout::margin + static_cast<double>(c) * Layout::columnStep,
-                                            top + (static_cast<double>(r) + missing / 2) * Layout::rowStep};
+            layout.places[columns[c][r]] = {Layout::MARGIN + static_cast<double>(c) * Layout::COLUMN_STEP,
+                                            top + (static_cast<double>(r) + missing / 2) * Layout::ROW_STEP};
         }
     }
     const auto count = static_cast<double>(columns.size());
-    layout.width =
-        2 * Layout::margin + count * Layout::boxWidth + (count - 1) * (Layout::columnStep - Layout::boxWidth);
-    layout.height = top + static_cast<double>(longest) * Layout::rowStep + Layout::margin -
-                    (Layout::rowStep - Layout::boxHeight);
+    layout.width = 2 * Layout::MARGIN + count * Layout::BOX_WIDTH +
+                   (count - 1) * (Layout::COLUMN_STEP - Layout::BOX_WIDTH);
+    layout.height = top + static_cast<double>(longest) * Layout::ROW_STEP + Layout::MARGIN -
+                    (Layout::ROW_STEP - Layout::BOX_HEIGHT);
     return layout;
 }
 

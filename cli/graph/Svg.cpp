@@ -8,9 +8,9 @@
 namespace tesselctl {
 namespace {
 
-const size_t charactersInBox = 25;
-const std::array<const char*, layerCount> fills = {"#e8eef7", "#dcebe1", "#dcebe1",
-                                                   "#f6efd9", "#efe3f3", "#efe3f3"};
+constexpr size_t CHARACTERS_IN_BOX = 25;
+constexpr std::array<const char*, LAYER_COUNT> FILLS = {"#e8eef7", "#dcebe1", "#dcebe1",
+                                                        "#f6efd9", "#efe3f3", "#efe3f3"};
 
 std::string xml(const std::string& text)
 {
@@ -41,19 +41,19 @@ std::string number(double value)
     return std::to_string(static_cast<long>(std::lround(value)));
 }
 
-/// The middle is cut out: names of initiators and of generated groups differ at their ends.
+/** The middle is cut out: names of initiators and of generated groups differ at their ends. */
 std::string shortened(const std::string& text)
 {
     const std::string whole = printable(text);
-    if (displayWidth(whole) <= charactersInBox) {
+    if (displayWidth(whole) <= CHARACTERS_IN_BOX) {
         return whole;
     }
     // Cut between characters, from the front and from the back.
-    size_t tail = whole.size() - charactersInBox / 2;
+    size_t tail = whole.size() - CHARACTERS_IN_BOX / 2;
     while ((static_cast<unsigned char>(whole[tail]) & 0xC0) == 0x80) {
         ++tail;
     }
-    size_t head = charactersInBox / 2 - 1;
+    size_t head = CHARACTERS_IN_BOX / 2 - 1;
     while ((static_cast<unsigned char>(whole[head]) & 0xC0) == 0x80) {
         --head;
     }
@@ -67,8 +67,8 @@ std::string textAt(double x, double y, const std::string& style, const std::stri
 
 std::string curve(const Point& from, const Point& to)
 {
-    const double middle = Layout::boxHeight / 2;
-    const double begin = from.x + Layout::boxWidth;
+    const double middle = Layout::BOX_HEIGHT / 2;
+    const double begin = from.x + Layout::BOX_WIDTH;
     const double bend = (to.x - begin) / 2;
     return "<path d=\"M" + number(begin) + " " + number(from.y + middle) + " C" + number(begin + bend) + " " +
            number(from.y + middle) + " " + number(to.x - bend) + " " + number(to.y + middle) + " " +
@@ -77,15 +77,15 @@ std::string curve(const Point& from, const Point& to)
 
 std::string box(const Node& node, const Point& place)
 {
-    const bool isInitiator = node.layer == Layer::initiator;
+    const bool isInitiator = node.layer == Layer::INITIATOR;
     // The ID of an initiator is its name, too long to stand beside the type.
     const std::string first = isInitiator ? node.type : node.shortLabel();
     const std::string second = isInitiator ? node.id : node.name;
     std::string text = "<g><title>" + xml(node.label()) + "</title><rect x=\"" + number(place.x) + "\" y=\"" +
-                       number(place.y) + "\" width=\"" + number(Layout::boxWidth) + "\" height=\"" +
-                       number(Layout::boxHeight) + "\" rx=\"6\" fill=\"" +
-                       fills.at(static_cast<size_t>(node.layer)) + "\" stroke=\"#5b6770\"/>";
-    const double middle = place.x + Layout::boxWidth / 2;
+                       number(place.y) + "\" width=\"" + number(Layout::BOX_WIDTH) + "\" height=\"" +
+                       number(Layout::BOX_HEIGHT) + "\" rx=\"6\" fill=\"" +
+                       FILLS.at(static_cast<size_t>(node.layer)) + "\" stroke=\"#5b6770\"/>";
+    const double middle = place.x + Layout::BOX_WIDTH / 2;
     const double firstLine = second.empty() ? place.y + 27 : place.y + 19;
     text += textAt(middle, firstLine, "text-anchor=\"middle\" font-weight=\"bold\"", shortened(first));
     if (!second.empty()) {
@@ -106,8 +106,9 @@ std::string drawSvg(const Graph& graph)
         "\" font-family=\"sans-serif\" font-size=\"13\" fill=\"#1c2329\">\n"
         "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n";
     for (size_t i = 0; i < layout.columns.size(); ++i) {
-        const double x = Layout::margin + static_cast<double>(i) * Layout::columnStep + Layout::boxWidth / 2;
-        text += textAt(x, Layout::margin + 12, "text-anchor=\"middle\" fill=\"#5b6770\"",
+        const double x =
+            Layout::MARGIN + static_cast<double>(i) * Layout::COLUMN_STEP + Layout::BOX_WIDTH / 2;
+        text += textAt(x, Layout::MARGIN + 12, "text-anchor=\"middle\" fill=\"#5b6770\"",
                        titleOf(layout.columns[i])) +
                 "\n";
     }

@@ -18,11 +18,11 @@ size_t walkUnit(ArrayWalk& walk, size_t kind, const std::string& id)
     return walk.fromUnit(attachables()[kind], id);
 }
 
-const std::array<Start, 4> starts = {{
+constexpr std::array<Start, 4> STARTS = {{
     {"--initiator", "IQN|WWPN", "begin with this initiator",
-     [](ArrayWalk& walk, const std::string& id) { return walk.fromInitiator(id, Members::read); }},
+     [](ArrayWalk& walk, const std::string& id) { return walk.fromInitiator(id, Members::READ); }},
     {"--host", "ID", "begin with this host",
-     [](ArrayWalk& walk, const std::string& id) { return walk.fromHost(id, Members::read); }},
+     [](ArrayWalk& walk, const std::string& id) { return walk.fromHost(id, Members::READ); }},
     {"--lun", "ID", "begin with this LUN and go back to the host groups",
      [](ArrayWalk& walk, const std::string& id) { return walkUnit(walk, 0, id); }},
     {"--snapshot", "ID", "begin with this snapshot and go back to the host groups",
@@ -48,7 +48,7 @@ void topology(Context& context)
     }
     Graph graph;
     ArrayWalk walk(context.session(), graph);
-    for (const auto& start : starts) {
+    for (const auto& start : STARTS) {
         if (context.has(start.option)) {
             const size_t root = start.walk(walk, context.text(start.option));
             context.printer().result(drawn(context, graph, root), graphJson(graph));
@@ -61,7 +61,7 @@ void topology(Context& context)
 Commands topologyCommands()
 {
     Command command{{"topology"}, "draw what binds initiators, hosts, views and LUNs", {}, {}, {}, topology};
-    for (const auto& start : starts) {
+    for (const auto& start : STARTS) {
         command.options.push_back({start.option, start.value, start.help});
         command.exactlyOneOf.push_back(start.option);
     }

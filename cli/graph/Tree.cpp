@@ -5,7 +5,7 @@
 namespace tesselctl {
 namespace {
 
-/// The strokes of a tree.
+/** The strokes of a tree. */
 struct Strokes
 {
     const char* branch;
@@ -13,8 +13,8 @@ struct Strokes
     const char* trunk;
 };
 
-const Strokes unicodeStrokes = {"\u251c\u2500 ", "\u2514\u2500 ", "\u2502  "};
-const Strokes asciiStrokes = {"|- ", "`- ", "|  "};
+constexpr Strokes UNICODE_STROKES = {"\u251c\u2500 ", "\u2514\u2500 ", "\u2502  "};
+constexpr Strokes ASCII_STROKES = {"|- ", "`- ", "|  "};
 
 class TreeDrawing
 {
@@ -53,8 +53,8 @@ private:
 
 std::string drawTree(const Graph& graph, size_t root, bool unicode)
 {
-    const bool forward = graph.nodes()[root].layer != Layer::unit;
-    return TreeDrawing(graph, forward, unicode ? unicodeStrokes : asciiStrokes).draw(root);
+    const bool forward = graph.nodes()[root].layer != Layer::UNIT;
+    return TreeDrawing(graph, forward, unicode ? UNICODE_STROKES : ASCII_STROKES).draw(root);
 }
 
 } // namespace tesselctl

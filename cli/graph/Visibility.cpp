@@ -1,6 +1,6 @@
 #include "graph/Visibility.h"
 
-#include "text/ShellWord.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <set>
@@ -12,7 +12,7 @@ using Nodes = std::vector<size_t>;
 
 bool isInitiator(const Node& node)
 {
-    return node.layer == Layer::initiator;
+    return node.layer == Layer::INITIATOR;
 }
 
 class Examination
@@ -27,7 +27,7 @@ public:
 
     Visibility result()
     {
-        m_result.isVisible = std::count(ahead(Layer::unit).begin(), ahead(Layer::unit).end(), m_to) != 0;
+        m_result.isVisible = std::count(ahead(Layer::UNIT).begin(), ahead(Layer::UNIT).end(), m_to) != 0;
         tellAhead();
         if (!m_result.isVisible) {
             tellBack();
@@ -37,7 +37,7 @@ public:
     }
 
 private:
-    using Layers = std::array<Nodes, layerCount>;
+    using Layers = std::array<Nodes, LAYER_COUNT>;
 
     void collect(size_t node, bool forward, Layers& layers)
     {
@@ -58,11 +58,11 @@ private:
 
     void tell(bool stands, const std::string& text) { m_result.links.push_back({stands, text}); }
 
-    /// On a way that stands only what leads to the object is told; else everything that was found.
+    /** On a way that stands only what leads to the object is told; else everything that was found. */
     bool matters(size_t node) const
     {
         const Nodes& nodes = back(m_graph.nodes()[node].layer);
-        return !m_result.isVisible || m_graph.nodes()[node].layer <= Layer::host ||
+        return !m_result.isVisible || m_graph.nodes()[node].layer <= Layer::HOST ||
                std::find(nodes.begin(), nodes.end(), node) != nodes.end();
     }
 
@@ -73,7 +73,7 @@ private:
                 continue;
             }
             Nodes next = m_graph.after(node);
-            if (layer == Layer::lunGroup) {
+            if (layer == Layer::LUN_GROUP) {
                 next.erase(std::remove_if(next.begin(), next.end(), [&](size_t n) { return n != m_to; }),
                            next.end());
             }
@@ -90,20 +90,20 @@ private:
 
     void tellAhead()
     {
-        tellLinks(Layer::initiator, "is bound to", "is bound to no host");
-        tellLinks(Layer::host, "is in", "is in no host group");
-        tellLinks(Layer::hostGroup, "is in", "is in no mapping view");
-        tellLinks(Layer::view, "holds", "holds no LUN group");
-        tellLinks(Layer::lunGroup, "holds", "does not hold " + label(m_to));
+        tellLinks(Layer::INITIATOR, "is bound to", "is bound to no host");
+        tellLinks(Layer::HOST, "is in", "is in no host group");
+        tellLinks(Layer::HOST_GROUP, "is in", "is in no mapping view");
+        tellLinks(Layer::VIEW, "holds", "holds no LUN group");
+        tellLinks(Layer::LUN_GROUP, "holds", "does not hold " + label(m_to));
     }
 
-    /// What stands on the LUN's own side and does not reach the host.
+    /** What stands on the LUN's own side and does not reach the host. */
     void tellBack()
     {
-        if (back(Layer::lunGroup).empty()) {
+        if (back(Layer::LUN_GROUP).empty()) {
             tell(false, label(m_to) + " is in no LUN group");
         }
-        for (const size_t group : back(Layer::lunGroup)) {
+        for (const size_t group : back(Layer::LUN_GROUP)) {
             tell(true, label(m_to) + " is in " + label(group));
             if (m_graph.before(group).empty()) {
                 tell(false, label(group) + " is in no mapping view");
@@ -121,9 +121,9 @@ private:
             tell(false, label(view) + " holds no host group");
         }
         for (const size_t hostGroup : m_graph.before(view)) {
-            const Nodes& ours = ahead(Layer::hostGroup);
+            const Nodes& ours = ahead(Layer::HOST_GROUP);
             const bool fits =
-                ahead(Layer::host).empty() || std::count(ours.begin(), ours.end(), hostGroup) != 0;
+                ahead(Layer::HOST).empty() || std::count(ours.begin(), ours.end(), hostGroup) != 0;
             tell(fits,
                  label(view) + " holds " + label(hostGroup) + (fits ? "" : ", which the host is not in"));
         }
@@ -139,7 +139,7 @@ private:
         const Node& from = m_graph.nodes()[m_from];
         const Node& to = m_graph.nodes()[m_to];
         const bool isIscsi = isInitiator(from) && from.type == "initiator";
-        if (isInitiator(from) && ahead(Layer::host).empty()) {
+        if (isInitiator(from) && ahead(Layer::HOST).empty()) {
             remedy("initiator " + std::string(isIscsi ? "iscsi" : "fc") + " add " + id(m_from) +
                        " --host HOST",
                    "then ask again");
@@ -153,28 +153,28 @@ private:
         }
     }
 
-    /// One command that closes the way.
+    /** One command that closes the way. */
     void singleLinks(const Node& to)
     {
-        for (const size_t view : ahead(Layer::view)) {
-            for (const size_t group : m_graph.after(view).empty() ? back(Layer::lunGroup) : Nodes()) {
+        for (const size_t view : ahead(Layer::VIEW)) {
+            for (const size_t group : m_graph.after(view).empty() ? back(Layer::LUN_GROUP) : Nodes()) {
                 remedy("view add " + id(view) + " --lungroup " + id(group),
                        "the host then sees everything in " + label(group));
             }
         }
-        for (const size_t view : back(Layer::view)) {
-            for (const size_t group : m_graph.before(view).empty() ? ahead(Layer::hostGroup) : Nodes()) {
+        for (const size_t view : back(Layer::VIEW)) {
+            for (const size_t group : m_graph.before(view).empty() ? ahead(Layer::HOST_GROUP) : Nodes()) {
                 remedy("view add " + id(view) + " --hostgroup " + id(group),
                        "every host of " + label(group) + " then sees it");
             }
             for (const size_t group : m_graph.before(view)) {
-                for (const size_t host : ahead(Layer::host)) {
+                for (const size_t host : ahead(Layer::HOST)) {
                     remedy("hostgroup add " + id(group) + " --host " + id(host),
                            "the host then sees everything that " + label(group) + " sees");
                 }
             }
         }
-        for (const size_t group : ahead(Layer::lunGroup)) {
+        for (const size_t group : ahead(Layer::LUN_GROUP)) {
             remedy("lungroup add " + id(group) + (to.type == "LUN" ? " --lun " : " --snapshot ") + id(m_to),
                    "every host that sees " + label(group) + " then sees it");
         }

@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_GRAPH_VISIBILITY_H
-#define TESSELCTL_GRAPH_VISIBILITY_H
+#ifndef GRAPH_VISIBILITY_H
+#define GRAPH_VISIBILITY_H
 
 #include "graph/Graph.h"
 
@@ -8,14 +8,14 @@
 
 namespace tesselctl {
 
-/// One link of the way from an initiator to a LUN.
+/** One link of the way from an initiator to a LUN. */
 struct Link
 {
     bool stands;
     std::string text; ///< "host 3 (web1) is in host group 5 (web)"
 };
 
-/// A command that would make what is missing.
+/** A command that would make what is missing. */
 struct Remedy
 {
     std::string command;

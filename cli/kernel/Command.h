@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_KERNEL_COMMAND_H
-#define TESSELCTL_KERNEL_COMMAND_H
+#ifndef KERNEL_COMMAND_H
+#define KERNEL_COMMAND_H
 
 #include <functional>
 #include <map>
@@ -10,7 +10,7 @@ namespace tesselctl {
 
 class Context;
 
-/// One option of a command, as help, completion and the check of the command line know it.
+/** One option of a command, as help, completion and the check of the command line know it. */
 struct Option
 {
     std::string name;      ///< with its dashes: "--size"
@@ -28,7 +28,7 @@ struct Option
     }
 };
 
-/// One word that stands without an option name; always required.
+/** One word that stands without an option name; always required. */
 struct Argument
 {
     std::string name; ///< "ID"
@@ -36,7 +36,7 @@ struct Argument
     std::vector<std::string> choices = {};
 };
 
-/// What a command line gave, by the name of the option or argument.
+/** What a command line gave, by the name of the option or argument. */
 class Values
 {
 public:
@@ -52,7 +52,7 @@ private:
     std::map<std::string, std::string> m_values;
 };
 
-/// One row of the table that the whole command line is made of.
+/** One row of the table that the whole command line is made of. */
 struct Command
 {
     std::vector<std::string> path; ///< {"lun", "create"}
@@ -65,18 +65,18 @@ struct Command
 
 using Commands = std::vector<Command>;
 
-/// A word of the command line that only groups others: {"lun"}, "LUNs of the array".
+/** A word of the command line that only groups others: {"lun"}, "LUNs of the array". */
 struct CommandGroup
 {
     std::vector<std::string> path;
     std::string summary;
 };
 
-/// Every group and every command, in the order of the help.
+/** Every group and every command, in the order of the help. */
 const std::vector<CommandGroup>& commandGroups();
 const Commands& allCommands();
 
-/// The options that every command takes.
+/** The options that every command takes. */
 const std::vector<Option>& globalOptions();
 
 } // namespace tesselctl

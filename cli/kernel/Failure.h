@@ -1,26 +1,26 @@
-#ifndef TESSELCTL_KERNEL_FAILURE_H
-#define TESSELCTL_KERNEL_FAILURE_H
+#ifndef KERNEL_FAILURE_H
+#define KERNEL_FAILURE_H
 
 #include <stdexcept>
 #include <string>
 
 namespace tesselctl {
 
-/// How tesselctl ends; documented in its man page.
+/** How tesselctl ends; documented in its man page. */
 enum class ExitCode : int
 {
-    success = 0,
-    failure = 1,
-    usage = 2,
-    arrayError = 3,
-    notFound = 4
+    SUCCESS = 0,
+    FAILURE = 1,
+    USAGE = 2,
+    ARRAY_ERROR = 3,
+    NOT_FOUND = 4
 };
 
-/// Ends a command: one line that tells the administrator what to do, and how the process exits.
+/** Ends a command: one line that tells the administrator what to do, and how the process exits. */
 class Failure : public std::runtime_error
 {
 public:
-    explicit Failure(const std::string& message, ExitCode code = ExitCode::failure)
+    explicit Failure(const std::string& message, ExitCode code = ExitCode::FAILURE)
         : std::runtime_error(message), m_code(code)
     {
     }
@@ -33,15 +33,15 @@ private:
 class UsageError : public Failure
 {
 public:
-    explicit UsageError(const std::string& message) : Failure(message, ExitCode::usage) {}
+    explicit UsageError(const std::string& message) : Failure(message, ExitCode::USAGE) {}
 };
 
 class NotFound : public Failure
 {
 public:
-    /// @param arrayCode the array's error code for it; 0 when the array answered without the object.
+    /** @param arrayCode the array's error code for it; 0 when the array answered without the object. */
     explicit NotFound(const std::string& message, int arrayCode = 0)
-        : Failure(message, ExitCode::notFound), m_arrayCode(arrayCode)
+        : Failure(message, ExitCode::NOT_FOUND), m_arrayCode(arrayCode)
     {
     }
     int arrayCode() const { return m_arrayCode; }

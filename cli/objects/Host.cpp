@@ -4,14 +4,14 @@
 namespace tesselctl {
 namespace {
 
-const uint32_t highestSystemCode = 255;
+constexpr uint32_t HIGHEST_SYSTEM_CODE = 255;
 
 Inputs<HostMO> newHost()
 {
     return {
         textInput("--name", "NAME", "name of the host", &HostMO::NAME).required(),
         numberInput("--os", "CODE", "operating system, the array's code", &HostMO::OPERATIONSYSTEM,
-                    highestSystemCode),
+                    HIGHEST_SYSTEM_CODE),
         textInput("--id", "ID", "ID to be given to it; the array chooses otherwise", &HostMO::ID),
         textInput("--ip", "IP", "address of the host", &HostMO::IP),
         textInput("--location", "TEXT", "where it stands", &HostMO::LOCATION),

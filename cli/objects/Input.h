@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_OBJECTS_INPUT_H
-#define TESSELCTL_OBJECTS_INPUT_H
+#ifndef OBJECTS_INPUT_H
+#define OBJECTS_INPUT_H
 
 #include "kernel/Command.h"
 #include "kernel/Failure.h"
@@ -15,7 +15,7 @@
 
 namespace tesselctl {
 
-/// An option of the command line and the member of a record that it sets.
+/** An option of the command line and the member of a record that it sets. */
 template <class Record>
 struct Input
 {
@@ -55,7 +55,7 @@ Input<Record> sizeInput(const char* name, const char* help, uint64_t Record::*me
             [=](Record& record, const std::string& text) { record.*member = parseSize(name, text); }};
 }
 
-/// A word that stands for a value of the array.
+/** A word that stands for a value of the array. */
 template <class Value>
 using Choices = std::vector<std::pair<std::string, Value>>;
 
@@ -76,14 +76,14 @@ Input<Record> choiceInput(const char* name, const char* value, const char* help,
             }};
 }
 
-/// An option without a value.
+/** An option without a value. */
 template <class Record, class Value>
 Input<Record> flagInput(const char* name, const char* help, Value Record::*member, Value whenGiven)
 {
     return {{name, "", help}, [=](Record& record, const std::string&) { record.*member = whenGiven; }};
 }
 
-/// A secret, which the command line names the file of.
+/** A secret, which the command line names the file of. */
 template <class Record>
 Input<Record> secretInput(const char* name, const char* help, std::string Record::*member)
 {
@@ -93,7 +93,7 @@ Input<Record> secretInput(const char* name, const char* help, std::string Record
             [=](Record& record, const std::string& path) { record.*member = secretFromFile(name, path); }};
 }
 
-/// For the flags that know a third state, unset.
+/** For the flags that know a third state, unset. */
 inline const Choices<int32_t>& yesOrNo()
 {
     static const Choices<int32_t> choices = {{"yes", 1}, {"no", 0}};
@@ -110,7 +110,7 @@ std::vector<Option> optionsOf(const Inputs<Record>& inputs)
     return options;
 }
 
-/// Sets what the command line gives and leaves the rest of the record as it is.
+/** Sets what the command line gives and leaves the rest of the record as it is. */
 template <class Record>
 void apply(const Inputs<Record>& inputs, const Values& values, Record& record)
 {

@@ -7,16 +7,16 @@ namespace {
 using Record = IscsiInitiatorMO;
 using Handler = CIscsiInitiatorHandler;
 
-const char* const noChap = "0";
-const char* const mutualChap = "2";
+constexpr const char* NO_CHAP = "0";
+constexpr const char* MUTUAL_CHAP = "2";
 
 const Choices<std::string>& chapModes()
 {
-    static const Choices<std::string> modes = {{"none", noChap}, {"oneway", "1"}, {"mutual", mutualChap}};
+    static const Choices<std::string> modes = {{"none", NO_CHAP}, {"oneway", "1"}, {"mutual", MUTUAL_CHAP}};
     return modes;
 }
 
-/// What create and modify have in common.
+/** What create and modify have in common. */
 Inputs<Record> settings()
 {
     return {
@@ -48,15 +48,15 @@ Inputs<Record> changes()
 
 bool usesChap(const Record& record)
 {
-    return record.NORMALVERMODE != noChap || record.DISCOVERYVERMODE != noChap;
+    return record.NORMALVERMODE != NO_CHAP || record.DISCOVERYVERMODE != NO_CHAP;
 }
 
 bool isMutual(const Record& record)
 {
-    return record.NORMALVERMODE == mutualChap || record.DISCOVERYVERMODE == mutualChap;
+    return record.NORMALVERMODE == MUTUAL_CHAP || record.DISCOVERYVERMODE == MUTUAL_CHAP;
 }
 
-/// The modes alone decide whether CHAP is used, so that no secret is sent for nothing.
+/** The modes alone decide whether CHAP is used, so that no secret is sent for nothing. */
 void settle(Record& record)
 {
     record.USECHAP = usesChap(record);
@@ -78,7 +78,9 @@ void complete(Context&, Record& record)
     }
 }
 
-/// Begins with the record of the array, so that what is not named stays: a name alone does not turn CHAP off.
+/**
+ * Begins with the record of the array, so that what is not named stays: a name alone does not turn CHAP off.
+ */
 void modify(Context& context, const ObjectKind& kind)
 {
     Handler& handler = context.handler<Handler>();

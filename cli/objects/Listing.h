@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_OBJECTS_LISTING_H
-#define TESSELCTL_OBJECTS_LISTING_H
+#ifndef OBJECTS_LISTING_H
+#define OBJECTS_LISTING_H
 
 #include "objects/ObjectKind.h"
 #include "output/Progress.h"
@@ -10,7 +10,7 @@
 
 namespace tesselctl {
 
-/// One way to list: the objects associated with what the option names.
+/** One way to list: the objects associated with what the option names. */
 template <class Record, class Query>
 struct Source
 {
@@ -29,7 +29,7 @@ Source<Record, Query> by(const char* option, const char* value, const char* of,
             }};
 }
 
-/// An association that holds at most one object and takes no query.
+/** An association that holds at most one object and takes no query. */
 template <class Query, class Record, class Handler>
 Source<Record, Query> byOne(const char* option, const char* value, const char* of,
                             Record (Handler::*get)(const std::string&))
@@ -76,20 +76,20 @@ std::vector<Record> readAllPages(Query query, const std::string& title, ReadPage
     return all;
 }
 
-const char* const startOption = "--start";
-const char* const countOption = "--count";
-const char* const columnsOption = "--columns";
+constexpr const char* START_OPTION = "--start";
+constexpr const char* COUNT_OPTION = "--count";
+constexpr const char* COLUMNS_OPTION = "--columns";
 
-/// --start, --count and --columns.
+/** --start, --count and --columns. */
 std::vector<Option> pageOptions();
 
-/// The columns that the command line asks for, or those that the kind has; "*" for "all".
+/** The columns that the command line asks for, or those that the kind has; "*" for "all". */
 std::vector<std::string> chosenColumns(const Context& context, const ObjectKind& kind);
 
-/// Throws when an option is given that a list without a query cannot follow.
+/** Throws when an option is given that a list without a query cannot follow. */
 void refuseQuery(const Context& context, const std::vector<Option>& filters, const std::string& source);
 
-/// "list": by one of the sources, with filters, and either one page or everything.
+/** "list": by one of the sources, with filters, and either one page or everything. */
 template <class Record, class Query>
 Command listCommand(const ObjectKind& kind, const std::vector<Source<Record, Query>>& sources,
                     const Inputs<Record>& filters)
@@ -115,12 +115,12 @@ Command listCommand(const ObjectKind& kind, const std::vector<Source<Record, Que
         checkColumns(fieldsOf(Record()), chosenColumns(context, kind));
         Query query;
         apply(filters, context.values(), query.filter);
-        query.start = parseNumber(startOption, context.text(startOption, "0"), 0, ULONG_MAX / 2);
-        query.count = parseNumber(countOption, context.text(countOption, "0"), 0, ULONG_MAX / 2);
+        query.start = parseNumber(START_OPTION, context.text(START_OPTION, "0"), 0, ULONG_MAX / 2);
+        query.count = parseNumber(COUNT_OPTION, context.text(COUNT_OPTION, "0"), 0, ULONG_MAX / 2);
         const auto read = [&](Query& page) {
             return source->read(context.session(), context.text(sourceName), page);
         };
-        const bool onePage = context.has(countOption) || !source->paged;
+        const bool onePage = context.has(COUNT_OPTION) || !source->paged;
         std::vector<Row> rows;
         for (const auto& record : onePage ? read(query) : readAllPages<Record>(query, kind.title, read)) {
             rows.push_back(fieldsOf(record));

@@ -5,8 +5,8 @@
 namespace tesselctl {
 namespace {
 
-const uint64_t sector = 512;
-const uint64_t wholePercent = 100;
+constexpr uint64_t SECTOR = 512;
+constexpr uint64_t WHOLE_PERCENT = 100;
 
 const Choices<uint32_t>& allocation()
 {
@@ -26,22 +26,22 @@ Inputs<LunMO> newLun()
         choiceInput("--type", "TYPE", "thick (default) or thin", &LunMO::ALLOCTYPE, allocation()),
         sizeInput("--initial-size", "thin: capacity to allocate at once", &LunMO::ALLOCCAPACITY),
         numberInput("--usage-threshold", "PERCENT", "thin: share of the capacity in use that raises an alarm",
-                    &LunMO::THINCAPACITYUSAGE, wholePercent),
+                    &LunMO::THINCAPACITYUSAGE, WHOLE_PERCENT),
         textInput("--controller", "ID", "controller that is to own it", &LunMO::OWNINGCONTROLLER),
     };
 }
 
 uint64_t inSectors(Context& context, const char* option, uint64_t bytes)
 {
-    if (bytes < sector) {
+    if (bytes < SECTOR) {
         throw UsageError(std::string(option) + " is less than one sector of 512 bytes");
     }
-    if (bytes % sector != 0) {
+    if (bytes % SECTOR != 0) {
         context.printer().note(std::string(option) + ": " + std::to_string(bytes) +
                                " bytes are no multiple of 512; the array is asked for " +
-                               std::to_string(bytes - bytes % sector));
+                               std::to_string(bytes - bytes % SECTOR));
     }
-    return bytes - bytes % sector;
+    return bytes - bytes % SECTOR;
 }
 
 void complete(Context& context, LunMO& lun)
@@ -61,7 +61,7 @@ void complete(Context& context, LunMO& lun)
         throw UsageError("--initial-size is more than --size");
     }
     if (!context.has("--usage-threshold")) {
-        lun.THINCAPACITYUSAGE = wholePercent + 1; // not sent
+        lun.THINCAPACITYUSAGE = WHOLE_PERCENT + 1; // not sent
     }
 }
 

@@ -1,18 +1,18 @@
-#ifndef TESSELCTL_OBJECTS_MEMBERSHIP_H
-#define TESSELCTL_OBJECTS_MEMBERSHIP_H
+#ifndef OBJECTS_MEMBERSHIP_H
+#define OBJECTS_MEMBERSHIP_H
 
 #include "objects/ObjectKind.h"
 
 namespace tesselctl {
 
-/// What one type of member can do with an owner: the option that names it and the SDK's calls.
+/** What one type of member can do with an owner: the option that names it and the SDK's calls. */
 struct Member
 {
     Option option;
     std::string title;
     std::function<void(Session&, const std::string& member, const std::string& owner)> add;
     std::function<void(Session&, const std::string& member, const std::string& owner)> remove;
-    /// Whether the owner holds the member; empty where the SDK reports failures itself.
+    /** Whether the owner holds the member; empty where the SDK reports failures itself. */
     std::function<bool(Session&, const std::string& member, const std::string& owner)> holds;
 };
 
@@ -29,7 +29,7 @@ Member member(const char* option, const char* value, const char* title,
     return {{option, value, std::string("the ") + title}, title, call(add), call(remove), nullptr};
 }
 
-/// `list(id, query)` of the SDK, asked for the one object `wanted`.
+/** `list(id, query)` of the SDK, asked for the one object `wanted`. */
 template <class Record, class Query, class Handler>
 bool lists(Session& session, std::vector<Record> (Handler::*list)(const std::string&, Query&),
            const std::string& id, const std::string& wanted)

@@ -1,8 +1,8 @@
-#ifndef TESSELCTL_OBJECTS_OBJECTKIND_H
-#define TESSELCTL_OBJECTS_OBJECTKIND_H
+#ifndef OBJECTS_OBJECTKIND_H
+#define OBJECTS_OBJECTKIND_H
 
-#include "kernel/Context.h"
-#include "kernel/Outcome.h"
+#include "frame/Context.h"
+#include "frame/Outcome.h"
 #include "objects/Input.h"
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace tesselctl {
 
-/// How a type of object is named in commands and texts.
+/** How a type of object is named in commands and texts. */
 struct ObjectKind
 {
     std::vector<std::string> words;   ///< of the command: {"initiator", "iscsi"}
@@ -53,7 +53,7 @@ auto mustRead(const std::string& title, const std::string& id, Get get) -> declt
     }
 }
 
-/// Tells what was done to an object: a sentence, or {"action", "object", "id"} and what else is in `more`.
+/** Tells what was done to an object: a sentence, or {"action", "object", "id"} and what else is in `more`. */
 void tellAction(Context& context, const ObjectKind& kind, const std::string& id, const std::string& action,
                 const std::string& sentence, const Json::Value& more = Json::Value(Json::objectValue));
 

@@ -1,11 +1,11 @@
-#ifndef TESSELCTL_OBJECTS_OPERATIONS_H
-#define TESSELCTL_OBJECTS_OPERATIONS_H
+#ifndef OBJECTS_OPERATIONS_H
+#define OBJECTS_OPERATIONS_H
 
 #include "objects/ObjectKind.h"
 
 namespace tesselctl {
 
-/// "show ID": one record as the array holds it.
+/** "show ID": one record as the array holds it. */
 template <class Handler, class Record>
 Command showCommand(const ObjectKind& kind, Record (Handler::*get)(const std::string&))
 {
@@ -17,7 +17,7 @@ Command showCommand(const ObjectKind& kind, Record (Handler::*get)(const std::st
         }};
 }
 
-/// Looks over what the options set before it is sent; not deduced from, so that a plain function fits.
+/** Looks over what the options set before it is sent; not deduced from, so that a plain function fits. */
 template <class Record>
 struct CompletionOf
 {
@@ -26,7 +26,7 @@ struct CompletionOf
 template <class Record>
 using Completion = typename CompletionOf<Record>::type;
 
-/// Creates from the options, and from the ID where the caller names the object; prints the new record.
+/** Creates from the options, and from the ID where the caller names the object; prints the new record. */
 template <class Handler, class Record>
 Command createCommand(const ObjectKind& kind, const Inputs<Record>& inputs,
                       Record (Handler::*create)(Record&), const std::vector<Argument>& arguments = {},
@@ -56,7 +56,7 @@ Command createCommand(const ObjectKind& kind, const Inputs<Record>& inputs,
             }};
 }
 
-/// Any operation on one object that takes its ID and nothing else.
+/** Any operation on one object that takes its ID and nothing else. */
 template <class Handler>
 Command actionCommand(const ObjectKind& kind, const std::string& action, const std::string& summary,
                       const std::string& done, void (Handler::*operation)(const std::string&))
@@ -68,7 +68,7 @@ Command actionCommand(const ObjectKind& kind, const std::string& action, const s
             }};
 }
 
-/// "add ID --host HOST": binds an initiator.
+/** "add ID --host HOST": binds an initiator. */
 template <class Handler>
 Command bindCommand(const ObjectKind& kind, void (Handler::*bind)(const std::string&, const std::string&))
 {

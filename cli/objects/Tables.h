@@ -1,11 +1,11 @@
-#ifndef TESSELCTL_OBJECTS_TABLES_H
-#define TESSELCTL_OBJECTS_TABLES_H
+#ifndef OBJECTS_TABLES_H
+#define OBJECTS_TABLES_H
 
 #include "objects/ObjectKind.h"
 
 namespace tesselctl {
 
-/// The commands of each type of object.
+/** The commands of each type of object. */
 Commands lunCommands();
 Commands snapshotCommands();
 Commands lunGroupCommands();
@@ -16,7 +16,7 @@ Commands iscsiInitiatorCommands();
 Commands fcInitiatorCommands();
 Commands portCommands();
 
-/// Several lists of commands as one.
+/** Several lists of commands as one. */
 Commands together(const std::vector<Commands>& lists);
 
 } // namespace tesselctl

@@ -4,6 +4,7 @@
 #include "output/Table.h"
 #include "text/Display.h"
 #include "text/Numbers.h"
+#include "text/Words.h"
 
 #include <json/writer.h>
 
@@ -14,22 +15,8 @@
 namespace tesselctl {
 namespace {
 
-/// Fields that hold bytes.
-const std::array<const char*, 2> byteFields = {"CAPACITY", "ALLOCCAPACITY"};
-
-const RecordField& fieldOf(const Row& row, const std::string& name)
-{
-    const auto found =
-        std::find_if(row.begin(), row.end(), [&](const RecordField& f) { return f.name == name; });
-    if (found == row.end()) {
-        std::string known;
-        for (const auto& field : row) {
-            known += (known.empty() ? "" : ", ") + field.name;
-        }
-        throw UsageError("there is no column '" + name + "'; choose from " + known);
-    }
-    return *found;
-}
+/** Fields that hold bytes. */
+constexpr std::array<const char*, 2> BYTE_FIELDS = {"CAPACITY", "ALLOCCAPACITY"};
 
 TableLine titlesOf(const Row& row, const std::vector<std::string>& columns)
 {
@@ -41,6 +28,16 @@ TableLine titlesOf(const Row& row, const std::vector<std::string>& columns)
         titles.push_back(field.name);
     }
     return titles;
+}
+
+const RecordField& fieldOf(const Row& row, const std::string& name)
+{
+    const auto found =
+        std::find_if(row.begin(), row.end(), [&](const RecordField& f) { return f.name == name; });
+    if (found == row.end()) {
+        throw UsageError("there is no column '" + name + "'; choose from " + joined(titlesOf(row, {"*"})));
+    }
+    return *found;
 }
 
 Json::Value numberOf(const std::string& text)
@@ -66,7 +63,7 @@ std::string humanValue(const RecordField& field, bool inTable)
     if (!field.isSet) {
         return "-";
     }
-    const bool isBytes = std::find(byteFields.begin(), byteFields.end(), field.name) != byteFields.end();
+    const bool isBytes = std::find(BYTE_FIELDS.begin(), BYTE_FIELDS.end(), field.name) != BYTE_FIELDS.end();
     if (!isBytes) {
         return printable(field.value);
     }

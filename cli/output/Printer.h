@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_OUTPUT_PRINTER_H
-#define TESSELCTL_OUTPUT_PRINTER_H
+#ifndef OUTPUT_PRINTER_H
+#define OUTPUT_PRINTER_H
 
 #include <tessel/Fields.h>
 
@@ -12,43 +12,45 @@ namespace tesselctl {
 
 using Row = std::vector<RecordField>;
 
-/// Writes results to standard output, as text for people or as JSON for programs; notes go to standard error.
+/**
+ * Writes results to standard output, as text for people or as JSON for programs; notes go to standard error.
+ */
 class Printer
 {
 public:
     explicit Printer(bool json) : m_json(json) {}
     bool isJson() const { return m_json; }
 
-    /// One record: a line for each field, or a JSON object.
+    /** One record: a line for each field, or a JSON object. */
     void record(const Row& row);
 
-    /// A table with the named columns ("*" alone: every field), or a JSON array of whole records.
+    /** A table with the named columns ("*" alone: every field), or a JSON array of whole records. */
     void records(const std::vector<Row>& rows, const std::vector<std::string>& columns,
                  const std::string& title);
 
-    /// A result that is no record: the text, or the JSON value.
+    /** A result that is no record: the text, or the JSON value. */
     void result(const std::string& text, const Json::Value& json);
 
-    /// Something to know beside the result; one line on standard error, as JSON {"note": ...}.
+    /** Something to know beside the result; one line on standard error, as JSON {"note": ...}. */
     void note(const std::string& text) const;
 
-    /// The last word of a command that fails: one line, or a JSON object {"error": ...}.
+    /** The last word of a command that fails: one line, or a JSON object {"error": ...}. */
     void failure(const std::string& message, int exitCode, const int* arrayCode);
 
 private:
     bool m_json;
 };
 
-/// A record as a JSON object; unset fields and secrets are null.
+/** A record as a JSON object; unset fields and secrets are null. */
 Json::Value toJson(const Row& row);
 
-/// One line of compact JSON, or an indented text.
+/** One line of compact JSON, or an indented text. */
 std::string jsonText(const Json::Value& value, bool indented);
 
-/// Throws UsageError when the record has no field of a column's name.
+/** Throws UsageError when the record has no field of a column's name. */
 void checkColumns(const Row& row, const std::vector<std::string>& columns);
 
-/// The value of a field for people: "-" when unset, capacities with their size in words.
+/** The value of a field for people: "-" when unset, capacities with their size in words. */
 std::string humanValue(const RecordField& field, bool inTable);
 
 } // namespace tesselctl

@@ -10,7 +10,7 @@
 namespace tesselctl {
 namespace {
 
-const char* const clearLine = "\r\033[K";
+constexpr const char* CLEAR_LINE = "\r\033[K";
 
 size_t columns()
 {
@@ -39,7 +39,7 @@ Progress::~Progress()
     m_ended.notify_all();
     m_thread.join();
     if (m_isShown) {
-        std::cerr << clearLine << std::flush;
+        std::cerr << CLEAR_LINE << std::flush;
     }
 }
 
@@ -68,7 +68,7 @@ void Progress::draw()
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
     const std::string text =
         m_work + (m_state.empty() ? "" : ", " + m_state) + ", " + std::to_string(seconds) + " s";
-    std::cerr << clearLine << cutTo(printable(text), columns() - 1) << std::flush;
+    std::cerr << CLEAR_LINE << cutTo(printable(text), columns() - 1) << std::flush;
 }
 
 } // namespace tesselctl

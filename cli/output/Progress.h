@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_OUTPUT_PROGRESS_H
-#define TESSELCTL_OUTPUT_PROGRESS_H
+#ifndef OUTPUT_PROGRESS_H
+#define OUTPUT_PROGRESS_H
 
 #include <chrono>
 #include <condition_variable>
@@ -21,7 +21,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// How far the work is: "300 so far".
+    /** How far the work is: "300 so far". */
     void update(const std::string& state);
 
 private:

@@ -10,22 +10,24 @@
 namespace tesselctl {
 namespace {
 
-const size_t gap = 2;
-const size_t narrowest = 6;
+constexpr size_t GAP = 2;
+constexpr size_t NARROWEST = 6;
 
 bool isNumber(const std::string& text)
 {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-/// Takes from the widest column until everything fits; a table that cannot fit is left whole, to be wrapped.
+/**
+ * Takes from the widest column until everything fits; a table that cannot fit is left whole, to be wrapped.
+ */
 void shrink(std::vector<size_t>& widths, size_t width)
 {
-    const size_t gaps = gap * (widths.size() - 1);
+    const size_t gaps = GAP * (widths.size() - 1);
     const std::vector<size_t> whole = widths;
     while (std::accumulate(widths.begin(), widths.end(), gaps) > width) {
         const auto widest = std::max_element(widths.begin(), widths.end());
-        if (*widest <= narrowest) {
+        if (*widest <= NARROWEST) {
             widths = whole;
             return;
         }
@@ -63,7 +65,7 @@ std::string layOut(const std::vector<TableLine>& lines, size_t width)
         std::string text;
         for (size_t column = 0; column < widths.size(); ++column) {
             text += padded(cutTo(line[column], widths[column]), widths[column], right[column]);
-            text += std::string(gap, ' ');
+            text += std::string(GAP, ' ');
         }
         text.erase(text.find_last_not_of(' ') + 1);
         result += text + "\n";

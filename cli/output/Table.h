@@ -1,12 +1,12 @@
-#ifndef TESSELCTL_OUTPUT_TABLE_H
-#define TESSELCTL_OUTPUT_TABLE_H
+#ifndef OUTPUT_TABLE_H
+#define OUTPUT_TABLE_H
 
 #include <string>
 #include <vector>
 
 namespace tesselctl {
 
-/// One line of a table; the first line holds the titles.
+/** One line of a table; the first line holds the titles. */
 using TableLine = std::vector<std::string>;
 
 /**
@@ -16,7 +16,7 @@ using TableLine = std::vector<std::string>;
  */
 std::string layOut(const std::vector<TableLine>& lines, size_t width);
 
-/// Columns of the terminal on standard output; 0 when it is none.
+/** Columns of the terminal on standard output; 0 when it is none. */
 size_t terminalWidth();
 
 } // namespace tesselctl

@@ -1,6 +1,7 @@
 #include "reference/Reference.h"
 
 #include "kernel/Command.h"
+#include "text/Words.h"
 
 #include <map>
 #include <set>
@@ -10,14 +11,10 @@ namespace {
 
 std::string spaced(const std::vector<std::string>& words)
 {
-    std::string text;
-    for (const auto& word : words) {
-        text += (text.empty() ? "" : " ") + word;
-    }
-    return text;
+    return joined(words, " ");
 }
 
-/// What can follow a path of words: further words of commands, or options.
+/** What can follow a path of words: further words of commands, or options. */
 std::map<std::string, std::vector<std::string>> wordsAfter()
 {
     std::map<std::string, std::vector<std::string>> after;
@@ -53,7 +50,7 @@ void forEachOption(Visit visit)
     }
 }
 
-/// What follows an option that takes a value, as bash code; empty where nothing can be proposed.
+/** What follows an option that takes a value, as bash code; empty where nothing can be proposed. */
 std::string proposals(const Option& option)
 {
     if (option.isFile) {
@@ -74,10 +71,7 @@ std::string valueCases()
     });
     std::string text;
     for (const auto& [code, options] : names) {
-        std::string alternatives;
-        for (const auto& name : options) {
-            alternatives += (alternatives.empty() ? "" : " | ") + name;
-        }
+        const std::string alternatives = joined({options.begin(), options.end()}, " | ");
         text += "        " + alternatives + ") " + code + "return ;;\n";
     }
     return text;

@@ -1,11 +1,11 @@
 #include "reference/Reference.h"
 
-#include "kernel/Context.h"
+#include "frame/Context.h"
 
 namespace tesselctl {
 namespace {
 
-/// A line of text must not begin a macro, nor a word be taken for one.
+/** A line of text must not begin a macro, nor a word be taken for one. */
 std::string plain(const std::string& text)
 {
     std::string result;

@@ -10,7 +10,7 @@
 namespace tesselctl {
 namespace {
 
-const uint64_t longestTimeout = 86400;
+constexpr uint64_t LONGEST_TIMEOUT = 86400;
 
 void checkPin(const std::string& pin)
 {
@@ -20,7 +20,7 @@ void checkPin(const std::string& pin)
     }
 }
 
-/// The option as the REST library's own environment variable, where the command line gives it.
+/** The option as the REST library's own environment variable, where the command line gives it. */
 void handOver(const Values& values, const char* option, const char* variable)
 {
     if (values.has(option)) {
@@ -77,7 +77,7 @@ void applyTransportOptions(const Values& values)
     }
     for (const char* option : {"--connect-timeout", "--timeout"}) {
         if (values.has(option)) {
-            parseNumber(option, values.text(option), 1, longestTimeout);
+            parseNumber(option, values.text(option), 1, LONGEST_TIMEOUT);
         }
     }
     handOver(values, "--ca-file", "OVRA_REST_CA_FILE");

@@ -12,7 +12,7 @@
 namespace tesselctl {
 namespace {
 
-const std::array<int, 7> watched = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGTTIN, SIGTTOU};
+constexpr std::array<int, 7> WATCHED = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGTTIN, SIGTTOU};
 volatile std::sig_atomic_t arrived = 0;
 
 extern "C" void remember(int signal)
@@ -20,7 +20,7 @@ extern "C" void remember(int signal)
     arrived = signal;
 }
 
-/// Signals end the read instead of the process while this lives.
+/** Signals end the read instead of the process while this lives. */
 class SignalWatch
 {
 public:
@@ -31,24 +31,24 @@ public:
         };
         action.sa_handler = remember; // no SA_RESTART: the read is to end
         sigemptyset(&action.sa_mask);
-        for (size_t i = 0; i < watched.size(); ++i) {
-            sigaction(watched[i], &action, &m_before[i]);
+        for (size_t i = 0; i < WATCHED.size(); ++i) {
+            sigaction(WATCHED[i], &action, &m_before[i]);
         }
     }
     ~SignalWatch()
     {
-        for (size_t i = 0; i < watched.size(); ++i) {
-            sigaction(watched[i], &m_before[i], nullptr);
+        for (size_t i = 0; i < WATCHED.size(); ++i) {
+            sigaction(WATCHED[i], &m_before[i], nullptr);
         }
     }
     SignalWatch(const SignalWatch&) = delete;
     SignalWatch& operator=(const SignalWatch&) = delete;
 
 private:
-    std::array<struct sigaction, watched.size()> m_before{};
+    std::array<struct sigaction, WATCHED.size()> m_before{};
 };
 
-/// A terminal that shows nothing of what is typed while this lives.
+/** A terminal that shows nothing of what is typed while this lives. */
 class Silence
 {
 public:
@@ -73,7 +73,7 @@ private:
     termios m_before{};
 };
 
-/// One line; stops early when a signal arrives.
+/** One line; stops early when a signal arrives. */
 std::string readLine(int terminal)
 {
     std::string line;

@@ -1,8 +1,8 @@
 #include "session/Reach.h"
 
+#include "network/Probe.h"
 #include "session/Secret.h"
 #include "text/Numbers.h"
-#include "tls/Probe.h"
 
 #include <climits>
 #include <cstdlib>
@@ -30,7 +30,7 @@ std::string trustAdvice(const ArrayAddress& address, const std::string& why)
            "' and trust it with --pin or --ca-file";
 }
 
-/// Empty when the certificate is trusted as the REST library is told to trust.
+/** Empty when the certificate is trusted as the REST library is told to trust. */
 std::string trustProblem(const Probe& found)
 {
     const std::string pins = environment("OVRA_REST_PINNED_KEY");

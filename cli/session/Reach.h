@@ -1,13 +1,13 @@
-#ifndef TESSELCTL_SESSION_REACH_H
-#define TESSELCTL_SESSION_REACH_H
+#ifndef SESSION_REACH_H
+#define SESSION_REACH_H
 
-#include "session/ArrayAddress.h"
+#include "network/ArrayAddress.h"
 
 #include <string>
 
 namespace tesselctl {
 
-/// Whether the array can be talked to, and what to do when not.
+/** Whether the array can be talked to, and what to do when not. */
 struct Reach
 {
     bool reached = false;
@@ -20,7 +20,7 @@ struct Reach
  */
 Reach tryReach(const ArrayAddress& address);
 
-/// The directory of the SDK's run log: "logs" beside the log library.
+/** The directory of the SDK's run log: "logs" beside the log library. */
 std::string logDirectory();
 
 } // namespace tesselctl

@@ -1,14 +1,14 @@
-#ifndef TESSELCTL_SESSION_SECRET_H
-#define TESSELCTL_SESSION_SECRET_H
+#ifndef SESSION_SECRET_H
+#define SESSION_SECRET_H
 
 #include <string>
 
 namespace tesselctl {
 
-/// The first line of a file that holds a secret. Throws UsageError when it cannot be read or is empty.
+/** The first line of a file that holds a secret. Throws UsageError when it cannot be read or is empty. */
 std::string secretFromFile(const std::string& option, const std::string& path);
 
-/// An environment variable; empty when it is not set.
+/** An environment variable; empty when it is not set. */
 std::string environment(const char* name);
 
 /**

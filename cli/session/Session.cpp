@@ -7,10 +7,10 @@
 namespace tesselctl {
 namespace {
 
-const unsigned int readBackTimes = 10;
-const unsigned int readBackPauseMicroseconds = 500000;
+constexpr unsigned int READ_BACK_TIMES = 10;
+constexpr unsigned int READ_BACK_PAUSE_MICROSECONDS = 500000;
 
-/// The text of an option, or of the environment variable that stands in for it.
+/** The text of an option, or of the environment variable that stands in for it. */
 std::string given(const Values& values, const char* option, const char* variable)
 {
     return values.has(option) ? values.text(option) : environment(variable);
@@ -38,8 +38,8 @@ std::unique_ptr<Session> Session::open(const Values& values)
 }
 
 Session::Session(const ArrayAddress& address, bool adopted)
-    : m_manager(CDeviceManager::getInstance(readBackTimes, readBackPauseMicroseconds)), m_address(address),
-      m_adopted(adopted)
+    : m_manager(CDeviceManager::getInstance(READ_BACK_TIMES, READ_BACK_PAUSE_MICROSECONDS)),
+      m_address(address), m_adopted(adopted)
 {
 }
 

@@ -1,8 +1,8 @@
-#ifndef TESSELCTL_SESSION_SESSION_H
-#define TESSELCTL_SESSION_SESSION_H
+#ifndef SESSION_SESSION_H
+#define SESSION_SESSION_H
 
 #include "kernel/Command.h"
-#include "session/ArrayAddress.h"
+#include "network/ArrayAddress.h"
 
 #include <tessel/Tessel.h>
 
@@ -11,7 +11,7 @@
 
 namespace tesselctl {
 
-/// The value of HANDLERTYPE that stands for a handler interface.
+/** The value of HANDLERTYPE that stands for a handler interface. */
 template <class Handler>
 struct TypeOf;
 // clang-format off
@@ -30,11 +30,11 @@ template <> struct TypeOf<CDiskAttachHandler> { static constexpr HANDLERTYPE val
 template <> struct TypeOf<CDiskScannerHandler> { static constexpr HANDLERTYPE value = DISKSCANNER_HANDLER; };
 // clang-format on
 
-/// One open session; logs out, when it logged in, at the end of its life.
+/** One open session; logs out, when it logged in, at the end of its life. */
 class Session
 {
 public:
-    /// Logs in, or adopts the session that the options name. Throws Failure or UsageError.
+    /** Logs in, or adopts the session that the options name. Throws Failure or UsageError. */
     static std::unique_ptr<Session> open(const Values& values);
     ~Session();
     Session(const Session&) = delete;
@@ -49,7 +49,7 @@ public:
     const ArrayAddress& address() const { return m_address; }
     bool isAdopted() const { return m_adopted; }
     bool keepAlive() { return m_manager->keepAlive(); }
-    /// Logs out at once; false when the array refused. An adopted session stays open.
+    /** Logs out at once; false when the array refused. An adopted session stays open. */
     bool close();
 
 private:
@@ -68,10 +68,10 @@ private:
     bool m_open = false;
 };
 
-/// The options of the connection, for globalOptions().
+/** The options of the connection, for globalOptions(). */
 std::vector<Option> connectionOptions();
 
-/// Hands the trust and time-out options over to the REST library; before the first request.
+/** Hands the trust and time-out options over to the REST library; before the first request. */
 void applyTransportOptions(const Values& values);
 
 } // namespace tesselctl

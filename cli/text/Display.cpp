@@ -34,8 +34,8 @@ Character decode(const std::string& text, size_t at)
         }
         code = (code << 6) | (byte(at + i) & 0x3FU);
     }
-    static const std::array<uint32_t, 5> lowest = {0, 0, 0x80, 0x800, 0x10000};
-    const bool good = code >= lowest[length] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
+    static const std::array<uint32_t, 5> LOWEST = {0, 0, 0x80, 0x800, 0x10000};
+    const bool good = code >= LOWEST[length] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
     return good ? Character{code, length, true} : Character{lead, 1, false};
 }
 

@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_TEXT_DISPLAY_H
-#define TESSELCTL_TEXT_DISPLAY_H
+#ifndef TEXT_DISPLAY_H
+#define TEXT_DISPLAY_H
 
 #include <cstddef>
 #include <string>
@@ -13,16 +13,18 @@ namespace tesselctl {
  */
 std::string printable(const std::string& text);
 
-/// The same for JSON, which has escapes of its own: only bytes that are not UTF-8 are replaced.
+/** The same for JSON, which has escapes of its own: only bytes that are not UTF-8 are replaced. */
 std::string validUtf8(const std::string& text);
 
-/// Columns that a printable text takes on a terminal.
+/** Columns that a printable text takes on a terminal. */
 size_t displayWidth(const std::string& text);
 
-/// The text cut to `width` columns; what was cut ends in "~" (or an ellipsis where the terminal shows one).
+/**
+ * The text cut to `width` columns; what was cut ends in "~" (or an ellipsis where the terminal shows one).
+ */
 std::string cutTo(const std::string& text, size_t width);
 
-/// Whether the locale of this process writes UTF-8.
+/** Whether the locale of this process writes UTF-8. */
 bool isUtf8Terminal();
 
 } // namespace tesselctl

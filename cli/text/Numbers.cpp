@@ -1,25 +1,19 @@
 #include "text/Numbers.h"
 
 #include "kernel/Failure.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdio>
+#include <string_view>
 
 namespace tesselctl {
 namespace {
 
 __extension__ using Wide = unsigned __int128;
 
-const std::string prefixes = "kmgtpe";
-
-std::string lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
+constexpr std::string_view PREFIXES = "kmgtpe";
 
 Wide power(unsigned base, size_t exponent)
 {
@@ -30,13 +24,13 @@ Wide power(unsigned base, size_t exponent)
     return result;
 }
 
-/// Bytes that a unit stands for; 0 for a unit that nobody knows.
+/** Bytes that a unit stands for; 0 for a unit that nobody knows. */
 Wide unitBytes(const std::string& unit)
 {
     if (unit.empty() || unit == "b") {
         return 1;
     }
-    const size_t prefix = prefixes.find(unit[0]);
+    const size_t prefix = PREFIXES.find(unit[0]);
     if (prefix == std::string::npos) {
         return 0;
     }
@@ -91,7 +85,7 @@ uint64_t parseSize(const std::string& what, const std::string& text)
         }
     }
     const size_t unitAt = at < text.size() && text[at] == ' ' ? at + 1 : at;
-    const Wide unit = unitBytes(lower(text.substr(unitAt)));
+    const Wide unit = unitBytes(lowered(text.substr(unitAt)));
     if (at == 0 || !isDigit(text[0]) || text[at - 1] == '.' || unit == 0) {
         refuse("is not a size");
     }
@@ -111,10 +105,10 @@ uint64_t parseSize(const std::string& what, const std::string& text)
 
 std::string humanSize(uint64_t bytes)
 {
-    static const std::array<const char*, 7> units = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+    static const std::array<const char*, 7> UNITS = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
     size_t unit = 0;
     uint64_t step = 1;
-    while (unit + 1 < units.size() && bytes / step >= 1024) {
+    while (unit + 1 < UNITS.size() && bytes / step >= 1024) {
         step *= 1024;
         ++unit;
     }
@@ -127,7 +121,7 @@ std::string humanSize(uint64_t bytes)
         number += decimals.data();
         number.erase(number.find_last_not_of('0') + 1);
     }
-    return (exact ? "" : "~") + number + " " + units[unit];
+    return (exact ? "" : "~") + number + " " + UNITS[unit];
 }
 
 } // namespace tesselctl

@@ -1,12 +1,12 @@
-#ifndef TESSELCTL_TEXT_NUMBERS_H
-#define TESSELCTL_TEXT_NUMBERS_H
+#ifndef TEXT_NUMBERS_H
+#define TEXT_NUMBERS_H
 
 #include <cstdint>
 #include <string>
 
 namespace tesselctl {
 
-/// A decimal number from low to high; throws UsageError that names what was given for `what`.
+/** A decimal number from low to high; throws UsageError that names what was given for `what`. */
 uint64_t parseNumber(const std::string& what, const std::string& text, uint64_t low, uint64_t high);
 
 /**
@@ -16,7 +16,7 @@ uint64_t parseNumber(const std::string& what, const std::string& text, uint64_t 
  */
 uint64_t parseSize(const std::string& what, const std::string& text);
 
-/// "10 GiB", "1.5 TiB", "512 B"; what cannot be told exactly in two decimals begins with "~".
+/** "10 GiB", "1.5 TiB", "512 B"; what cannot be told exactly in two decimals begins with "~". */
 std::string humanSize(uint64_t bytes);
 
 } // namespace tesselctl

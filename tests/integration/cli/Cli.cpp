@@ -22,7 +22,7 @@ Json::Value parsed(const std::string& text)
     return value;
 }
 
-/// Reads both pipes to their ends, whichever has something.
+/** Reads both pipes to their ends, whichever has something. */
 void readBoth(int out, int err, Outcome& outcome)
 {
     std::array<pollfd, 2> pipes = {{{out, POLLIN, 0}, {err, POLLIN, 0}}};

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef CLI_CLI_H
+#define CLI_CLI_H
 
 #include "support/ArraySim.h"
 
@@ -12,16 +13,16 @@
 #include <string>
 #include <vector>
 
-/// How one run of tesselctl ended.
+/** How one run of tesselctl ended. */
 struct Outcome
 {
     int exitCode = -1; ///< 128 + the signal where one ended it
     std::string out;
     std::string err;
 
-    /// Standard output as JSON; the test fails when it is none.
+    /** Standard output as JSON; the test fails when it is none. */
     Json::Value json() const;
-    /// The last line of standard error as JSON.
+    /** The last line of standard error as JSON. */
     Json::Value errorJson() const;
 };
 
@@ -29,23 +30,23 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome);
 
 using Words = std::vector<std::string>;
 
-/// Runs the real tesselctl.
+/** Runs the real tesselctl. */
 class Cli
 {
 public:
-    /// Of the environment the runs get PATH and what is set here, nothing else.
+    /** Of the environment the runs get PATH and what is set here, nothing else. */
     std::map<std::string, std::string> environment;
-    /// Runs in the new process before tesselctl does, e.g. to enter a namespace.
+    /** Runs in the new process before tesselctl does, e.g. to enter a namespace. */
     std::function<void()> prepare;
 
     Outcome run(const Words& words) const;
-    /// The same with --output json.
+    /** The same with --output json. */
     Outcome json(Words words) const;
-    /// The environment that leads to an array and its trust.
+    /** The environment that leads to an array and its trust. */
     void pointAt(const tessel_test::ArraySim& array);
 };
 
-/// A folder of a test's own, which goes with it.
+/** A folder of a test's own, which goes with it. */
 class Folder
 {
 public:
@@ -55,34 +56,34 @@ public:
     Folder& operator=(const Folder&) = delete;
 
     const std::string& path() const { return m_path; }
-    /// A file in it; folders on the way are made.
+    /** A file in it; folders on the way are made. */
     std::string write(const std::string& name, const std::string& content, unsigned mode = 0600) const;
 
 private:
     std::string m_path;
 };
 
-/// A test with an array of its own and a tesselctl that knows it.
+/** A test with an array of its own and a tesselctl that knows it. */
 class CliTest : public ::testing::Test
 {
 protected:
     CliTest() { cli.pointAt(array); }
 
-    /// Runs, expects success and returns the "ID" of the record that was made.
+    /** Runs, expects success and returns the "ID" of the record that was made. */
     std::string make(const Words& words) const;
-    /// Runs and expects this exit code.
+    /** Runs and expects this exit code. */
     Outcome expect(int exitCode, const Words& words) const;
 
     tessel_test::ArraySim array;
     Cli cli;
 };
 
-/// The same with a LUN, a host with an initiator, and a group and view of each, not yet bound together.
+/** The same with a LUN, a host with an initiator, and a group and view of each, not yet bound together. */
 class MappingTest : public CliTest
 {
 protected:
     MappingTest();
-    /// Binds everything, so that the host sees the LUN.
+    /** Binds everything, so that the host sees the LUN. */
     void bindAll() const;
 
     const std::string iqn = "iqn.2024-05.org.example:web1";
@@ -92,3 +93,5 @@ protected:
     std::string hostGroup;
     std::string view;
 };
+
+#endif

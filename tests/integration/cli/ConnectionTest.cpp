@@ -51,7 +51,7 @@ class Trusting : public CliTest, public ::testing::WithParamInterface<Trust>
 {
 };
 
-const Trust trusts[] = {
+const Trust TRUSTS[] = {
     {"TheSystemsOwn", [](const auto&) { return Words{}; }, 1, "tesselctl fingerprint"},
     {"ItsPin",
      [](const auto& array) {
@@ -80,7 +80,7 @@ TEST_P(Trusting, DecidesWhetherTheArrayIsTalkedTo)
     EXPECT_THAT(expect(GetParam().exitCode, words).err, HasSubstr(GetParam().message));
 }
 
-INSTANTIATE_TEST_SUITE_P(Connection, Trusting, ::testing::ValuesIn(trusts),
+INSTANTIATE_TEST_SUITE_P(Connection, Trusting, ::testing::ValuesIn(TRUSTS),
                          [](const auto& one) { return std::string(one.param.name); });
 
 TEST_F(CliTest, AFailedLoginTellsWhatToDo)

@@ -6,7 +6,7 @@ using ::testing::HasSubstr;
 
 namespace {
 
-const key_t rescanKey = 1235;
+constexpr key_t RESCAN_KEY = 1235;
 
 Json::Value checkOf(const Outcome& doctor, const std::string& subject)
 {
@@ -58,7 +58,7 @@ TEST_F(HostTest, DoctorTellsWhoHoldsTheRescanLock)
         if (unshare(CLONE_NEWIPC) != 0) {
             _exit(126);
         }
-        const int set = semget(rescanKey, 1, IPC_CREAT | 0600);
+        const int set = semget(RESCAN_KEY, 1, IPC_CREAT | 0600);
         semctl(set, 0, SETVAL, 0);
     };
     const Json::Value lock = checkOf(cli.json({"doctor"}), "rescan lock");

@@ -7,7 +7,7 @@ using ::testing::Not;
 
 namespace {
 
-/// One link of the way that is left out, and what explain must say then.
+/** One link of the way that is left out, and what explain must say then. */
 struct Gap
 {
     const char* name;
@@ -24,7 +24,7 @@ void PrintTo(const Gap& one, std::ostream* stream)
 class MissingLink : public MappingTest, public ::testing::WithParamInterface<Gap>
 {
 protected:
-    /// The text with the names of objects replaced by their IDs.
+    /** The text with the names of objects replaced by their IDs. */
     std::string withIds(std::string text) const
     {
         const std::pair<const char*, std::string> ids[] = {
@@ -42,38 +42,38 @@ protected:
 
 enum Id
 {
-    lunId,
-    hostId,
-    lunGroupId,
-    hostGroupId,
-    viewId,
-    iqnId
+    LUN_ID,
+    HOST_ID,
+    LUNGROUP_ID,
+    HOSTGROUP_ID,
+    VIEW_ID,
+    IQN_ID
 };
 
-const Gap gaps[] = {
+const Gap GAPS[] = {
     {"InitiatorToHost",
      [](const MappingTest&, const Words& ids, const Cli& cli) {
-         cli.run({"initiator", "iscsi", "remove", ids[iqnId]});
+         cli.run({"initiator", "iscsi", "remove", ids[IQN_ID]});
      },
      "is bound to no host", "tesselctl initiator iscsi add <IQN> --host HOST"},
     {"HostToHostGroup",
      [](const MappingTest&, const Words& ids, const Cli& cli) {
-         cli.run({"hostgroup", "remove", ids[hostGroupId], "--host", ids[hostId]});
+         cli.run({"hostgroup", "remove", ids[HOSTGROUP_ID], "--host", ids[HOST_ID]});
      },
      "is in no host group", "tesselctl hostgroup add <HOSTGROUP> --host <HOST>"},
     {"HostGroupToView",
      [](const MappingTest&, const Words& ids, const Cli& cli) {
-         cli.run({"view", "remove", ids[viewId], "--hostgroup", ids[hostGroupId]});
+         cli.run({"view", "remove", ids[VIEW_ID], "--hostgroup", ids[HOSTGROUP_ID]});
      },
      "is in no mapping view", "tesselctl view add <VIEW> --hostgroup <HOSTGROUP>"},
     {"ViewToLunGroup",
      [](const MappingTest&, const Words& ids, const Cli& cli) {
-         cli.run({"view", "remove", ids[viewId], "--lungroup", ids[lunGroupId]});
+         cli.run({"view", "remove", ids[VIEW_ID], "--lungroup", ids[LUNGROUP_ID]});
      },
      "holds no LUN group", "tesselctl view add <VIEW> --lungroup <LUNGROUP>"},
     {"LunGroupToLun",
      [](const MappingTest&, const Words& ids, const Cli& cli) {
-         cli.run({"lungroup", "remove", ids[lunGroupId], "--lun", ids[lunId]});
+         cli.run({"lungroup", "remove", ids[LUNGROUP_ID], "--lun", ids[LUN_ID]});
      },
      "is in no LUN group", "tesselctl lungroup add <LUNGROUP> --lun <LUN>"},
 };
@@ -110,7 +110,7 @@ TEST_P(MissingLink, IsMadeByTheCommandThatExplainProposes)
     expect(0, {"explain", "lun", lun, "--initiator", iqn});
 }
 
-INSTANTIATE_TEST_SUITE_P(Explain, MissingLink, ::testing::ValuesIn(gaps),
+INSTANTIATE_TEST_SUITE_P(Explain, MissingLink, ::testing::ValuesIn(GAPS),
                          [](const auto& one) { return std::string(one.param.name); });
 
 TEST_F(MappingTest, ExplainWalksTheWholeWayOfAVisibleLun)

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef CLI_HOSTFIXTURE_H
+#define CLI_HOSTFIXTURE_H
 
 #include "Cli.h"
 
@@ -7,7 +8,9 @@
 #include <string>
 #include <unistd.h>
 
-/// A host made of files and of stubs in place of its tools; semaphores are those of a namespace of its own.
+/**
+ * A host made of files and of stubs in place of its tools; semaphores are those of a namespace of its own.
+ */
 class HostTest : public MappingTest
 {
 protected:
@@ -54,7 +57,7 @@ protected:
         folder.write("sys/block/" + name + "/dev", device + "\n");
         folder.write("sys/block/" + name + "/device/wwid", wwid + "\n");
     }
-    /// The LUN's disk sdc with one partition; its identity is that of page 0x83.
+    /** The LUN's disk sdc with one partition; its identity is that of page 0x83. */
     void addLunDisk() const
     {
         addDisk("sdc", "8:32", "t10.OTHER");
@@ -73,3 +76,5 @@ protected:
     Folder folder;
     std::string wwn;
 };
+
+#endif

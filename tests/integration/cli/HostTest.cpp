@@ -23,7 +23,7 @@ class DiskInUse : public HostTest, public ::testing::WithParamInterface<Use>
 {
 };
 
-const Use uses[] = {
+const Use USES[] = {
     {"DiskMounted", "proc/self/mountinfo", "30 1 8:32 / /data rw shared:1 - ext4 /dev/sdc rw\n",
      "sdc is mounted on /data"},
     {"PartitionMounted", "proc/self/mountinfo", "30 1 8:33 / /my\\040data rw - ext4 /dev/sdc1 rw\n",
@@ -51,7 +51,7 @@ TEST_P(DiskInUse, IsNotRemovedAndWhatHoldsItIsNamed)
     EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json().size(), 1U) << "nothing was detached";
 }
 
-INSTANTIATE_TEST_SUITE_P(Cli, DiskInUse, ::testing::ValuesIn(uses),
+INSTANTIATE_TEST_SUITE_P(Cli, DiskInUse, ::testing::ValuesIn(USES),
                          [](const auto& one) { return std::string(one.param.name); });
 
 TEST_F(HostTest, WhatStandsOnAMultipathMapKeepsItsPathsInUse)

@@ -5,7 +5,7 @@ using ::testing::Not;
 
 namespace {
 
-/// A type of object that can be created, listed where something holds it, and deleted.
+/** A type of object that can be created, listed where something holds it, and deleted. */
 struct Kind
 {
     const char* name;
@@ -32,7 +32,7 @@ protected:
     }
 };
 
-const Kind kinds[] = {
+const Kind KINDS[] = {
     {"Lun", {"lun", "create", "--name", "n1", "--pool", "0", "--size", "1MiB"}, {"lun"}, "LUN", false},
     {"Host", {"host", "create", "--name", "n1", "--os", "0", "--ip", "192.0.2.9"}, {"host"}, "host", false},
     {"LunGroup",
@@ -87,7 +87,7 @@ TEST_P(ObjectOf, ThatTheArrayDoesNotKnowEndsWithCode4)
     EXPECT_EQ(json.errorJson()["error"]["exitCode"].asInt(), 4);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cli, ObjectOf, ::testing::ValuesIn(kinds),
+INSTANTIATE_TEST_SUITE_P(Cli, ObjectOf, ::testing::ValuesIn(KINDS),
                          [](const auto& one) { return std::string(one.param.name); });
 
 TEST_F(CliTest, UnsetFieldsAndSecretsAreNullInJson)

@@ -13,7 +13,7 @@ using ::testing::Not;
 
 namespace {
 
-/// tesselctl on a terminal of its own.
+/** tesselctl on a terminal of its own. */
 class Terminal
 {
 public:
@@ -41,7 +41,7 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// Reads until the text has been shown; the test fails when the terminal ends before.
+    /** Reads until the text has been shown; the test fails when the terminal ends before. */
     void await(const std::string& text)
     {
         std::array<char, 512> buffer{};

@@ -31,7 +31,7 @@ Words newLun(const std::string& size)
     return {"lun", "create", "--name", "a", "--pool", "0", "--size", size, "--array", "192.0.2.1"};
 }
 
-const Mistake mistakes[] = {
+const Mistake MISTAKES[] = {
     {"NoCommand", {}, "subcommand is required"},
     {"UnknownCommand", {"lum"}, "no command 'lum'"},
     {"UnknownAction", {"lun", "delete", "1"}, "no command 'delete'"},
@@ -104,7 +104,7 @@ TEST_P(WrongLine, IsAJsonObjectWhereJsonIsAskedFor)
     EXPECT_THAT(error["message"].asString(), HasSubstr(GetParam().message));
 }
 
-INSTANTIATE_TEST_SUITE_P(CommandLine, WrongLine, ::testing::ValuesIn(mistakes),
+INSTANTIATE_TEST_SUITE_P(CommandLine, WrongLine, ::testing::ValuesIn(MISTAKES),
                          [](const auto& one) { return std::string(one.param.name); });
 
 std::string fileText(const std::string& path)

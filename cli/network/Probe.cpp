@@ -1,4 +1,4 @@
-#include "tls/Probe.h"
+#include "network/Probe.h"
 
 #include <openssl/err.h>
 #include <openssl/ssl.h>
@@ -37,7 +37,7 @@ private:
     int m_descriptor;
 };
 
-/// A server that hangs up is an answer like any other while this lives.
+/** A server that hangs up is an answer like any other while this lives. */
 class NoBrokenPipe
 {
 public:
@@ -50,7 +50,7 @@ private:
     void (*m_before)(int);
 };
 
-/// 0 or an errno.
+/** 0 or an errno. */
 int connectWithin(int descriptor, const sockaddr* address, socklen_t size, long seconds)
 {
     if (connect(descriptor, address, size) == 0) {
@@ -84,7 +84,7 @@ int connectTo(int descriptor, const ArrayAddress& address, bool isV6, long secon
                          seconds);
 }
 
-/// From here on every read and write may take so long and no longer.
+/** From here on every read and write may take so long and no longer. */
 void makeBlocking(int descriptor, long seconds)
 {
     timeval limit{seconds, 0};

@@ -1,4 +1,4 @@
-#include "tls/Certificate.h"
+#include "network/Certificate.h"
 
 #include <openssl/bio.h>
 #include <openssl/evp.h>

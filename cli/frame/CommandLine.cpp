@@ -1,8 +1,8 @@
-#include "kernel/CommandLine.h"
+#include "frame/CommandLine.h"
 
-#include "kernel/Context.h"
-#include "kernel/Outcome.h"
-#include "kernel/Parser.h"
+#include "frame/Context.h"
+#include "frame/Outcome.h"
+#include "frame/Parser.h"
 #include "session/Reach.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 namespace tesselctl {
 namespace {
 
-/// A command line that cannot be read may still say which form its errors are to have.
+/** A command line that cannot be read may still say which form its errors are to have. */
 bool asksForJson(int argc, char** argv)
 {
     for (int i = 1; i < argc; ++i) {
@@ -45,7 +45,7 @@ void checkOneOf(const Command& command, const Values& values)
     throw UsageError((names.size() == 1 ? "give " : "give one of ") + list);
 }
 
-/// The SDK tells no more than that it failed; a look at the array may tell why.
+/** The SDK tells no more than that it failed; a look at the array may tell why. */
 void tellUnreached(const ArrayAddress& array)
 {
     const Reach reach = tryReach(array);

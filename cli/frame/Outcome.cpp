@@ -1,4 +1,4 @@
-#include "kernel/Outcome.h"
+#include "frame/Outcome.h"
 
 #include "session/Reach.h"
 
@@ -10,21 +10,21 @@
 namespace tesselctl {
 namespace {
 
-/// The array's answers for an ID that it does not know.
-const std::array<int, 1> unknownId = {1077950001};
-/// Its answer to a request whose session is over or was never open.
-const int noSession = 1077950102;
+/** The array's answers for an ID that it does not know. */
+constexpr std::array<int, 1> UNKNOWN_ID = {1077950001};
+/** Its answer to a request whose session is over or was never open. */
+constexpr int NO_SESSION = 1077950102;
 
-const std::string frame = "Exception:";
-const std::string transportFailure = "url error or internet error ";
-const std::string descriptionMark = ", description:";
+const std::string FRAME = "Exception:";
+const std::string TRANSPORT_FAILURE = "url error or internet error ";
+const std::string DESCRIPTION_MARK = ", description:";
 
 std::string withoutFrame(const std::string& text)
 {
-    return text.compare(0, frame.size(), frame) == 0 ? text.substr(frame.size()) : text;
+    return text.compare(0, FRAME.size(), FRAME) == 0 ? text.substr(FRAME.size()) : text;
 }
 
-/// Splits "what happened operationName".
+/** Splits "what happened operationName". */
 std::pair<std::string, std::string> splitOperation(const std::string& text)
 {
     const size_t blank = text.rfind(' ');
@@ -39,18 +39,18 @@ std::pair<std::string, std::string> splitOperation(const std::string& text)
 Outcome errorAnswer(const OvraAPIExceptionWithErrCode& error)
 {
     auto [what, operation] = splitOperation(withoutFrame(error.what()));
-    const size_t mark = what.find(descriptionMark);
+    const size_t mark = what.find(DESCRIPTION_MARK);
     if (mark != std::string::npos) {
-        what = what.substr(mark + descriptionMark.size());
+        what = what.substr(mark + DESCRIPTION_MARK.size());
     }
     what.erase(what.find_last_not_of(". ") + 1);
     Outcome outcome;
     outcome.hasArrayCode = true;
     outcome.arrayCode = error.getErrCode();
-    outcome.exitCode = saysNotFound(outcome.arrayCode) ? ExitCode::notFound : ExitCode::arrayError;
+    outcome.exitCode = saysNotFound(outcome.arrayCode) ? ExitCode::NOT_FOUND : ExitCode::ARRAY_ERROR;
     outcome.message = (what.empty() ? "no description" : what) + " (error code " +
                       std::to_string(outcome.arrayCode) + " of the array, " + operation + ")";
-    if (outcome.arrayCode == noSession) {
+    if (outcome.arrayCode == NO_SESSION) {
         outcome.message += "; the session is over: log in again";
     }
     return outcome;
@@ -76,12 +76,12 @@ Outcome sdkFailure(const OvraAPIException& error)
 
 bool isTransportFailure(const std::exception& error)
 {
-    return withoutFrame(error.what()).compare(0, transportFailure.size(), transportFailure) == 0;
+    return withoutFrame(error.what()).compare(0, TRANSPORT_FAILURE.size(), TRANSPORT_FAILURE) == 0;
 }
 
 bool saysNotFound(int arrayCode)
 {
-    return std::find(unknownId.begin(), unknownId.end(), arrayCode) != unknownId.end();
+    return std::find(UNKNOWN_ID.begin(), UNKNOWN_ID.end(), arrayCode) != UNKNOWN_ID.end();
 }
 
 Outcome outcomeOf(const std::exception& error)

@@ -1,20 +1,12 @@
-#include "kernel/Context.h"
+#include "frame/Context.h"
+#include "network/Probe.h"
 #include "session/Secret.h"
 #include "text/Display.h"
 #include "text/Numbers.h"
-#include "tls/Probe.h"
+#include "text/Words.h"
 
 namespace tesselctl {
 namespace {
-
-std::string joined(const std::vector<std::string>& texts)
-{
-    std::string all;
-    for (const auto& text : texts) {
-        all += (all.empty() ? "" : ", ") + text;
-    }
-    return all.empty() ? "-" : all;
-}
 
 Json::Value jsonOf(const Certificate& certificate, const Probe& found, const std::string& array)
 {
@@ -43,7 +35,7 @@ std::string textOf(const Certificate& certificate, const Probe& found, const std
     text += "subject      " + printable(certificate.subject) + "\n";
     text +=
         "issuer       " + printable(certificate.issuer) + (certificate.selfSigned ? "  (itself)" : "") + "\n";
-    text += "names        " + printable(joined(certificate.names)) + "\n";
+    text += "names        " + (certificate.names.empty() ? "-" : printable(joined(certificate.names))) + "\n";
     text += "valid from   " + certificate.validFrom + "\n";
     text += "valid until  " + certificate.validUntil + inForce + "\n";
     text += "SHA-256      " + certificate.sha256.substr(0, 48) + "\n             " +

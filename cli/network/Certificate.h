@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_TLS_CERTIFICATE_H
-#define TESSELCTL_TLS_CERTIFICATE_H
+#ifndef NETWORK_CERTIFICATE_H
+#define NETWORK_CERTIFICATE_H
 
 #include <openssl/x509.h>
 
@@ -8,7 +8,7 @@
 
 namespace tesselctl {
 
-/// What a person needs to know of a certificate to trust it or not.
+/** What a person needs to know of a certificate to trust it or not. */
 struct Certificate
 {
     std::string subject;

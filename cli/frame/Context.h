@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_KERNEL_CONTEXT_H
-#define TESSELCTL_KERNEL_CONTEXT_H
+#ifndef FRAME_CONTEXT_H
+#define FRAME_CONTEXT_H
 
 #include "kernel/Command.h"
 #include "kernel/Failure.h"
@@ -10,7 +10,7 @@
 
 namespace tesselctl {
 
-/// What a running command has at hand.
+/** What a running command has at hand. */
 class Context
 {
 public:
@@ -24,7 +24,7 @@ public:
     bool has(const std::string& name) const { return m_values.has(name); }
     Printer& printer() { return m_printer; }
 
-    /// The session with the array, opened at the first call; closed with the context.
+    /** The session with the array, opened at the first call; closed with the context. */
     Session& session()
     {
         if (!m_session) {
@@ -33,14 +33,14 @@ public:
         return *m_session;
     }
 
-    /// A handler of the SDK by its interface: context.handler<CLunHandler>().
+    /** A handler of the SDK by its interface: context.handler<CLunHandler>(). */
     template <class Handler>
     Handler& handler()
     {
         return session().handler<Handler>();
     }
 
-    /// For a command that has told its result and yet does not end in success.
+    /** For a command that has told its result and yet does not end in success. */
     void endWith(ExitCode code) { m_exitCode = code; }
     ExitCode exitCode() const { return m_exitCode; }
 
@@ -48,7 +48,7 @@ private:
     Values m_values;
     Printer& m_printer;
     std::unique_ptr<Session> m_session;
-    ExitCode m_exitCode = ExitCode::success;
+    ExitCode m_exitCode = ExitCode::SUCCESS;
 };
 
 } // namespace tesselctl

@@ -1,11 +1,11 @@
-#include "kernel/Parser.h"
+#include "frame/Parser.h"
 
 #include <iostream>
 
 namespace tesselctl {
 namespace {
 
-const char* const footer =
+constexpr const char* FOOTER =
     "Exit codes: 0 success, 1 failure, 2 wrong command line, 3 error answer of the array, 4 not "
     "found.\n'tesselctl COMMAND --help' tells about a command; more is in tesselctl(1).";
 
@@ -21,7 +21,7 @@ CLI::App* deepest(CLI::App* app)
 
 Parser::Parser()
 {
-    m_app.footer(footer);
+    m_app.footer(FOOTER);
     m_app.set_version_flag("--version", "tesselctl " TESSELCTL_VERSION);
     m_app.require_subcommand(1);
     m_groups[{}] = &m_app;

@@ -1,14 +1,14 @@
-#ifndef TESSELCTL_TLS_PROBE_H
-#define TESSELCTL_TLS_PROBE_H
+#ifndef NETWORK_PROBE_H
+#define NETWORK_PROBE_H
 
-#include "session/ArrayAddress.h"
-#include "tls/Certificate.h"
+#include "network/ArrayAddress.h"
+#include "network/Certificate.h"
 
 #include <string>
 
 namespace tesselctl {
 
-/// How far a connection came.
+/** How far a connection came. */
 struct Probe
 {
     bool connected = false; ///< TCP

@@ -1,5 +1,5 @@
-#ifndef TESSELCTL_KERNEL_PARSER_H
-#define TESSELCTL_KERNEL_PARSER_H
+#ifndef FRAME_PARSER_H
+#define FRAME_PARSER_H
 
 #include "kernel/Command.h"
 
@@ -9,26 +9,26 @@
 
 namespace tesselctl {
 
-/// The command table as a parser.
+/** The command table as a parser. */
 class Parser
 {
 public:
     Parser();
 
-    /// Throws CLI::ParseError, which covers the calls for help and version.
+    /** Throws CLI::ParseError, which covers the calls for help and version. */
     void parse(int argc, char** argv) { m_app.parse(argc, argv); }
 
-    /// Prints help or version for a CLI::ParseError that asks for it; false when it is a mistake.
+    /** Prints help or version for a CLI::ParseError that asks for it; false when it is a mistake. */
     bool answer(const CLI::ParseError& error);
 
-    /// The command that the line names, and what it gives; null when a group stands alone.
+    /** The command that the line names, and what it gives; null when a group stands alone. */
     const Command* command() const { return m_chosen; }
     Values values() const;
 
-    /// The words up to where the line went wrong: "tesselctl lun create".
+    /** The words up to where the line went wrong: "tesselctl lun create". */
     std::string place() const;
 
-    /// The word that stands where a command is expected; empty when none does.
+    /** The word that stands where a command is expected; empty when none does. */
     std::string unknownWord() const;
 
 private:

@@ -1,4 +1,4 @@
-#include "session/ArrayAddress.h"
+#include "network/ArrayAddress.h"
 
 #include "kernel/Failure.h"
 #include "text/Numbers.h"
@@ -16,7 +16,7 @@ bool isAddress(int family, const std::string& text)
     return inet_pton(family, text.c_str(), binary.data()) == 1;
 }
 
-/// Splits "host:port" where exactly one colon or brackets say where the port begins.
+/** Splits "host:port" where exactly one colon or brackets say where the port begins. */
 std::pair<std::string, std::string> split(const std::string& text)
 {
     if (!text.empty() && text[0] == '[') {
