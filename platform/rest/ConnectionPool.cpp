@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <openssl/crypto.h>
 #include <poll.h>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace ovra::rest {
@@ -16,6 +18,13 @@ namespace {
 constexpr size_t MOST_IDLE = 16;
 /// libcurl does not use a connection that was idle for longer (CURLOPT_MAXAGE_CONN).
 constexpr auto LONGEST_IDLE = std::chrono::seconds(118);
+
+/// OpenSSL's own exit handler would take it away under threads that still send and under static destructors
+/// that log out. It is registered by whoever starts OpenSSL first: therefore when this library is loaded.
+__attribute__((constructor)) void startTlsWithoutExitHandler()
+{
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+}
 
 CurlHandle makeHandle()
 {
@@ -51,10 +60,11 @@ ConnectionPool& ConnectionPool::instance()
 
 ConnectionPool::ConnectionPool()
 {
-    curl_global_init(CURL_GLOBAL_DEFAULT);
-    // For the end of the process, and for the library's when it is unloaded; registered after libcurl's TLS
-    // library was started, so that it runs before that one stops.
-    std::atexit([] { instance().clear(); });
+    if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
+        throw std::runtime_error("libcurl cannot be started");
+    }
+    // For the end of the process, and for the library's when it is unloaded.
+    std::atexit([] { instance().end(); });
 }
 
 Connection ConnectionPool::take(const std::string& key)
@@ -88,7 +98,7 @@ void ConnectionPool::giveBack(Connection connection)
     const Connection& given = node.front().connection;
     if (given.owner != m_owner) {
         m_parents.splice(m_parents.end(), node);
-    } else if (given.generation != m_generation) {
+    } else if (m_ended || given.generation != m_generation) {
         surplus.splice(surplus.end(), node);
     } else {
         m_idle.splice(m_idle.end(), node);
@@ -103,6 +113,15 @@ void ConnectionPool::clear()
     leaveToParent();
     ++m_generation;
     closed.swap(m_idle);
+}
+
+void ConnectionPool::end()
+{
+    {
+        const std::lock_guard<std::mutex> lock(libraryMutex());
+        m_ended = true;
+    }
+    clear();
 }
 
 void ConnectionPool::leaveToParent()

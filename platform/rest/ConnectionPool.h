@@ -50,6 +50,9 @@ public:
     /** Closes the idle connections; those in use are closed when they are given back. */
     void clear();
 
+    /** The same, and none is kept from now on: what is sent still belongs to the end of the process. */
+    void end();
+
 private:
     using Clock = std::chrono::steady_clock;
     struct Idle
@@ -66,6 +69,7 @@ private:
     IdleList m_parents;
     unsigned long m_generation = 0;
     pid_t m_owner = 0;
+    bool m_ended = false;
 };
 
 } // namespace ovra::rest

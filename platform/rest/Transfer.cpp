@@ -67,7 +67,7 @@ CURLcode Transfer::attempt(Reuse reuse)
     curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
     m_reused = m_sendings > 1 || newConnections == 0;
     curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection.socket);
-    curl_easy_reset(handle); // keeps the connection, forgets every pointer into this request
+    forgetRequest(handle);
     if (code == CURLE_OK) {
         ConnectionPool::instance().giveBack(std::move(connection));
     }

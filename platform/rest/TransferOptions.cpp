@@ -90,6 +90,12 @@ void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers)
     setOption(handle, CURLOPT_HTTPHEADER, headers);
 }
 
+void forgetRequest(CURL* handle)
+{
+    setOption(handle, CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
+    setOption(handle, CURLOPT_POSTFIELDS, static_cast<const char*>(nullptr));
+}
+
 void setTrust(CURL* handle, const RestSettings& settings)
 {
     const bool pinned = !settings.pinnedKey.empty() && !settings.insecure;

@@ -34,6 +34,12 @@ HeaderList makeHeaderList(const HttpRequest& request);
 /** What is sent, and where to. */
 void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers);
 
+/**
+ * Takes what belongs to one request out of a handle that is kept. Everything else is set anew by the next
+ * one, and is the same for it. (curl_easy_reset may fail half way without a word, and spoil the handle.)
+ */
+void forgetRequest(CURL* handle);
+
 /** How the server is proved to be the right one. */
 void setTrust(CURL* handle, const RestSettings& settings);
 

@@ -1,12 +1,31 @@
 #include "RestFixture.h"
 
+#include <curl/curl.h>
+
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
 
 /** Allocations of this thread that still succeed; negative: all do. */
 thread_local long allocationsLeft = -1;
+
+/** The same for libcurl's. Behind the first that fails they succeed again. */
+thread_local long curlAllocationsLeft = -1;
+
+bool curlAllocationFails()
+{
+    return curlAllocationsLeft >= 0 && curlAllocationsLeft-- == 0;
+}
+
+/** libcurl's memory; the library starts libcurl too, but the first one decides. */
+[[maybe_unused]] const CURLcode started = curl_global_init_mem(
+    CURL_GLOBAL_DEFAULT, [](size_t size) { return curlAllocationFails() ? nullptr : std::malloc(size); },
+    &std::free,
+    [](void* memory, size_t size) { return curlAllocationFails() ? nullptr : std::realloc(memory, size); },
+    [](const char* text) { return curlAllocationFails() ? nullptr : strdup(text); },
+    [](size_t count, size_t size) { return curlAllocationFails() ? nullptr : std::calloc(count, size); });
 
 } // namespace
 
@@ -71,6 +90,35 @@ TEST_F(RestAllocationFailures, EveryOneEndsInBadAllocAndTheNextCallWorks)
             EXPECT_EQ(0, result) << "with " << allocations << " allocations";
         }
         ASSERT_EQ(0, sendInSession("/after").result);
+    }
+    EXPECT_GT(failures, 20);
+}
+
+TEST_F(RestAllocationFailures, InsideLibcurlSpoilNoConnection)
+{
+    MisbehavingServer server;
+    server.setDefault(Behaviour::success("{\"ID\":\"7\"}"));
+    ASSERT_TRUE(openSession(server));
+    RestSettings settings = trusting();
+    settings.timeoutSeconds = 5; // for a request that hangs on a spoiled handle
+    RestSetSettings(settings);
+    ASSERT_EQ(0, sendInSession("/warm-up").result);
+
+    long failures = 0;
+    for (long allocations = 0; curlAllocationsLeft < 0; ++allocations) {
+        curlAllocationsLeft = allocations;
+        try {
+            failures += sendInSession("/lun/7").result != 0 ? 1 : 0;
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+        const bool reached = curlAllocationsLeft < 0;
+        curlAllocationsLeft = -1;
+        server.closeConnections(); // whatever was kept has to connect again, and to prove the server
+        ASSERT_EQ(0, sendInSession("/after").result) << "with " << allocations << " allocations";
+        if (!reached) {
+            break;
+        }
     }
     EXPECT_GT(failures, 20);
 }
