@@ -49,7 +49,7 @@ std::string textOf(const Certificate& certificate, const Probe& found, const std
 
 void fingerprint(Context& context)
 {
-    const ArrayAddress address = parseArrayAddress("fingerprint", context.text("IP:PORT"));
+    const ArrayAddress address = parseArrayAddress("fingerprint", context.text("ARRAY"));
     const long timeout = static_cast<long>(
         parseNumber("--connect-timeout", context.text("--connect-timeout", "30"), 1, 86400));
     const Probe found = probe(address, environment("OVRA_REST_CA_FILE"), timeout);
@@ -66,7 +66,8 @@ void fingerprint(Context& context)
 
 Commands fingerprintCommands()
 {
-    const Argument server{"IP:PORT", "the array's management interface; port 8088 unless given", {}};
+    const Argument server{
+        "ARRAY", "IP[:PORT] of the array's management interface; port 8088 unless given", {}};
     return {{{"fingerprint"},
              "show the array's certificate and the pin to trust it by",
              {server},

@@ -4,6 +4,7 @@
 #include "frame/Outcome.h"
 #include "frame/Parser.h"
 #include "session/Reach.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <clocale>
@@ -15,9 +16,9 @@ namespace {
 bool asksForJson(int argc, char** argv)
 {
     for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
+        const std::string word = lowered(argv[i]);
         if (word == "--output=json" ||
-            (word == "--output" && i + 1 < argc && std::string(argv[i + 1]) == "json")) {
+            (word == "--output" && i + 1 < argc && lowered(argv[i + 1]) == "json")) {
             return true;
         }
     }

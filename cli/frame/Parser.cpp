@@ -9,6 +9,14 @@ constexpr const char* FOOTER =
     "Exit codes: 0 success, 1 failure, 2 wrong command line, 3 error answer of the array, 4 not "
     "found.\n'tesselctl COMMAND --help' tells about a command; more is in tesselctl(1).";
 
+/** A choice is taken in any case; what the command gets is the word of the table. */
+void takeChoice(CLI::Option& option, const std::vector<std::string>& choices)
+{
+    if (!choices.empty()) {
+        option.transform(CLI::IsMember(choices, CLI::ignore_case));
+    }
+}
+
 CLI::App* deepest(CLI::App* app)
 {
     while (!app->get_subcommands().empty()) {
@@ -46,14 +54,11 @@ CLI::App* Parser::groupFor(const std::vector<std::string>& path)
 
 void Parser::addOption(CLI::App& app, const Option& option)
 {
-    CLI::Option* added =
-        option.valueName.empty()
-            ? app.add_flag(option.name, option.help)
-            : app.add_option(option.name, option.help)->type_name(option.valueName)->expected(1);
+    CLI::Option* added = option.valueName.empty() ? app.add_flag(option.name, option.help)
+                                                  : app.add_option(option.name, option.help)->expected(1);
     added->required(option.required);
-    if (!option.choices.empty()) {
-        added->check(CLI::IsMember(option.choices, CLI::ignore_case))->type_name(option.valueName);
-    }
+    takeChoice(*added, option.choices);
+    added->type_name(option.valueName);
     if (!option.valueName.empty()) {
         added->multi_option_policy(CLI::MultiOptionPolicy::Throw);
     }
@@ -67,10 +72,8 @@ void Parser::add(const Command& command)
     auto& given = m_given[&command];
     for (const auto& argument : command.arguments) {
         CLI::Option* added = app->add_option(argument.name, argument.help)->required()->expected(1);
+        takeChoice(*added, argument.choices);
         added->type_name("");
-        if (!argument.choices.empty()) {
-            added->check(CLI::IsMember(argument.choices))->type_name("");
-        }
         given.push_back({argument.name, added});
     }
     for (const auto& option : command.options) {
