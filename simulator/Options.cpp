@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 
@@ -24,6 +25,10 @@ constexpr const char* FOOTER =
     "TESSEL_ARRAYSIM_PASSWORD, else it is made at the first start and kept in the file \"password\" of the\n"
     "state directory. Clients trust the file ca.pem of the state directory.\n\n"
     "Example: TESSEL_ARRAYSIM_PASSWORD=... tessel-arraysim --state-dir /tmp/array --control-port 0\n\n"
+    "A command of --run finds the array in TESSEL_ARRAY, TESSEL_USER, TESSEL_PASSWORD and "
+    "OVRA_REST_CA_FILE,\n"
+    "and in TESSEL_ARRAYSIM_ADDRESS, _PORT, _CONTROL (an URL), _PINNED_KEY and _STATE (a directory).\n\n"
+    "Example: tessel-arraysim --run tesselctl lun list\n\n"
     "SIGTERM and SIGINT end the array after the requests in progress, with status 0.";
 
 void printCodes()
@@ -37,6 +42,16 @@ void printCodes()
 
 bool readOptions(int argc, char** argv, Options& options, int& status)
 {
+    // What follows --run is another program's, options too.
+    char** const run =
+        std::find_if(argv, argv + argc, [](const char* word) { return std::string(word) == "--run"; });
+    const bool runs = run != argv + argc;
+    if (runs) {
+        options.command.assign(run + 1, argv + argc);
+        options.port = 0;
+        options.controlPort = 0;
+        options.log = "";
+    }
     CLI::App app(ABOUT, "tessel-arraysim");
     bool codes = false;
     app.footer(FOOTER);
@@ -128,15 +143,26 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
     app.add_flag("--stop-on-stdin-eof", options.stopOnStdinEof,
                  "End when the standard input ends, and so with the process that holds its other end")
         ->group(others);
+    app.add_flag(
+           "--run",
+           "Run the command that follows beside the array, and end as it ends: on free ports, with a state\n"
+           "directory that goes with it, no log, and the environment that clients need (see below)")
+        ->group(others);
     app.add_flag("--error-codes", codes, "Print the error codes and what they mean, and end")->group(others);
 
     status = 0;
     try {
-        app.parse(argc, argv);
+        app.parse(static_cast<int>(run - argv), argv);
+        if (runs && (options.command.empty() || options.stopOnStdinEof)) {
+            throw CLI::ValidationError("--run", options.command.empty()
+                                                    ? "needs a command"
+                                                    : "leaves the standard input to the command");
+        }
     } catch (const CLI::ParseError& end) {
         status = app.exit(end);
         return false;
     }
+    options.temporary = runs && app.count("--state-dir") == 0;
     if (codes) {
         printCodes();
         return false;

@@ -4,6 +4,7 @@
 #include "model/World.h"
 
 #include <string>
+#include <vector>
 
 namespace arraysim {
 
@@ -27,6 +28,8 @@ struct Options
     std::string key;
     std::string log = "-";
     bool stopOnStdinEof = false;
+    std::vector<std::string> command; ///< runs beside the array, which ends with it; empty: none
+    bool temporary = false;           ///< the state directory is to be made, and goes in the end
 };
 
 /** Reads the command line. @return false when the program has nothing more to do and ends with status. */

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -41,8 +42,25 @@ StateDir::StateDir(const std::string& path) : m_path(path)
     }
 }
 
+std::unique_ptr<StateDir> StateDir::temporary()
+{
+    const char* base = std::getenv("TMPDIR");
+    std::string path =
+        std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/tessel-arraysim-XXXXXX";
+    if (::mkdtemp(path.data()) == nullptr) {
+        fail("cannot make a directory in " + path.substr(0, path.rfind('/')));
+    }
+    auto made = std::make_unique<StateDir>(path);
+    made->m_temporary = true;
+    return made;
+}
+
 StateDir::~StateDir()
 {
+    if (m_temporary) {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
     ::close(m_lock);
 }
 

@@ -1,6 +1,7 @@
 #ifndef SIMULATOR_STATEDIR_H
 #define SIMULATOR_STATEDIR_H
 
+#include <memory>
 #include <string>
 
 namespace arraysim {
@@ -11,6 +12,8 @@ class StateDir
 public:
     /** Makes the directory where it is missing, for its owner alone. Throws std::runtime_error. */
     explicit StateDir(const std::string& path);
+    /** One that is made for this process, and goes with it. */
+    static std::unique_ptr<StateDir> temporary();
     ~StateDir();
     StateDir(const StateDir&) = delete;
     StateDir& operator=(const StateDir&) = delete;
@@ -21,6 +24,7 @@ public:
 private:
     std::string m_path;
     int m_lock = -1;
+    bool m_temporary = false;
 };
 
 /** The first line of a file. Throws std::runtime_error. */

@@ -25,7 +25,7 @@ uintmax_t capacity(const Object& object)
 } // namespace
 
 IscsiExport::IscsiExport(World& world, Journal& journal, const std::string& iqn, fs::path files)
-    : m_world(world), m_journal(journal), m_target(iqn), m_files(std::move(files))
+    : m_world(world), m_journal(journal), m_target(iqn), m_files(std::move(files)), m_watch(world, *this)
 {
     fs::create_directories(m_files);
     const auto lock = m_world.lock();

@@ -36,6 +36,7 @@ private:
     KernelTarget m_target;
     std::filesystem::path m_files;
     std::set<ObjectKey> m_touched;
+    const ExposureWatch m_watch;
 };
 
 } // namespace arraysim

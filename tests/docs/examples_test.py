@@ -1,4 +1,4 @@
-"""Runs the small examples against an array. Usage: examples_test.py ARRAY-PROGRAM EXAMPLES-DIRECTORY"""
+"""Runs the small examples against an array. Usage: tessel-arraysim --run examples_test.py EXAMPLES-DIRECTORY"""
 
 import json
 import os
@@ -7,17 +7,16 @@ import sys
 import unittest
 import urllib.request
 
-from simulated_array import PASSWORD, PATIENCE_S, Array
+from simulated_array import PATIENCE_S, Array
 
-ARRAY_PROGRAM, EXAMPLES = sys.argv[1:3]
+EXAMPLES = sys.argv[1]
 INITIATOR = "iqn.2026-01.example.host:one"
 
 
 class Examples(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.array = Array(ARRAY_PROGRAM)
-        cls.addClassCleanup(cls.array.stop)
+        cls.array = Array()
 
     def setUp(self):
         self.array.control("POST", "/reset")
@@ -150,7 +149,7 @@ class Examples(unittest.TestCase):
                              (1, "the host does not see the LUN: the run log says why\n"), path)
 
     def login(self):
-        body = json.dumps({"username": "admin", "password": PASSWORD, "scope": 0}).encode()
+        body = json.dumps({"username": "admin", "password": self.array.password, "scope": 0}).encode()
         request = urllib.request.Request(f"https://127.0.0.1:{self.array.port}/deviceManager/rest/xxxx/sessions", data=body,
                                          headers={"Content-Type": "application/json"}, method="POST")
         trust = urllib.request.HTTPSHandler(context=ssl.create_default_context(cafile=self.array.ca_file))
