@@ -102,6 +102,23 @@ SecretValue::~SecretValue()
     wipeTexts(*this);
 }
 
+size_t countValues(std::string_view text)
+{
+    size_t values = 1;
+    bool quoted = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char character = text[i];
+        if (character == '"') {
+            quoted = !quoted;
+        } else if (quoted) {
+            i += character == '\\' ? 1 : 0;
+        } else if (character == ',' || character == '[' || character == '{') {
+            ++values;
+        }
+    }
+    return values;
+}
+
 std::optional<Answer> parseAnswer(std::string_view text)
 {
     std::optional<SecretValue> root = parseStrictly(text);

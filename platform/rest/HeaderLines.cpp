@@ -46,7 +46,8 @@ std::string canonicalHeaderName(std::string_view name)
 
 bool isSendableHeaderValue(std::string_view value)
 {
-    return value.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+    return value.size() <= MOST_VALUE_BYTES &&
+           value.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
 }
 
 std::string_view withoutOuterBlanks(std::string_view text)

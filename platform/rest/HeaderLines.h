@@ -12,7 +12,10 @@ namespace ovra::rest {
 /** "set-cookie" as "Set-Cookie": the usual capitals of a header name. */
 std::string canonicalHeaderName(std::string_view name);
 
-/** True for a text that can be sent as a header's value: no CR, LF or NUL in it. */
+/** Most bytes of one value that a session sends: token, cookie, device ID. */
+constexpr size_t MOST_VALUE_BYTES = 8UL * 1024;
+
+/** True for a text that can be sent as a header's value: not too long, no CR, LF or NUL in it. */
 bool isSendableHeaderValue(std::string_view value);
 
 /** The text without blanks and tabs at its ends. */

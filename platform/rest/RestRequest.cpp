@@ -50,6 +50,9 @@ int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer
     if (result != REST_OK) {
         return result;
     }
+    if (countValues(transfer.body()) > MOST_VALUES) {
+        return REST_ANSWER_TOO_LARGE;
+    }
     answer = parseAnswer(transfer.body());
     return answer ? REST_OK : REST_ANSWER_UNREADABLE;
 }

@@ -38,7 +38,8 @@ bool SessionRegistry::addUser(CDeviceManagerImpl* const& identity, const std::st
                               const std::string& cookie, const bool& loggedIn)
 {
     const unsigned int key = keyOf(identity);
-    if (key == 0 || !isSendableHeaderValue(token) || !isSendableHeaderValue(cookie)) {
+    if (key == 0 || deviceId.size() > MOST_VALUE_BYTES || !isSendableHeaderValue(token) ||
+        !isSendableHeaderValue(cookie)) {
         return false;
     }
     auto session = std::make_shared<Session>();

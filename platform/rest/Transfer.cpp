@@ -3,6 +3,8 @@
 #include "SigpipeGuard.h"
 #include "TransferOptions.h"
 
+#include <cstring>
+
 namespace ovra::rest {
 
 namespace {
@@ -26,6 +28,18 @@ void setHeader(Headers& headers, const std::string& name, std::string_view value
     headers.emplace_back(name, value);
 }
 
+size_t HttpRequest::headBytes() const
+{
+    constexpr std::string_view OTHER_LINES =
+        "DELETE  HTTP/1.1\r\nHost: \r\nAccept: */*\r\n\r\n"
+        "Content-Type: application/json\r\nContent-Length: 1234567890\r\n";
+    size_t bytes = OTHER_LINES.size() + server.origin().size() + target.size();
+    for (const auto& [name, value] : headers) {
+        bytes += name.size() + value.size() + strlen(": \r\n");
+    }
+    return bytes;
+}
+
 Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
     : m_request(request), m_settings(settings)
 {
@@ -33,6 +47,9 @@ Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
 
 int Transfer::perform()
 {
+    if (m_request.headBytes() > MOST_REQUEST_HEAD_BYTES) {
+        return REST_BAD_REQUEST; // libcurl would not send the end of it, and wait for an answer
+    }
     CURLcode code = attempt(Reuse::Allowed);
     if (m_request.method == REST_GET && m_reused && diedUnanswered(code)) {
         code = attempt(Reuse::Forbidden);

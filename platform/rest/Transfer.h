@@ -31,12 +31,16 @@ struct HttpRequest
     std::string target; ///< path and query, encoded
     Headers headers;
     std::optional<SecretText> body;
+
+    /** Bytes of the head as it is sent, or a few more. */
+    size_t headBytes() const;
 };
 
 /** Sends one request and receives its answer. */
 class Transfer
 {
 public:
+    static constexpr size_t MOST_REQUEST_HEAD_BYTES = 64UL * 1024;
     static constexpr size_t MOST_HEADER_BYTES = 256UL * 1024;
     static constexpr size_t MOST_BODY_BYTES = 64UL * 1024 * 1024;
 

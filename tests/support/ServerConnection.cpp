@@ -115,6 +115,7 @@ void ServerConnection::behave(const Behaviour& behaviour)
 {
     m_behaviour = behaviour;
     m_pending = m_behaviour.bytes;
+    m_sent = 0;
     // Two records, but one arrival: otherwise the client may be at its next request before the second is
     // there.
     cork(!m_behaviour.separately.empty());
@@ -137,11 +138,15 @@ ServerConnection::Progress ServerConnection::write()
     if (slow && Clock::now() < m_nextByte) {
         return Progress::Blocked;
     }
-    const int written = transmit(m_pending.data(), slow ? 1 : m_pending.size());
+    const int written = transmit(m_pending.data() + m_sent, slow ? 1 : m_pending.size() - m_sent);
     if (written <= 0) {
         return blockedOrOver(written);
     }
-    m_pending.erase(0, static_cast<size_t>(written));
+    m_sent += static_cast<size_t>(written);
+    if (m_sent == m_pending.size()) {
+        m_pending.clear();
+        m_sent = 0;
+    }
     m_nextByte = Clock::now() + m_behaviour.perByte;
     return Progress::Moved;
 }

@@ -78,7 +78,8 @@ private:
     bool m_blockedOnWrite = false;
     std::string m_input;
     Behaviour m_behaviour;
-    std::string m_pending; ///< bytes of the behaviour not yet sent
+    std::string m_pending; ///< bytes of the behaviour that are being sent
+    size_t m_sent = 0;     ///< how many of them are
     Clock::time_point m_nextByte;
 };
 

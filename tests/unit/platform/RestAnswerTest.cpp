@@ -111,5 +111,14 @@ TEST(Answers, NestedTooDeepCannotBeRead)
     EXPECT_FALSE(parseAnswer(nested(1000000)));
 }
 
+TEST(Answers, HoldAsManyValuesAsBeginInTheirText)
+{
+    EXPECT_EQ(1U, countValues("0"));
+    EXPECT_EQ(4U, countValues("[0,0,0]"));
+    EXPECT_EQ(4U, countValues(R"([{},[""]])"));
+    EXPECT_EQ(3U, countValues(R"({"a":1,"b":2})"));
+    EXPECT_EQ(3U, countValues(R"({"a,[{":"\",[{\\","b":"\\"})")); // nothing in a text counts
+}
+
 } // namespace
 } // namespace ovra::rest

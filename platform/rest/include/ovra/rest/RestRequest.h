@@ -37,9 +37,9 @@ enum REST_RESULT_E
 {
     REST_OK = 0,                    ///< an answer with an error object was received
     REST_NO_SESSION = 10001,        ///< no session is registered under the session key
-    REST_BAD_REQUEST = 10002,       ///< the request cannot be sent as given (URL, header value)
+    REST_BAD_REQUEST = 10002,       ///< it cannot be sent as given: URL, header value, head above 64 KiB
     REST_ANSWER_UNREADABLE = 10003, ///< not JSON, or no error object in it
-    REST_ANSWER_TOO_LARGE = 10004,  ///< header or body above the limit
+    REST_ANSWER_TOO_LARGE = 10004,  ///< headers above 256 KiB, body above 64 MiB or 4,000,000 values
     REST_INTERNAL_ERROR = 10005     ///< out of memory or another failure on this side
 };
 
@@ -73,7 +73,8 @@ public:
     /**
      * Sets a request header.
      * @param header which one.
-     * @param value outer blanks are not sent; CR, LF or NUL in it makes SendRequest return REST_BAD_REQUEST.
+     * @param value outer blanks are not sent; CR, LF or NUL in it, or more than 8 KiB, makes
+     *        SendRequest return REST_BAD_REQUEST.
      */
     void HeaderAddProperty(const HTTP_HEADER_E& header, const std::string& value);
 

@@ -35,8 +35,9 @@ public:
      * @param token value of the token header.
      * @param cookie value of the cookie header.
      * @param loggedIn true for a session that a login opened, false for an adopted one.
-     * @return false, and nothing is changed, when another live identity has the same low 32 bits, or when
-     *         a value cannot be sent (token or cookie with CR, LF or NUL).
+     * @return false, and nothing is changed (a session that the identity has stays in force), when another
+     *         live identity has the same low 32 bits, or when a value cannot be sent: a token or cookie with
+     *         CR, LF or NUL, or a token, cookie or device ID of more than 8 KiB.
      */
     virtual bool addUser(CDeviceManagerImpl* const& identity, const std::string& deviceId,
                          const std::string& ip, const unsigned int& port, const std::string& token,
