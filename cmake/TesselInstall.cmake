@@ -22,6 +22,11 @@ install(FILES ${PROJECT_SOURCE_DIR}/platform/log/Tessel_API.ini DESTINATION ${CM
 
 install(TARGETS OvraTesselAPI_static EXPORT OvraTesselTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+# The mocks are headers; their users bring gmock.
+add_library(OvraTesselMocks INTERFACE)
+set_target_properties(OvraTesselMocks PROPERTIES EXPORT_NAME TesselMocks)
+target_link_libraries(OvraTesselMocks INTERFACE OvraTesselAPI GTest::gmock)
+install(TARGETS OvraTesselMocks EXPORT OvraTesselTargets)
 # The headers of the platform libraries serve whoever builds a replacement of one.
 install(DIRECTORY include/tessel platform/log/include/ovra platform/rest/include/ovra
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h")

@@ -1,6 +1,6 @@
 // Works on a session that another program opened: no password is needed, and the session stays open.
 
-#include <tessel/Tessel.h>
+#include <tessel/Array.h>
 
 #include <cstdlib>
 #include <iostream>
@@ -15,15 +15,15 @@ int main(int argc, char** argv)
             << "usage: TESSEL_DEVICE_ID=... TESSEL_TOKEN=... TESSEL_COOKIE=... adopt_session ADDRESS PORT\n";
         return 2;
     }
-    CDeviceManager* const array = CDeviceManager::getInstance(3, 500000);
-    const unsigned int port = static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10));
-    int result = 1;
-    if (array->useConnection(argv[1], port, deviceId, token, cookie)) {
+    try {
+        ovra::tessel::Array array; // its end forgets the session, and does not end it
+        array.adopt(argv[1], std::strtoul(argv[2], nullptr, 10), deviceId, token, cookie);
         // Adopting sends nothing: this tells whether the session is alive.
-        const bool alive = array->keepAlive();
+        const bool alive = array.keepAlive();
         std::cout << (alive ? "the session is alive\n" : "the session has ended\n");
-        result = alive ? 0 : 1;
+        return alive ? 0 : 1;
+    } catch (const OvraAPIException& e) {
+        std::cerr << e.what() << "\n";
+        return 1;
     }
-    CDeviceManager::releaseInstance(array); // forgets the session, does not end it
-    return result;
 }

@@ -1,11 +1,13 @@
 // Reads a LUN and tells the four ways apart in which that can end: the LUN, no such LUN, an error of the
 // array, and no answer.
 
-#include <tessel/Tessel.h>
+#include <tessel/Array.h>
 
 #include <cstdlib>
 #include <iostream>
 #include <string>
+
+using ovra::tessel::Array;
 
 namespace {
 
@@ -20,10 +22,10 @@ enum Result
     NO_ANSWER = 5
 };
 
-Result readLun(CLunHandler& luns, const std::string& id)
+Result readLun(const Array& array, const std::string& id)
 {
     try {
-        const LunMO lun = luns.getLun(id);
+        const LunMO lun = array.luns()->getLun(id);
         if (lun.ID.empty()) { // some arrays answer so for an ID that they do not know
             std::cout << "there is no LUN " << id << "\n";
             return NOT_FOUND;
@@ -55,13 +57,12 @@ int main(int argc, char** argv)
         std::cerr << "usage: TESSEL_PASSWORD=... handle_errors ADDRESS PORT USER LUN-ID\n";
         return 2;
     }
-    CDeviceManager* const array = CDeviceManager::getInstance(3, 500000);
-    int result = 1;
-    if (array->loginDevice(argv[1], static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)), argv[3],
-                           password, USERTYPE_LOCAL)) {
-        result = readLun(*static_cast<CLunHandler*>(array->getHandler(LUN_HANDLER)), argv[4]);
-        array->logoutDevice();
+    try {
+        Array array;
+        array.login(argv[1], std::strtoul(argv[2], nullptr, 10), argv[3], password);
+        return readLun(array, argv[4]);
+    } catch (const OvraAPIException& e) {
+        std::cerr << e.what() << "\n";
+        return 1;
     }
-    CDeviceManager::releaseInstance(array);
-    return result;
 }

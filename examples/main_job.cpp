@@ -1,7 +1,7 @@
 // The main job of a backup application: attach a LUN to this host, find its disk, write and read it, and take
 // everything away again. Needs root, and a host whose iSCSI initiator is logged in to the array.
 
-#include <tessel/Tessel.h>
+#include <tessel/Array.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -12,20 +12,16 @@
 #include <unistd.h>
 #include <vector>
 
+using ovra::tessel::Array;
+
 namespace {
 
-const size_t BLOCK = 4096;
+const ssize_t BLOCK = 4096;
 const size_t BLOCKS = 256;
 
 void step(const std::string& text)
 {
     std::cout << "\n== " << text << std::endl;
-}
-
-template <class Handler>
-Handler& handlerOf(CDeviceManager& array, HANDLERTYPE type)
-{
-    return *static_cast<Handler*>(array.getHandler(type));
 }
 
 /** An open device, past the page cache: what is read is what the disk holds. */
@@ -34,50 +30,45 @@ class Device
 public:
     explicit Device(const std::string& path) : m_fd(open(path.c_str(), O_RDWR | O_DIRECT | O_CLOEXEC))
     {
-        if (m_fd < 0 || posix_memalign(&m_block, BLOCK, BLOCK) != 0) {
+        if (m_fd < 0) {
             throw std::runtime_error("cannot open " + path + ": are you root?");
         }
     }
-    ~Device()
-    {
-        close(m_fd);
-        std::free(m_block);
-    }
+    ~Device() { close(m_fd); }
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
 
     void write(size_t index)
     {
         fill(index);
-        check(pwrite(m_fd, m_block, BLOCK, offset(index)), "write");
+        check(pwrite(m_fd, m_block, BLOCK, offset(index)) == BLOCK, "write");
     }
     bool holds(size_t index)
     {
-        check(pread(m_fd, m_block, BLOCK, offset(index)), "read");
-        const std::vector<unsigned char> read(bytes(), bytes() + BLOCK);
+        check(pread(m_fd, m_block, BLOCK, offset(index)) == BLOCK, "read");
+        const std::vector<unsigned char> read(m_block, m_block + BLOCK);
         fill(index);
-        return std::equal(read.begin(), read.end(), bytes());
+        return std::equal(read.begin(), read.end(), m_block);
     }
-    void flush() { check(fsync(m_fd) == 0 ? static_cast<ssize_t>(BLOCK) : -1, "flush"); }
+    void flush() { check(fsync(m_fd) == 0, "flush"); }
 
 private:
-    unsigned char* bytes() { return static_cast<unsigned char*>(m_block); }
-    static off_t offset(size_t index) { return static_cast<off_t>(index * BLOCK); }
+    static off_t offset(size_t index) { return BLOCK * index; }
     void fill(size_t index)
     {
-        for (size_t i = 0; i < BLOCK; ++i) {
-            bytes()[i] = static_cast<unsigned char>(index * 31 + i * 7);
+        for (ssize_t i = 0; i < BLOCK; ++i) {
+            m_block[i] = (index * 31 + i * 7) % 256;
         }
     }
-    static void check(ssize_t done, const char* what)
+    static void check(bool done, const char* what)
     {
-        if (done != static_cast<ssize_t>(BLOCK)) {
+        if (!done) {
             throw std::runtime_error(std::string("cannot ") + what + " the device");
         }
     }
 
     int m_fd;
-    void* m_block = nullptr;
+    alignas(BLOCK) unsigned char m_block[BLOCK] = {}; // as reads and writes past the cache need it
 };
 
 void useDisk(const std::string& path)
@@ -97,10 +88,10 @@ void useDisk(const std::string& path)
     std::cout << "   all " << BLOCKS << " blocks are what was written" << std::endl;
 }
 
-std::string findDisk(CDiskScannerHandler& scanner, std::string lunId)
+std::string findDisk(const Array& array, const std::string& lunId)
 {
     step("Rescan this host and find the disk");
-    const std::string path = scanner.scanLunAfterAttach(lunId);
+    const std::string path = array.diskScanner().scanLunAfterAttach(lunId);
     if (path.empty()) {
         throw std::runtime_error("the disk was not found: see the run log");
     }
@@ -108,28 +99,25 @@ std::string findDisk(CDiskScannerHandler& scanner, std::string lunId)
     return path;
 }
 
-void mainJob(CDeviceManager& array, const std::string& pool, const std::string& initiator)
+void mainJob(const Array& array, const std::string& pool, const std::string& initiator)
 {
     step("Create a LUN of 64 MiB");
     LunMO wanted;
     wanted.NAME = "main_job_" + std::to_string(getpid());
     wanted.PARENTID = pool;
     wanted.CAPACITY = 64UL * 1024 * 1024;
-    const LunMO lun = handlerOf<CLunHandler>(array, LUN_HANDLER).createLun(wanted);
+    const LunMO lun = array.luns().createLun(wanted);
     std::cout << "   LUN " << lun.ID << ", WWN " << lun.WWN << std::endl;
 
-    CDiskAttachHandler& attach = handlerOf<CDiskAttachHandler>(array, DISKATTACH_HANDLER);
-    CDiskScannerHandler& scanner = handlerOf<CDiskScannerHandler>(array, DISKSCANNER_HANDLER);
     step("Attach it to " + initiator);
-    attach.attachLunToHost(lun.ID, initiator, "127.0.0.1");
+    array.diskAttach()->attachLunToHost(lun.ID, initiator, "127.0.0.1");
 
-    useDisk(findDisk(scanner, lun.ID));
+    useDisk(findDisk(array, lun.ID));
 
     step("Remove the device from this host");
-    std::string id = lun.ID;
-    scanner.scanLunBeforeDetach(id);
+    array.diskScanner().scanLunBeforeDetach(lun.ID);
     step("Detach the LUN");
-    attach.detachLunFromHost(lun.ID, initiator);
+    array.diskAttach()->detachLunFromHost(lun.ID, initiator);
 }
 
 } // namespace
@@ -141,20 +129,15 @@ int main(int argc, char** argv)
         std::cerr << "usage: TESSEL_PASSWORD=... main_job ADDRESS PORT USER POOL-ID INITIATOR-NAME\n";
         return 2;
     }
-    CDeviceManager* const array = CDeviceManager::getInstance(3, 500000);
-    int result = 1;
-    step("Log in");
-    if (array->loginDevice(argv[1], static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)), argv[3],
-                           password, USERTYPE_LOCAL)) {
-        try {
-            mainJob(*array, argv[4], argv[5]);
-            result = 0;
-        } catch (const std::exception& e) {
-            std::cerr << "   " << e.what() << std::endl;
-        }
+    try {
+        Array array; // ends the session with its scope, whatever happens
+        step("Log in");
+        array.login(argv[1], std::strtoul(argv[2], nullptr, 10), argv[3], password);
+        mainJob(array, argv[4], argv[5]);
         step("Log out");
-        array->logoutDevice();
+        return array.logout() ? 0 : 1;
+    } catch (const std::exception& e) {
+        std::cerr << "   " << e.what() << std::endl;
+        return 1;
     }
-    CDeviceManager::releaseInstance(array);
-    return result;
 }

@@ -1,9 +1,12 @@
 // Prints every field of an initiator that is set, by walking over the record: its fields are not written out.
 
-#include <tessel/Tessel.h>
+#include <tessel/Array.h>
+#include <tessel/Fields.h>
 
 #include <cstdlib>
 #include <iostream>
+
+using ovra::tessel::Array;
 
 namespace {
 
@@ -26,19 +29,13 @@ int main(int argc, char** argv)
         std::cerr << "usage: TESSEL_PASSWORD=... print_record ADDRESS PORT USER INITIATOR-NAME\n";
         return 2;
     }
-    CDeviceManager* const array = CDeviceManager::getInstance(3, 500000);
-    int result = 1;
-    if (array->loginDevice(argv[1], static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)), argv[3],
-                           password, USERTYPE_LOCAL)) {
-        try {
-            print(static_cast<CIscsiInitiatorHandler*>(array->getHandler(ISCSIINITIATOR_HANDLER))
-                      ->getIscsiInitiator(argv[4]));
-            result = 0;
-        } catch (const OvraAPIException& e) {
-            std::cerr << e.what() << "\n";
-        }
-        array->logoutDevice();
+    try {
+        Array array;
+        array.login(argv[1], std::strtoul(argv[2], nullptr, 10), argv[3], password);
+        print(array.iscsiInitiators()->getIscsiInitiator(argv[4]));
+        return 0;
+    } catch (const OvraAPIException& e) {
+        std::cerr << e.what() << "\n";
+        return 1;
     }
-    CDeviceManager::releaseInstance(array);
-    return result;
 }

@@ -4,6 +4,7 @@
 /** @file
  * Everything that the SDK exports. */
 
+#include <tessel/Array.h>
 #include <tessel/DeviceManager.h>
 #include <tessel/DiskAttach.h>
 #include <tessel/DiskScanner.h>
@@ -20,5 +21,6 @@
 #include <tessel/LunGroup.h>
 #include <tessel/MappingView.h>
 #include <tessel/Snapshot.h>
+#include <tessel/Version.h>
 
 #endif
