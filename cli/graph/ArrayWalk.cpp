@@ -17,8 +17,16 @@ std::vector<Record> listed(Session& session, const char* title,
                            std::vector<Record> (Handler::*list)(const std::string&, Query&),
                            const std::string& id)
 {
-    return readAllPages<Record>(Query(), title,
-                                [&](Query& page) { return (session.handler<Handler>().*list)(id, page); });
+    std::vector<Record> all;
+    Progress progress(std::string("reading ") + title + "s");
+    readPages<Record>(
+        Query(), std::numeric_limits<size_t>::max(),
+        [&](Query& page) { return (session.handler<Handler>().*list)(id, page); },
+        [&](const std::vector<Record>& page, size_t soFar) {
+            all.insert(all.end(), page.begin(), page.end());
+            progress.update(std::to_string(soFar) + " so far");
+        });
+    return all;
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 namespace tesselctl {
 
 /** A tree for the terminal that begins with a node and runs away from it. */
-std::string drawTree(const Graph& graph, size_t root, bool unicode);
+std::string drawTree(const Graph& graph, size_t root, bool ascii);
 
 /** Text for Graphviz. */
 std::string drawDot(const Graph& graph);

@@ -45,7 +45,7 @@ std::string number(double value)
 std::string shortened(const std::string& text)
 {
     const std::string whole = printable(text);
-    if (displayWidth(whole) <= CHARACTERS_IN_BOX) {
+    if (cutTo(whole, CHARACTERS_IN_BOX) == whole) {
         return whole;
     }
     // Cut between characters, from the front and from the back.

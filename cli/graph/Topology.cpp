@@ -1,6 +1,5 @@
 #include "graph/ArrayWalk.h"
 #include "graph/Drawings.h"
-#include "text/Display.h"
 
 namespace tesselctl {
 namespace {
@@ -38,7 +37,7 @@ std::string drawn(const Context& context, const Graph& graph, size_t root)
     if (format == "svg") {
         return drawSvg(graph);
     }
-    return drawTree(graph, root, isUtf8Terminal() && !context.has("--ascii"));
+    return drawTree(graph, root, context.has("--ascii"));
 }
 
 void topology(Context& context)

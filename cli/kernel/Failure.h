@@ -1,6 +1,7 @@
 #ifndef KERNEL_FAILURE_H
 #define KERNEL_FAILURE_H
 
+#include <cerrno>
 #include <stdexcept>
 #include <string>
 
@@ -48,6 +49,21 @@ public:
 
 private:
     int m_arrayCode;
+};
+
+/** Standard output takes no more. */
+class OutputLost : public Failure
+{
+public:
+    /** @param error the errno of the write; EPIPE: nobody reads any more, which is no mistake. */
+    explicit OutputLost(int error)
+        : Failure("the result could not be written to standard output"), m_isUnread(error == EPIPE)
+    {
+    }
+    bool isUnread() const { return m_isUnread; }
+
+private:
+    bool m_isUnread;
 };
 
 } // namespace tesselctl

@@ -3,7 +3,9 @@
 
 #include "objects/ObjectKind.h"
 #include "output/Progress.h"
+#include "output/RecordList.h"
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 #include <set>
@@ -17,6 +19,8 @@ struct Source
     Option option; ///< without a name: all objects of the array
     std::function<std::vector<Record>(Session&, const std::string& id, Query&)> read;
     bool paged = true; ///< filters and pages count
+    /** " of at most 512", where the array can tell; costs requests of its own. */
+    std::function<std::string(Session&, const std::string& id)> total = nullptr;
 };
 
 template <class Record, class Query, class Handler>
@@ -42,6 +46,16 @@ Source<Record, Query> byOne(const char* option, const char* value, const char* o
             false};
 }
 
+/** A LUN group tells how many LUNs and snapshots it holds. */
+template <class Record, class Query>
+Source<Record, Query> ofGroup(Source<Record, Query> source)
+{
+    source.total = [](Session& session, const std::string& id) {
+        return " of at most " + std::to_string(session.handler<CLunGroupHandler>().getObjNOFromLunGroup(id));
+    };
+    return source;
+}
+
 template <class Record, class Query, class Handler>
 Source<Record, Query> everything(std::vector<Record> (Handler::*list)(Query&))
 {
@@ -51,29 +65,27 @@ Source<Record, Query> everything(std::vector<Record> (Handler::*list)(Query&))
 }
 
 /**
- * Reads a long list page by page. An object that two pages hold, because the list moved or because the array
- * counts the end of a range in, is taken once; a page that brings nothing new ends the list.
+ * Reads a list page by page to its end, or to `limit` objects, and hands each page on as soon as it is there.
+ * An object that two pages hold, because the list moved or because the array counts the end of a range in, is
+ * taken once; a page that brings nothing new ends the list.
  */
-template <class Record, class Query, class ReadPage>
-std::vector<Record> readAllPages(Query query, const std::string& title, ReadPage readPage)
+template <class Record, class Query, class ReadPage, class Use>
+void readPages(Query query, size_t limit, ReadPage readPage, Use use)
 {
-    const unsigned long pageSize = 100;
-    std::vector<Record> all;
+    constexpr size_t PAGE_SIZE = 100;
     std::set<std::string> seen;
-    Progress progress("reading " + title + "s");
-    query.count = pageSize;
-    for (bool more = true; more; query.start += pageSize) {
+    for (bool more = limit > 0; more; query.start += query.count) {
+        query.count = std::min(PAGE_SIZE, limit - seen.size());
         const std::vector<Record> page = readPage(query);
-        more = false;
+        std::vector<Record> fresh;
         for (const auto& record : page) {
-            if (seen.insert(record.ID).second) {
-                all.push_back(record);
-                more = page.size() >= pageSize;
+            if (seen.size() < limit && seen.insert(record.ID).second) {
+                fresh.push_back(record);
             }
         }
-        progress.update(std::to_string(all.size()) + " so far");
+        more = !fresh.empty() && page.size() >= query.count && seen.size() < limit;
+        use(fresh, seen.size());
     }
-    return all;
 }
 
 constexpr const char* START_OPTION = "--start";
@@ -112,20 +124,32 @@ Command listCommand(const ObjectKind& kind, const std::vector<Source<Record, Que
         if (!source->paged) {
             refuseQuery(context, optionsOf(filters), sourceName);
         }
-        checkColumns(fieldsOf(Record()), chosenColumns(context, kind));
+        RecordList list(context.printer(), chosenColumns(context, kind), fieldsOf(Record()));
         Query query;
         apply(filters, context.values(), query.filter);
         query.start = parseNumber(START_OPTION, context.text(START_OPTION, "0"), 0, ULONG_MAX / 2);
-        query.count = parseNumber(COUNT_OPTION, context.text(COUNT_OPTION, "0"), 0, ULONG_MAX / 2);
-        const auto read = [&](Query& page) {
-            return source->read(context.session(), context.text(sourceName), page);
+        const size_t limit = context.has(COUNT_OPTION)
+                                 ? parseNumber(COUNT_OPTION, context.text(COUNT_OPTION), 0, ULONG_MAX / 2)
+                                 : std::numeric_limits<size_t>::max();
+        Progress progress("reading " + kind.title + "s");
+        const std::string id = context.text(sourceName);
+        const std::string total =
+            source->total && progress.isShown() ? source->total(context.session(), id) : "";
+        const auto read = [&](Query& page) { return source->read(context.session(), id, page); };
+        const auto use = [&](const std::vector<Record>& page, size_t soFar) {
+            std::vector<Row> rows;
+            for (const auto& record : page) {
+                rows.push_back(fieldsOf(record));
+            }
+            progress.update(std::to_string(soFar) + " so far" + total, [&] { list.add(rows); });
         };
-        const bool onePage = context.has(COUNT_OPTION) || !source->paged;
-        std::vector<Row> rows;
-        for (const auto& record : onePage ? read(query) : readAllPages<Record>(query, kind.title, read)) {
-            rows.push_back(fieldsOf(record));
+        if (source->paged) {
+            readPages<Record>(query, limit, read, use);
+        } else {
+            const auto all = read(query);
+            use(all, all.size());
         }
-        context.printer().records(rows, chosenColumns(context, kind), kind.title);
+        list.end(kind.title);
     };
     return command;
 }

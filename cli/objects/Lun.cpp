@@ -87,10 +87,11 @@ Commands lunCommands()
     return {
         createCommand(lun, newLun(), &CLunHandler::createLun, {}, complete),
         showCommand(lun, &CLunHandler::getLun),
-        listCommand<LunMO, LunQuery>(lun,
-                                     {by("--group", "ID", "LUN group", &CLunHandler::getLunByLunGroup),
-                                      by("--host", "ID", "host", &CLunHandler::getLunByHost)},
-                                     filters()),
+        listCommand<LunMO, LunQuery>(
+            lun,
+            {ofGroup(by("--group", "ID", "LUN group", &CLunHandler::getLunByLunGroup)),
+             by("--host", "ID", "host", &CLunHandler::getLunByHost)},
+            filters()),
     };
 }
 

@@ -26,7 +26,7 @@ Commands snapshotCommands()
         showCommand(snapshot, &CSnapshotHandler::getSnapshot),
         listCommand<SnapshotMO, SnapshotQuery>(
             snapshot,
-            {by("--group", "ID", "LUN group", &CSnapshotHandler::getSnapshotByLunGroup),
+            {ofGroup(by("--group", "ID", "LUN group", &CSnapshotHandler::getSnapshotByLunGroup)),
              by("--host", "ID", "host", &CSnapshotHandler::getSnapshotByHost)},
             filters()),
     };

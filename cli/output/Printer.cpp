@@ -1,15 +1,14 @@
 #include "output/Printer.h"
 
 #include "kernel/Failure.h"
-#include "output/Table.h"
 #include "text/Display.h"
 #include "text/Numbers.h"
-#include "text/Words.h"
 
 #include <json/writer.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <iostream>
 
 namespace tesselctl {
@@ -18,28 +17,6 @@ namespace {
 /** Fields that hold bytes. */
 constexpr std::array<const char*, 2> BYTE_FIELDS = {"CAPACITY", "ALLOCCAPACITY"};
 
-TableLine titlesOf(const Row& row, const std::vector<std::string>& columns)
-{
-    if (columns != std::vector<std::string>{"*"}) {
-        return columns;
-    }
-    TableLine titles;
-    for (const auto& field : row) {
-        titles.push_back(field.name);
-    }
-    return titles;
-}
-
-const RecordField& fieldOf(const Row& row, const std::string& name)
-{
-    const auto found =
-        std::find_if(row.begin(), row.end(), [&](const RecordField& f) { return f.name == name; });
-    if (found == row.end()) {
-        throw UsageError("there is no column '" + name + "'; choose from " + joined(titlesOf(row, {"*"})));
-    }
-    return *found;
-}
-
 Json::Value numberOf(const std::string& text)
 {
     return text[0] == '-' ? Json::Value(Json::Int64(std::stoll(text)))
@@ -47,13 +24,6 @@ Json::Value numberOf(const std::string& text)
 }
 
 } // namespace
-
-void checkColumns(const Row& row, const std::vector<std::string>& columns)
-{
-    for (const auto& column : titlesOf(row, columns)) {
-        fieldOf(row, column);
-    }
-}
 
 std::string humanValue(const RecordField& field, bool inTable)
 {
@@ -99,7 +69,7 @@ std::string jsonText(const Json::Value& value, bool indented)
     Json::StreamWriterBuilder builder;
     builder["indentation"] = indented ? "  " : "";
     builder["emitUTF8"] = true;
-    return Json::writeString(builder, value);
+    return plainJson(Json::writeString(builder, value));
 }
 
 void Printer::record(const Row& row)
@@ -116,29 +86,17 @@ void Printer::record(const Row& row)
     result(text, toJson(row));
 }
 
-void Printer::records(const std::vector<Row>& rows, const std::vector<std::string>& columns,
-                      const std::string& title)
-{
-    Json::Value array(Json::arrayValue);
-    std::vector<TableLine> lines;
-    for (const auto& row : rows) {
-        lines.resize(std::max<size_t>(lines.size(), 1));
-        lines[0] = titlesOf(row, columns);
-        TableLine line;
-        for (const auto& column : lines[0]) {
-            line.push_back(humanValue(fieldOf(row, column), true));
-        }
-        lines.push_back(line);
-        array.append(toJson(row));
-    }
-    result(rows.empty() ? "No " + title + "s.\n" : layOut(lines, terminalWidth()), array);
-}
-
 void Printer::result(const std::string& text, const Json::Value& json)
 {
-    std::cout << (m_json ? jsonText(json, true) + "\n" : text) << std::flush;
+    write(m_json ? jsonText(json, true) + "\n" : text);
+}
+
+void Printer::write(const std::string& text)
+{
+    errno = 0;
+    std::cout << text << std::flush;
     if (!std::cout) {
-        throw Failure("the result could not be written to standard output");
+        throw OutputLost(errno);
     }
 }
 

@@ -24,12 +24,11 @@ public:
     /** One record: a line for each field, or a JSON object. */
     void record(const Row& row);
 
-    /** A table with the named columns ("*" alone: every field), or a JSON array of whole records. */
-    void records(const std::vector<Row>& rows, const std::vector<std::string>& columns,
-                 const std::string& title);
-
     /** A result that is no record: the text, or the JSON value. */
     void result(const std::string& text, const Json::Value& json);
+
+    /** A part of a result, as it is. Throws OutputLost when it cannot be written. */
+    void write(const std::string& text);
 
     /** Something to know beside the result; one line on standard error, as JSON {"note": ...}. */
     void note(const std::string& text) const;
@@ -46,9 +45,6 @@ Json::Value toJson(const Row& row);
 
 /** One line of compact JSON, or an indented text. */
 std::string jsonText(const Json::Value& value, bool indented);
-
-/** Throws UsageError when the record has no field of a column's name. */
-void checkColumns(const Row& row, const std::vector<std::string>& columns);
 
 /** The value of a field for people: "-" when unset, capacities with their size in words. */
 std::string humanValue(const RecordField& field, bool inTable);

@@ -3,33 +3,35 @@
 #include "text/Display.h"
 
 #include <csignal>
-#include <iostream>
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tesselctl {
 namespace {
 
-constexpr const char* CLEAR_LINE = "\r\033[K";
+const std::string CLEAR_LINE = "\r\033[K";
 
-size_t columns()
+size_t columns(int terminal)
 {
     winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 80;
+    return ioctl(terminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 80;
 }
 
 } // namespace
 
-Progress::Progress(std::string work) : m_work(std::move(work))
+Progress::Progress(std::string work)
+    : m_work(std::move(work)),
+      m_terminal(isatty(STDERR_FILENO) == 0 ? -1 : fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
 {
-    if (isatty(STDERR_FILENO) != 0) {
+    if (m_terminal >= 0) {
         m_thread = std::thread([this] { show(); });
     }
 }
 
 Progress::~Progress()
 {
-    if (!m_thread.joinable()) {
+    if (!isShown()) {
         return;
     }
     {
@@ -38,15 +40,31 @@ Progress::~Progress()
     }
     m_ended.notify_all();
     m_thread.join();
-    if (m_isShown) {
-        std::cerr << CLEAR_LINE << std::flush;
-    }
+    clear();
+    close(m_terminal);
 }
 
-void Progress::update(const std::string& state)
+void Progress::update(const std::string& state, const std::function<void()>& print)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_state = state;
+    if (print) {
+        clear();
+        print();
+    }
+}
+
+void Progress::clear()
+{
+    if (m_isDrawn) {
+        write(CLEAR_LINE);
+    }
+    m_isDrawn = false;
+}
+
+void Progress::write(const std::string& text) const
+{
+    [[maybe_unused]] const ssize_t written = ::write(m_terminal, text.data(), text.size());
 }
 
 void Progress::show()
@@ -63,12 +81,12 @@ void Progress::show()
 
 void Progress::draw()
 {
-    m_isShown = true;
+    m_isDrawn = true;
     const auto elapsed = std::chrono::steady_clock::now() - m_begin;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
     const std::string text =
         m_work + (m_state.empty() ? "" : ", " + m_state) + ", " + std::to_string(seconds) + " s";
-    std::cerr << CLEAR_LINE << cutTo(printable(text), columns() - 1) << std::flush;
+    write(CLEAR_LINE + cutTo(printable(text), columns(m_terminal) - 1));
 }
 
 } // namespace tesselctl

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -21,12 +22,17 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /** How far the work is: "300 so far". */
-    void update(const std::string& state);
+    /** Whether anybody can see it. */
+    bool isShown() const { return m_terminal >= 0; }
+
+    /** How far the work is: "300 so far". What prints meanwhile has the line to itself. */
+    void update(const std::string& state, const std::function<void()>& print = nullptr);
 
 private:
     void show();
     void draw();
+    void clear();
+    void write(const std::string& text) const;
 
     std::string m_work;
     std::string m_state;
@@ -34,7 +40,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_ended;
     bool m_isOver = false;
-    bool m_isShown = false;
+    bool m_isDrawn = false;
+    int m_terminal; ///< the standard error of the beginning; -1: none
     std::thread m_thread;
 };
 

@@ -1,85 +1,52 @@
 #include "output/Table.h"
 
-#include "text/Display.h"
+#include "output/SmartTable.h"
 
 #include <algorithm>
-#include <numeric>
-#include <sys/ioctl.h>
-#include <unistd.h>
+#include <array>
 
 namespace tesselctl {
 namespace {
 
-constexpr size_t GAP = 2;
-constexpr size_t NARROWEST = 6;
+constexpr std::array<const char*, 3> CUT_WHEN_NARROW = {"NAME", "DESCRIPTION", "LOCATION"};
 
 bool isNumber(const std::string& text)
 {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-/**
- * Takes from the widest column until everything fits; a table that cannot fit is left whole, to be wrapped.
- */
-void shrink(std::vector<size_t>& widths, size_t width)
+bool holdsNumbers(const std::vector<TableLine>& lines, size_t column)
 {
-    const size_t gaps = GAP * (widths.size() - 1);
-    const std::vector<size_t> whole = widths;
-    while (std::accumulate(widths.begin(), widths.end(), gaps) > width) {
-        const auto widest = std::max_element(widths.begin(), widths.end());
-        if (*widest <= NARROWEST) {
-            widths = whole;
-            return;
-        }
-        --*widest;
-    }
-}
-
-std::string padded(const std::string& text, size_t width, bool right)
-{
-    const std::string blanks(width - std::min(width, displayWidth(text)), ' ');
-    return right ? blanks + text : text + blanks;
+    return std::all_of(lines.begin(), lines.end(),
+                       [&](const TableLine& line) { return isNumber(line[column]) || line[column] == "-"; });
 }
 
 } // namespace
 
-std::string layOut(const std::vector<TableLine>& lines, size_t width)
+std::string Table::part(const std::vector<TableLine>& lines)
 {
-    if (lines.empty()) {
-        return "";
+    const bool isFirst = m_columns.empty();
+    m_columns.resize(m_titles.size());
+    SmartTable table;
+    scols_table_enable_noheadings(table.get(), isFirst ? 0 : 1);
+    scols_table_set_column_separator(table.get(), "  ");
+    for (size_t i = 0; i < m_titles.size(); ++i) {
+        m_columns[i].right = isFirst ? holdsNumbers(lines, i) : m_columns[i].right;
+        const bool yields =
+            std::find(CUT_WHEN_NARROW.begin(), CUT_WHEN_NARROW.end(), m_titles[i]) != CUT_WHEN_NARROW.end();
+        scols_table_new_column(table.get(), m_titles[i].c_str(), m_columns[i].width,
+                               (m_columns[i].right ? SCOLS_FL_RIGHT : 0) | (yields ? SCOLS_FL_TRUNC : 0) |
+                                   (isFirst ? 0 : SCOLS_FL_STRICTWIDTH));
     }
-    std::vector<size_t> widths(lines[0].size(), 0);
-    std::vector<bool> right(lines[0].size(), lines.size() > 1);
-    for (size_t line = 0; line < lines.size(); ++line) {
-        for (size_t column = 0; column < widths.size(); ++column) {
-            const std::string& text = lines[line][column];
-            widths[column] = std::max(widths[column], displayWidth(text));
-            right[column] = right[column] && (line == 0 || isNumber(text) || text == "-");
-        }
-    }
-    if (width != 0) {
-        shrink(widths, width);
-    }
-    std::string result;
     for (const auto& line : lines) {
-        std::string text;
-        for (size_t column = 0; column < widths.size(); ++column) {
-            text += padded(cutTo(line[column], widths[column]), widths[column], right[column]);
-            text += std::string(GAP, ' ');
-        }
-        text.erase(text.find_last_not_of(' ') + 1);
-        result += text + "\n";
+        table.addLine(nullptr, line);
     }
-    return result;
-}
-
-size_t terminalWidth()
-{
-    winsize size{};
-    if (isatty(STDOUT_FILENO) == 0 || ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0) {
-        return 0;
+    const std::string text = table.text();
+    for (size_t i = 0; i < m_titles.size(); ++i) {
+        const auto width = scols_column_get_width(scols_table_get_column(table.get(), i));
+        m_columns[i].width = std::max(m_columns[i].width, static_cast<double>(width));
     }
-    return size.ws_col;
+    return text;
 }
 
 } // namespace tesselctl

@@ -6,18 +6,32 @@
 
 namespace tesselctl {
 
-/** One line of a table; the first line holds the titles. */
+/** One line of a table. */
 using TableLine = std::vector<std::string>;
 
 /**
- * Lays lines out in aligned columns of printable text. Columns that hold nothing but numbers stand to the
- * right.
- * @param width columns of the terminal, 0 for no limit; wider tables get their widest columns cut.
+ * Printable texts in aligned columns, which may come in parts. Columns that hold nothing but numbers stand to
+ * the right. On a terminal that is too narrow names and descriptions are cut, nothing else.
  */
-std::string layOut(const std::vector<TableLine>& lines, size_t width);
+class Table
+{
+public:
+    explicit Table(TableLine titles) : m_titles(std::move(titles)) {}
 
-/** Columns of the terminal on standard output; 0 when it is none. */
-size_t terminalWidth();
+    /** The text of the next lines, after the titles where they are the first. */
+    std::string part(const std::vector<TableLine>& lines);
+
+private:
+    /** What a part leaves to the next, so that columns stay where they are. */
+    struct Column
+    {
+        double width = 0; ///< 0: not known yet
+        bool right = false;
+    };
+
+    TableLine m_titles;
+    std::vector<Column> m_columns;
+};
 
 } // namespace tesselctl
 

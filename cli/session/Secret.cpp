@@ -2,6 +2,9 @@
 
 #include "kernel/Failure.h"
 
+#include <array>
+#include <bsd/readpassphrase.h>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -31,6 +34,22 @@ std::string secretFromFile(const std::string& option, const std::string& path)
         throw UsageError(option + " " + path + ": the first line is to hold the secret, but it is empty");
     }
     return line;
+}
+
+std::string askSecret(const std::string& question)
+{
+    std::array<char, 4096> typed{};
+    const char* answer = readpassphrase(question.c_str(), typed.data(), typed.size(), RPP_REQUIRE_TTY);
+    const std::string secret = answer == nullptr ? "" : answer;
+    explicit_bzero(typed.data(), typed.size());
+    if (answer == nullptr && errno == ENOTTY) {
+        throw UsageError(
+            "there is no terminal to ask for the password: give --password-file or TESSEL_PASSWORD");
+    }
+    if (secret.empty() || secret.size() + 1 == typed.size()) {
+        throw UsageError(secret.empty() ? "no password was typed" : "the password is too long");
+    }
+    return secret;
 }
 
 std::string environment(const char* name)

@@ -13,19 +13,17 @@ namespace tesselctl {
  */
 std::string printable(const std::string& text);
 
-/** The same for JSON, which has escapes of its own: only bytes that are not UTF-8 are replaced. */
+/** A printable text as the locale of this process can show it: without UTF-8 only ASCII stays as it is. */
+std::string inLocale(const std::string& text);
+
+/** Bytes that are not UTF-8 are replaced; for JSON, which has escapes of its own. */
 std::string validUtf8(const std::string& text);
 
-/** Columns that a printable text takes on a terminal. */
-size_t displayWidth(const std::string& text);
+/** JSON in which control characters and those that turn the writing direction are escapes. */
+std::string plainJson(const std::string& json);
 
-/**
- * The text cut to `width` columns; what was cut ends in "~" (or an ellipsis where the terminal shows one).
- */
+/** A printable text cut to `width` columns of a terminal; what was cut ends in "~". */
 std::string cutTo(const std::string& text, size_t width);
-
-/** Whether the locale of this process writes UTF-8. */
-bool isUtf8Terminal();
 
 } // namespace tesselctl
 

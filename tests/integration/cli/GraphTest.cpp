@@ -147,13 +147,12 @@ TEST_F(MappingTest, ExplainOfWhatTheArrayDoesNotKnowEndsWithCode4)
 TEST_F(MappingTest, TopologyIsDrawnAsATree)
 {
     bindAll();
-    const std::string forward = "initiator " + iqn + "\n└─ host " + host + " (web1)\n   └─ host group " +
-                                hostGroup + " (hosts)\n      └─ view " + view +
-                                " (view)\n         └─ LUN group " + lunGroup +
-                                " (luns)\n            └─ LUN " + lun + " (db01)\n";
+    const std::string forward = "initiator " + iqn + "\n└─host " + host + " (web1)\n  └─host group " +
+                                hostGroup + " (hosts)\n    └─view " + view + " (view)\n      └─LUN group " +
+                                lunGroup + " (luns)\n        └─LUN " + lun + " (db01)\n";
     EXPECT_EQ(expect(0, {"topology", "--initiator", iqn}).out, forward);
-    const std::string back = "LUN " + lun + " (db01)\n`- LUN group " + lunGroup + " (luns)\n   `- view " +
-                             view + " (view)\n      `- host group " + hostGroup + " (hosts)\n";
+    const std::string back = "LUN " + lun + " (db01)\n`-LUN group " + lunGroup + " (luns)\n  `-view " + view +
+                             " (view)\n    `-host group " + hostGroup + " (hosts)\n";
     EXPECT_EQ(expect(0, {"topology", "--lun", lun, "--ascii"}).out, back);
     expect(4, {"topology", "--host", "99"});
 }

@@ -1,5 +1,7 @@
 #include "Cli.h"
 
+#include <algorithm>
+
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -87,6 +89,50 @@ TEST_F(MappingTest, TablesAreAlignedAndShowTheColumnsAskedFor)
               "NAME  CAPACITY  ALLOCTYPE\ndb01  1 MiB             0\n");
     EXPECT_THAT(expect(0, {"lun", "list", "--group", lunGroup, "--columns", "all"}).out,
                 HasSubstr("WORKINGCONTROLLER"));
+}
+
+TEST_F(MappingTest, TablesHoldNamesOfAnyScriptAndNothingThatSteersTheTerminal)
+{
+    expect(0, {"lungroup", "add", lunGroup, "--lun", lun});
+    Json::Value fault(Json::objectValue);
+    fault["method"] = "GET";
+    fault["path"] = "/lun/" + lun;
+    fault["action"] = "answer";
+    fault["count"] = 3;
+    fault["body"] = R"({"data":{"ID":")" + lun +
+                    R"(","NAME":"日本\u001b[2J\u009b\u202e","CAPACITY":"2048"},"error":{"code":0}})";
+    array.addFault(fault);
+    const Words list = {"lun", "list", "--group", lunGroup, "--columns", "NAME,ID"};
+    EXPECT_EQ(expect(0, list).out,
+              "NAME                     ID\n日本\\x1B[2J\\x9B\\u{202E}   " + lun + "\n");
+    EXPECT_THAT(cli.json(list).out, HasSubstr("日本\\u001b[2J\\u009B\\u202E\""));
+    cli.environment["LC_ALL"] = "C";
+    EXPECT_THAT(expect(0, list).out, HasSubstr("\\u{65E5}\\u{672C}\\x1B[2J"));
+}
+
+TEST_F(MappingTest, ACountIsTheMostThatIsListed)
+{
+    array.bulkLuns(130, lunGroup);
+    const auto listed = [&](const char* count) {
+        return cli.json({"lun", "list", "--group", lunGroup, "--count", count}).json().size();
+    };
+    EXPECT_EQ(listed("0"), 0U);
+    EXPECT_EQ(listed("1"), 1U);
+    EXPECT_EQ(listed("120"), 120U) << "more than a page";
+    EXPECT_EQ(listed("200"), 130U);
+    EXPECT_EQ(expect(0, {"lun", "list", "--group", lunGroup, "--count", "0"}).out, "No LUNs.\n");
+}
+
+TEST_F(MappingTest, AListComesOutAsItIsReadAndItsJsonEndsOnlyWhenItIsWhole)
+{
+    const auto ids = array.bulkLuns(150, lunGroup);
+    array.addErrorFault("GET", "/lun/" + ids[140], 1077000001, 2);
+    const Outcome text = expect(3, {"lun", "list", "--group", lunGroup});
+    EXPECT_EQ(std::count(text.out.begin(), text.out.end(), '\n'), 101) << "the titles and the first page";
+    const Outcome json = cli.json({"lun", "list", "--group", lunGroup});
+    EXPECT_EQ(json.exitCode, 3);
+    EXPECT_EQ(json.out.front(), '[');
+    EXPECT_EQ(json.out.find("\n]"), std::string::npos);
 }
 
 TEST_F(MappingTest, AttachMakesTheLunVisibleAndDetachTakesItAway)

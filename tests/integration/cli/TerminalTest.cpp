@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <pty.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -17,14 +18,22 @@ namespace {
 class Terminal
 {
 public:
-    explicit Terminal(const tessel_test::ArraySim& array, const std::string& command)
+    explicit Terminal(const tessel_test::ArraySim& array, const std::string& command,
+                      unsigned short columns = 80)
     {
+        winsize size{};
+        size.ws_row = 24;
+        size.ws_col = columns;
         const std::string place = array.ip() + ":" + std::to_string(array.port());
-        m_child = forkpty(&m_master, nullptr, nullptr, nullptr);
+        m_child = forkpty(&m_master, nullptr, nullptr, &size);
         if (m_child < 0) {
             throw std::system_error(errno, std::generic_category(), "no terminal of its own");
         }
         if (m_child == 0) {
+            // Whoever runs the tests in the background ignores these, and the shell could not undo that.
+            signal(SIGINT, SIG_DFL);
+            signal(SIGQUIT, SIG_DFL);
+            setenv("LC_ALL", "C.UTF-8", 1);
             // A shell keeps the terminal open behind tesselctl, so that its modes can be looked at.
             const std::string line = std::string(TESSELCTL) + " " + command + " --array " + place +
                                      " --user " + array.user() + " --ca-file " + array.caFile() +
@@ -94,6 +103,26 @@ TEST_F(CliTest, LongWorkTellsOnATerminalWhatItDoesAndForHowLong)
     terminal.await("reading FC ports, ");
     terminal.await("ended 0");
     EXPECT_THAT(terminal.shown(), HasSubstr("LOCATION"));
+}
+
+TEST_F(MappingTest, ANarrowTerminalCutsTheNameAndNeverTheWwn)
+{
+    const std::string name = "a-name-of-a-lun-that-is-much-too-long";
+    const std::string id = make({"lun", "create", "--name", name, "--pool", "0", "--size", "1GiB"});
+    expect(0, {"lungroup", "add", lunGroup, "--lun", id});
+    const std::string wwn = cli.json({"lun", "show", id}).json()["WWN"].asString();
+    const Folder folder;
+    const std::string list =
+        "lun list --group " + lunGroup + " --password-file " + folder.write("password", array.password());
+    Terminal narrow(array, list, 75);
+    narrow.await("ended 0");
+    EXPECT_THAT(narrow.shown(), HasSubstr(" " + wwn + "\r\n"));
+    EXPECT_THAT(narrow.shown(), HasSubstr("a-name"));
+    EXPECT_THAT(narrow.shown(), Not(HasSubstr(name)));
+    Terminal wide(array, list, 160);
+    wide.await("ended 0");
+    EXPECT_THAT(wide.shown(), HasSubstr(name));
+    EXPECT_THAT(expect(0, {"lun", "list", "--group", lunGroup}).out, HasSubstr(name)) << "no terminal";
 }
 
 TEST_F(CliTest, AnInterruptedQuestionGivesTheTerminalItsEchoBack)
