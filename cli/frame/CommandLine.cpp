@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <clocale>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace tesselctl {
 namespace {
@@ -55,6 +58,43 @@ void tellUnreached(const ArrayAddress& array)
     }
 }
 
+void requireOutput()
+{
+    const bool isClosed = fcntl(STDOUT_FILENO, F_GETFD) < 0;
+    // The place of a closed one would go to the next file or connection, and what is printed with it.
+    int descriptor = 0;
+    while ((descriptor = open("/dev/null", O_RDWR)) >= 0 && descriptor <= STDERR_FILENO) {
+    }
+    close(descriptor);
+    if (isClosed) {
+        throw Failure("standard output is closed");
+    }
+}
+
+/** As a process ends that does not look after SIGPIPE. */
+int endUnread()
+{
+    if (std::signal(SIGPIPE, SIG_DFL) != SIG_IGN) {
+        std::raise(SIGPIPE);
+    }
+    return 128 + SIGPIPE;
+}
+
+/** False where the line asks for help or the version, which is printed then. */
+bool parse(Parser& parser, int argc, char** argv, Printer& printer)
+{
+    try {
+        parser.parse(argc, argv);
+        return true;
+    } catch (const CLI::ParseError& error) {
+        if (parser.answer(error, printer)) {
+            return false;
+        }
+        const std::string word = parser.unknownWord();
+        throw UsageError(word.empty() ? oneLine(error.what()) : "there is no command '" + word + "'");
+    }
+}
+
 ExitCode runCommand(const Parser& parser, Printer& printer)
 {
     const Values values = parser.values();
@@ -80,15 +120,11 @@ int run(int argc, char** argv)
     Parser parser;
     Printer printer(asksForJson(argc, argv));
     try {
-        parser.parse(argc, argv);
-        return static_cast<int>(runCommand(parser, printer));
-    } catch (const CLI::ParseError& error) {
-        if (parser.answer(error)) {
-            return 0;
-        }
-        const std::string word = parser.unknownWord();
-        const std::string what = word.empty() ? oneLine(error.what()) : "there is no command '" + word + "'";
-        return tell(printer, UsageError(what + "; see '" + parser.place() + " --help'"));
+        requireOutput();
+        return static_cast<int>(parse(parser, argc, argv, printer) ? runCommand(parser, printer)
+                                                                   : ExitCode::SUCCESS);
+    } catch (const OutputLost& lost) {
+        return lost.isUnread() ? endUnread() : tell(printer, lost);
     } catch (const UsageError& error) {
         return tell(printer, UsageError(std::string(error.what()) + "; see '" + parser.place() + " --help'"));
     } catch (const std::exception& error) {

@@ -1,6 +1,6 @@
 #include "frame/Parser.h"
 
-#include <iostream>
+#include <sstream>
 
 namespace tesselctl {
 namespace {
@@ -82,12 +82,14 @@ void Parser::add(const Command& command)
     }
 }
 
-bool Parser::answer(const CLI::ParseError& error)
+bool Parser::answer(const CLI::ParseError& error, Printer& printer)
 {
     if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
         return false;
     }
-    m_app.exit(error, std::cout, std::cerr);
+    std::ostringstream text;
+    m_app.exit(error, text, text);
+    printer.write(text.str());
     return true;
 }
 

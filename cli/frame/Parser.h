@@ -2,6 +2,7 @@
 #define FRAME_PARSER_H
 
 #include "kernel/Command.h"
+#include "output/Printer.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,7 +20,7 @@ public:
     void parse(int argc, char** argv) { m_app.parse(argc, argv); }
 
     /** Prints help or version for a CLI::ParseError that asks for it; false when it is a mistake. */
-    bool answer(const CLI::ParseError& error);
+    bool answer(const CLI::ParseError& error, Printer& printer);
 
     /** The command that the line names, and what it gives; null when a group stands alone. */
     const Command* command() const { return m_chosen; }

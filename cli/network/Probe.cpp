@@ -5,7 +5,6 @@
 
 #include <arpa/inet.h>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <memory>
 #include <netinet/in.h>
@@ -35,19 +34,6 @@ public:
 
 private:
     int m_descriptor;
-};
-
-/** A server that hangs up is an answer like any other while this lives. */
-class NoBrokenPipe
-{
-public:
-    NoBrokenPipe() : m_before(std::signal(SIGPIPE, SIG_IGN)) {}
-    ~NoBrokenPipe() { std::signal(SIGPIPE, m_before); }
-    NoBrokenPipe(const NoBrokenPipe&) = delete;
-    NoBrokenPipe& operator=(const NoBrokenPipe&) = delete;
-
-private:
-    void (*m_before)(int);
 };
 
 /** 0 or an errno. */
@@ -125,7 +111,6 @@ void shakeHands(Probe& result, SSL_CTX& context, int descriptor, const ArrayAddr
 
 Probe probe(const ArrayAddress& address, const std::string& caFile, long timeoutSeconds)
 {
-    const NoBrokenPipe noBrokenPipe;
     Probe result;
     const bool isV6 = address.ip.find(':') != std::string::npos;
     const Socket descriptor(isV6 ? AF_INET6 : AF_INET);

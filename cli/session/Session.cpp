@@ -4,10 +4,13 @@
 #include "session/Reach.h"
 #include "session/Secret.h"
 
+#include <chrono>
+
 namespace tesselctl {
 namespace {
 
 constexpr unsigned int READ_BACK_TIMES = 10;
+constexpr std::chrono::seconds LOGIN_PATIENCE(2);
 constexpr unsigned int READ_BACK_PAUSE_MICROSECONDS = 500000;
 
 /** The text of an option, or of the environment variable that stands in for it. */
@@ -33,7 +36,6 @@ std::unique_ptr<Session> Session::open(const Values& values)
     const bool adopted = values.has("--device-id");
     std::unique_ptr<Session> session(new Session(parseArrayAddress("--array", array), adopted));
     adopted ? session->adopt(values) : session->logIn(values);
-    session->m_open = true;
     return session;
 }
 
@@ -58,6 +60,8 @@ void Session::logIn(const Values& values)
     if (password.empty()) {
         password = askSecret("Password of " + user + " on " + m_address.text() + ": ");
     }
+    m_signalExit = std::make_unique<SignalExit>([this] { close(); });
+    const std::lock_guard<std::timed_mutex> lock(m_change);
     const USERTYPE scope = values.text("--scope") == "domain" ? USERTYPE_DOMAIN : USERTYPE_LOCAL;
     if (!m_manager->loginDevice(m_address.ip, m_address.port, user, password, scope)) {
         const Reach reach = tryReach(m_address);
@@ -67,6 +71,7 @@ void Session::logIn(const Values& values)
                                 logDirectory()
                           : reach.advice);
     }
+    m_open = true;
 }
 
 void Session::adopt(const Values& values)
@@ -85,6 +90,9 @@ void Session::adopt(const Values& values)
 
 bool Session::close()
 {
+    // Called for a signal it meets a login under way: without an answer in time there is nothing to log out
+    // of.
+    const std::unique_lock<std::timed_mutex> lock(m_change, LOGIN_PATIENCE);
     const bool logOut = m_open && !m_adopted;
     m_open = false;
     return !logOut || m_manager->logoutDevice();

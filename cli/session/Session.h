@@ -3,10 +3,12 @@
 
 #include "kernel/Command.h"
 #include "network/ArrayAddress.h"
+#include "session/SignalExit.h"
 
 #include <tessel/Tessel.h>
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace tesselctl {
@@ -30,7 +32,8 @@ template <> struct TypeOf<CDiskAttachHandler> { static constexpr HANDLERTYPE val
 template <> struct TypeOf<CDiskScannerHandler> { static constexpr HANDLERTYPE value = DISKSCANNER_HANDLER; };
 // clang-format on
 
-/** One open session; logs out, when it logged in, at the end of its life. */
+/** One open session; logs out, when it logged in, at the end of its life and before a signal ends the
+ * process. */
 class Session
 {
 public:
@@ -66,6 +69,8 @@ private:
     ArrayAddress m_address;
     bool m_adopted;
     bool m_open = false;
+    std::timed_mutex m_change; ///< held while the session is opened or closed
+    std::unique_ptr<SignalExit> m_signalExit;
 };
 
 /** The options of the connection, for globalOptions(). */

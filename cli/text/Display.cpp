@@ -1,6 +1,6 @@
 #include "text/Display.h"
 
-#include "../platform/text/Utf8.h"
+#include <text/Utf8.h>
 
 #include <array>
 #include <cstdio>

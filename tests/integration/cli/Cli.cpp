@@ -1,6 +1,7 @@
 #include "Cli.h"
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -67,6 +68,16 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome)
 
 Outcome Cli::run(const Words& words) const
 {
+    return execute(TESSELCTL, words);
+}
+
+Outcome Cli::shell(const std::string& line) const
+{
+    return execute("/bin/bash", {"-c", "tesselctl() { " TESSELCTL " \"$@\"; }; " + line});
+}
+
+Outcome Cli::execute(const char* program, const Words& words) const
+{
     std::map<std::string, std::string> all = {{"PATH", std::getenv("PATH")}, {"LC_ALL", "C.UTF-8"}};
     for (const auto& [name, value] : environment) {
         all[name] = value;
@@ -98,7 +109,10 @@ Outcome Cli::run(const Words& words) const
         if (prepare) {
             prepare();
         }
-        execve(TESSELCTL, arguments.data(), inherited.data());
+        for (const int signal : {SIGINT, SIGQUIT, SIGPIPE}) {
+            std::signal(signal, SIG_DFL); // whatever those who run the tests ignore
+        }
+        execve(program, arguments.data(), inherited.data());
         _exit(127);
     }
     close(out[1]);

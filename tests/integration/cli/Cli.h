@@ -42,8 +42,13 @@ public:
     Outcome run(const Words& words) const;
     /** The same with --output json. */
     Outcome json(Words words) const;
+    /** A line of bash, which finds tesselctl by that name. */
+    Outcome shell(const std::string& line) const;
     /** The environment that leads to an array and its trust. */
     void pointAt(const tessel_test::ArraySim& array);
+
+private:
+    Outcome execute(const char* program, const Words& words) const;
 };
 
 /** A folder of a test's own, which goes with it. */

@@ -1,6 +1,8 @@
 #include "../simulator/ArrayClient.h"
 #include "Cli.h"
 
+#include <algorithm>
+
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -20,6 +22,35 @@ TEST_F(CliTest, PingLogsInKeepsAliveAndLogsOut)
 TEST_F(CliTest, AFailedCommandLogsOutToo)
 {
     expect(4, {"lun", "show", "77"});
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
+}
+
+TEST_F(MappingTest, AReaderThatHasEnoughEndsTheListAndTheSession)
+{
+    array.bulkLuns(350, lunGroup);
+    for (const std::string form : {"text", "json"}) {
+        array.resetCounters();
+        const Outcome outcome = cli.shell("set -o pipefail; tesselctl lun list --group " + lunGroup +
+                                          " --output " + form + " | head -2");
+        EXPECT_EQ(outcome.exitCode, 141) << outcome << "as tools end that know nothing of SIGPIPE";
+        EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 2);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
+        EXPECT_LT(array.requests("GET", "/lun/{id}"), 350UL) << "the rest is not read";
+    }
+}
+
+TEST_F(CliTest, AnOutputThatTakesNothingIsAFailure)
+{
+    EXPECT_EQ(cli.shell("tesselctl host create --name a >&-").exitCode, 1);
+    EXPECT_EQ(array.requests("POST", "/host"), 0UL) << "nothing is made that nobody would be told of";
+    for (const char* line :
+         {"tesselctl --help >&-", "tesselctl --version >/dev/full", "tesselctl ping >/dev/full"}) {
+        const Outcome outcome = cli.shell(line);
+        EXPECT_EQ(outcome.exitCode, 1) << line << outcome;
+        EXPECT_THAT(outcome.err, HasSubstr("standard output")) << line;
+    }
+    EXPECT_EQ(cli.shell("tesselctl ping 2>&-").exitCode, 0);
     EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
 }
 

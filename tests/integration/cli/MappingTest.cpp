@@ -103,8 +103,7 @@ TEST_F(MappingTest, TablesHoldNamesOfAnyScriptAndNothingThatSteersTheTerminal)
                     R"(","NAME":"日本\u001b[2J\u009b\u202e","CAPACITY":"2048"},"error":{"code":0}})";
     array.addFault(fault);
     const Words list = {"lun", "list", "--group", lunGroup, "--columns", "NAME,ID"};
-    EXPECT_EQ(expect(0, list).out,
-              "NAME                     ID\n日本\\x1B[2J\\x9B\\u{202E}   " + lun + "\n");
+    EXPECT_EQ(expect(0, list).out, "NAME                     ID\n日本\\x1B[2J\\x9B\\u{202E}   " + lun + "\n");
     EXPECT_THAT(cli.json(list).out, HasSubstr("日本\\u001b[2J\\u009B\\u202E\""));
     cli.environment["LC_ALL"] = "C";
     EXPECT_THAT(expect(0, list).out, HasSubstr("\\u{65E5}\\u{672C}\\x1B[2J"));

@@ -125,6 +125,19 @@ TEST_F(MappingTest, ANarrowTerminalCutsTheNameAndNeverTheWwn)
     EXPECT_THAT(expect(0, {"lun", "list", "--group", lunGroup}).out, HasSubstr(name)) << "no terminal";
 }
 
+TEST_F(CliTest, CtrlCEndsTheSessionOnTheArray)
+{
+    const Folder folder;
+    const std::string password = folder.write("password", array.password());
+    array.addFault(R"({"method":"GET","path":"/FC_PORT","action":"delay","delayMs":10000})");
+    Terminal terminal(array, "port fc list --password-file " + password);
+    terminal.await("reading FC ports, "); // the request is under way
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 1);
+    terminal.type("\x03");
+    terminal.await("ended 130");
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
+}
+
 TEST_F(CliTest, AnInterruptedQuestionGivesTheTerminalItsEchoBack)
 {
     Terminal terminal(array, "ping");
