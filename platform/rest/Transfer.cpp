@@ -17,29 +17,6 @@ std::string connectionKey(const ServerAddress& server, const RestSettings& setti
 
 } // namespace
 
-void setHeader(Headers& headers, const std::string& name, std::string_view value)
-{
-    for (auto& header : headers) {
-        if (header.first == name) {
-            header.second = value;
-            return;
-        }
-    }
-    headers.emplace_back(name, value);
-}
-
-size_t HttpRequest::headBytes() const
-{
-    constexpr std::string_view OTHER_LINES =
-        "DELETE  HTTP/1.1\r\nHost: \r\nAccept: */*\r\n\r\n"
-        "Content-Type: application/json\r\nContent-Length: 1234567890\r\n";
-    size_t bytes = OTHER_LINES.size() + server.origin().size() + target.size();
-    for (const auto& [name, value] : headers) {
-        bytes += name.size() + value.size() + strlen(": \r\n");
-    }
-    return bytes;
-}
-
 Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
     : m_request(request), m_settings(settings)
 {

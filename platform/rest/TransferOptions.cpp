@@ -1,5 +1,7 @@
 #include "TransferOptions.h"
 
+#include "HeaderLines.h"
+
 #include <algorithm>
 #include <cstring>
 #include <sys/socket.h>

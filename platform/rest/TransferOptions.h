@@ -1,8 +1,12 @@
 #ifndef OVRA_REST_TRANSFEROPTIONS_H
 #define OVRA_REST_TRANSFEROPTIONS_H
 
-#include "Transfer.h"
+#include "HttpRequest.h"
 
+#include <ovra/rest/RestSettings.h>
+
+#include <chrono>
+#include <curl/curl.h>
 #include <memory>
 #include <new>
 #include <stdexcept>
