@@ -15,10 +15,24 @@
  *
  * Scans of all processes and threads of a host run one after the other, under the System V semaphore with the
  * key 1235. After its rescan a scan waits up to 1500 s until lsscsi lists no temporary device of the Korvex
- * product any more; those that it lists appear on the standard output of the process.
+ * product any more.
  *
- * Hazard: rescan-scsi-bus.sh of sg3-utils 1.46 removes healthy disks when it is run with -r. Where this fault
- * is found, the rescan runs without -r and says so in the run log; install sg3-utils 1.48 or later.
+ * Output: the host's tools inherit the standard output and error of the process. On the output appear the
+ * lines of lsscsi that show temporary devices, and what kxRescan prints; on the error what ls, lsscsi,
+ * multipath, grep and the shell complain of. A program whose own output is read by others keeps it out by
+ * having another descriptor 1 and 2 during the four operations (dup2), as the tools' are those of the
+ * process.
+ *
+ * Signals: while a tool runs, a process that ignores SIGCHLD (or has SA_NOCLDWAIT) has it at its default, or
+ * nobody could tell how the tool ended; children that end meanwhile are collected afterwards. A program that
+ * waits for children that it did not start takes the tools' ends away: what is not known then is taken for
+ * unsafe, and nothing is removed. As with system(), SIGINT and SIGQUIT are ignored and SIGCHLD is held back
+ * while a tool runs; see lastScanSignal().
+ *
+ * Hazards: rescan-scsi-bus.sh of sg3-utils 1.46 and 1.47 removes healthy disks when it is run with -r, and
+ * any does so with disks whose transport is down for a moment. Where this fault is found, or while a disk of
+ * this host is not running, the rescan runs without -r and says so in the run log; install sg3-utils 1.48 or
+ * later.
  */
 class TESSEL_API CDiskScannerHandler : public CHandler
 {
@@ -38,9 +52,10 @@ public:
     virtual std::string scanSnapshotAfterAttach(std::string& snapshotID) = 0;
 
     /**
-     * Removes the SCSI devices that carry the LUN, at most five rounds. To be called before the LUN is
-     * detached, with its file systems unmounted: devices in use are named in the run log and removed all the
-     * same. Takes no lock.
+     * Removes the SCSI devices that carry the LUN, at most five rounds; says in the run log when there are
+     * none. To be called before the LUN is detached, with its file systems unmounted: devices in use are
+     * named in the run log and removed all the same, after their data has been written back, that of the file
+     * systems and of the device-mapper and RAID devices on them too. Takes no lock.
      * @param lunID ID of the LUN; not changed.
      */
     virtual void scanLunBeforeDetach(std::string& lunID) = 0;
@@ -51,5 +66,20 @@ public:
      */
     virtual void scanSnapshotBeforeDetach(std::string& snapshotID) = 0;
 };
+
+namespace ovra {
+namespace tessel {
+
+/**
+ * The signal, SIGINT or SIGQUIT, that ended a tool of the host during the last of the four operations above
+ * on this thread; 0 when none did. The operation then ended early, with an empty path or with devices left,
+ * and had given the lock back; the process, which ignores these signals while it waits for a tool, has not
+ * seen the signal. A program that is to end by Ctrl-C looks here after each operation. Never fails; any
+ * thread.
+ */
+TESSEL_API int lastScanSignal() noexcept;
+
+} // namespace tessel
+} // namespace ovra
 
 #endif

@@ -12,6 +12,7 @@ constexpr size_t HEADER = 4;
 constexpr size_t LENGTH = 3; // its place in either header
 constexpr size_t LONGEST_WWN = 31;
 constexpr size_t ARRAY_LUN_ID = 20;
+constexpr size_t LONGEST_LUN_ID = 10;
 constexpr unsigned char DEVICE_IDENTIFICATION = 0x83;
 constexpr unsigned char BINARY = 1;
 constexpr unsigned char CODE_SET = 0x0F;
@@ -58,7 +59,9 @@ std::optional<DiskIdentity> parsePage83(const std::string& page)
     for (size_t i = 0; i < sizeof(lunId); ++i) {
         lunId = lunId << 8U | byteAt(page, ARRAY_LUN_ID + i);
     }
-    return DiskIdentity{hexOf(designator), std::to_string(static_cast<int32_t>(lunId))};
+    // Ten characters, on purpose: the ID has always been cut there, and is the caller's to compare.
+    return DiskIdentity{hexOf(designator),
+                        std::to_string(static_cast<int32_t>(lunId)).substr(0, LONGEST_LUN_ID)};
 }
 
 std::vector<std::string> unitDesignators(const std::string& page)

@@ -150,7 +150,7 @@ void checkDeletable(const World& world, const ObjectType& type, const Object& ob
     }
 }
 
-IdList related(const World& world, const ObjectKey& object, Type to)
+IdSet related(const World& world, const ObjectKey& object, Type to)
 {
     const std::vector<Type>& chain = chainBetween(object.first, to);
     if (chain.size() < 2) {
@@ -160,9 +160,6 @@ IdList related(const World& world, const ObjectKey& object, Type to)
     }
     IdSet reached{object.second};
     for (std::size_t i = 1; i < chain.size(); ++i) {
-        if (i + 1 == chain.size() && reached.size() == 1) {
-            return world.ordered({chain[i - 1], *reached.begin()}, to);
-        }
         IdSet next;
         for (const auto& id : reached) {
             const IdSet& neighbours = world.linked({chain[i - 1], id}, chain[i]);
@@ -170,7 +167,7 @@ IdList related(const World& world, const ObjectKey& object, Type to)
         }
         reached = std::move(next);
     }
-    return std::make_shared<const std::vector<std::string>>(reached.begin(), reached.end());
+    return reached;
 }
 
 } // namespace arraysim

@@ -41,8 +41,7 @@ std::set<ObjectKey> exposedInitiators(const World& world, const ObjectKey& lunOr
     std::set<ObjectKey> found;
     if (!world.linked(lunOrSnapshot, Type::LUN_GROUP).empty()) {
         for (const Type type : INITIATORS) {
-            const IdList ids = related(world, lunOrSnapshot, type);
-            for (const auto& id : *ids) {
+            for (const auto& id : related(world, lunOrSnapshot, type)) {
                 found.insert({type, id});
             }
         }
@@ -78,8 +77,7 @@ void ExposureWatch::linkChanges(const ObjectKey& owner, const ObjectKey& member)
         return;
     }
     for (const Type type : EXPOSABLE) {
-        const IdList ids = related(m_world, near, type);
-        for (const auto& id : *ids) {
+        for (const auto& id : related(m_world, near, type)) {
             note({type, id});
         }
     }

@@ -37,7 +37,6 @@ void World::load()
     m_objects.clear();
     m_edges.clear();
     m_unique.clear();
-    m_ids.clear();
     m_lastId.clear();
     m_store.readObjects([this](Type type, Object object) { remember(type, std::move(object)); });
     m_store.readLinks([this](const ObjectKey& owner, const ObjectKey& member) { connect(owner, member); });
@@ -54,12 +53,10 @@ void World::remember(Type type, Object object)
         }
     }
     const std::string id = object.id;
-    if (m_objects[type].insert_or_assign(id, std::move(object)).second) {
-        m_ids.erase(type);
-    }
+    m_objects[type].insert_or_assign(id, std::move(object));
 }
 
-void World::forgetUnique(Type type, const std::string& id)
+void World::forget(Type type, const std::string& id)
 {
     if (const Object* object = find(type, id)) {
         for (const auto& field : objectType(type).fields) {
@@ -67,20 +64,14 @@ void World::forgetUnique(Type type, const std::string& id)
                 m_unique[{type, field.key}].erase(object->value(field.key));
             }
         }
+        m_objects[type].erase(id);
     }
-}
-
-void World::forget(Type type, const std::string& id)
-{
-    forgetUnique(type, id);
-    m_objects[type].erase(id);
-    m_ids.erase(type);
 }
 
 void World::connect(const ObjectKey& a, const ObjectKey& b)
 {
-    m_edges[{a.first, b.first}].insert(a.second, b.second);
-    m_edges[{b.first, a.first}].insert(b.second, a.second);
+    m_edges[{a.first, b.first}].of[a.second].insert(b.second);
+    m_edges[{b.first, a.first}].of[b.second].insert(a.second);
 }
 
 void World::countUp(Type type, const std::string& id)

@@ -6,7 +6,6 @@
 #include <list>
 #include <mutex>
 #include <optional>
-#include <random>
 #include <string>
 
 namespace arraysim {
@@ -20,11 +19,7 @@ enum class FaultAction
     TRUNCATE,
     INVALID_JSON,
     ANSWER,
-    DROP_SESSION,
-    RESET,
-    SLOW,
-    ENDLESS,
-    REDIRECT
+    DROP_SESSION
 };
 
 struct Fault
@@ -33,9 +28,6 @@ struct Fault
     std::string method = "*"; ///< glob
     std::string path = "*";   ///< glob on the path behind the device ID; * matches slashes too
     std::string query = "*";  ///< glob on the raw query
-    unsigned session = 0;     ///< the number of a session whose requests alone match; 0: any
-    unsigned share = 100;     ///< percent of the requests that match, drawn by chance
-    unsigned seed = 0;        ///< of the drawing: the same seed draws the same requests
     unsigned skip = 0;        ///< requests that match and pass untouched first
     unsigned count = 1;       ///< how often it strikes; 0: always
     unsigned hits = 0;
@@ -45,17 +37,7 @@ struct Fault
     int code = 1;
     std::string description = "injected fault";
     int status = 200;
-    std::string body;       ///< of the action answer
-    std::string location;   ///< of the action redirect
-    unsigned pieceMs = 100; ///< of the action slow: between one byte and the next
-};
-
-/** What a fault is matched against. */
-struct Struck
-{
-    std::string method;
-    std::string target;   ///< raw, behind the device ID
-    unsigned session = 0; ///< the number of the request's session, 0 for none
+    std::string body; ///< of the action answer
 };
 
 /** The faults that tests have set. A request meets the first one that matches and is not spent. */
@@ -67,17 +49,11 @@ public:
     Json::Value list();
     bool remove(unsigned id);
     void clear();
-    std::optional<Fault> strike(const Struck& request);
+    std::optional<Fault> strike(const std::string& method, const std::string& relativeTarget);
 
 private:
-    struct Set
-    {
-        Fault fault;
-        std::minstd_rand chance;
-    };
-
     std::mutex m_mutex;
-    std::list<Set> m_faults;
+    std::list<Fault> m_faults;
     unsigned m_lastId = 0;
 };
 

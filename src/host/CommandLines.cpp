@@ -1,28 +1,17 @@
 #include "host/CommandLines.h"
 
+#include "host/Interruption.h"
+#include "session/Log.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 namespace ovra::tessel {
 
 namespace {
 
-const size_t LINE_SIZE = 1024;
-const char UNWRITTEN = 1;
-
-/** Reads as much of a line as the buffer holds, zero bytes included; empty at the end. */
-std::string readPiece(std::FILE* output)
-{
-    char buffer[LINE_SIZE];
-    std::memset(buffer, UNWRITTEN, sizeof(buffer));
-    if (std::fgets(buffer, sizeof(buffer), output) == nullptr) {
-        return std::string();
-    }
-    // The last zero byte is the terminator; those before it were printed by the command.
-    const char* const terminator = static_cast<const char*>(memrchr(buffer, 0, sizeof(buffer)));
-    return std::string(buffer, static_cast<size_t>(terminator - buffer));
-}
+constexpr size_t LINE_SIZE = 1024;
 
 bool isText(const std::string& line)
 {
@@ -36,35 +25,79 @@ bool isText(const std::string& line)
 
 int runCommand(const std::string& command)
 {
-    return system(command.c_str());
+    const ChildStatus children;
+    const int status = system(command.c_str());
+    if (status != -1) {
+        throwIfInterrupted(status);
+    }
+    return status;
 }
 
-CommandLines::CommandLines(const std::string& command) : m_output(popen(command.c_str(), "r")) {}
+CommandLines::CommandLines(const std::string& command)
+    : m_command(command), m_output(popen(command.c_str(), "r"))
+{
+}
 
 CommandLines::~CommandLines()
 {
     if (started()) {
-        pclose(m_output);
+        end();
     }
+}
+
+int CommandLines::end()
+{
+    if (!m_status) {
+        m_status = pclose(m_output);
+    }
+    return *m_status;
+}
+
+/** Reads as much of a line as the buffer of a line holds; empty at the end. */
+std::string CommandLines::readPiece() const
+{
+    std::string piece;
+    while (!m_status && piece.size() < LINE_SIZE - 1 && (piece.empty() || piece.back() != '\n')) {
+        const int c = std::getc(m_output);
+        if (c != EOF) {
+            piece += static_cast<char>(c);
+        } else if (std::ferror(m_output) != 0 && errno == EINTR) { // a signal of the application
+            std::clearerr(m_output);
+        } else {
+            break;
+        }
+    }
+    return piece;
+}
+
+void CommandLines::drop(std::string& line) const
+{
+    COMMLOG(OS_LOG_WARN, "a line of [%.200s] is not looked at, it is not a whole line of text: [%.100s]",
+            m_command.c_str(), line.c_str());
+    line.clear();
 }
 
 bool CommandLines::next(std::string& line)
 {
-    line = readPiece(m_output);
+    line = readPiece();
+    std::string last = line;
+    while (!last.empty() && last.back() != '\n') {
+        last = readPiece();
+    }
+    const bool atEnd = last.empty();
+    if (atEnd && end() != -1) {
+        throwIfInterrupted(*m_status);
+    }
     if (line.empty()) {
         return false;
     }
+    const bool isWhole = line.back() == '\n' || (atEnd && line.size() < LINE_SIZE - 1 && *m_status == 0);
     if (line.back() == '\n') {
         line.pop_back();
-        if (!isText(line)) {
-            line.clear();
-        }
-        return true;
     }
-    for (std::string rest = line; !rest.empty() && rest.back() != '\n';) {
-        rest = readPiece(m_output);
+    if (!isWhole || !isText(line)) {
+        drop(line);
     }
-    line.clear();
     return true;
 }
 

@@ -1,19 +1,26 @@
 #ifndef HOST_COMMANDLINES_H
 #define HOST_COMMANDLINES_H
 
+#include "host/ChildStatus.h"
+
 #include <cstdio>
+#include <optional>
 #include <string>
 
 namespace ovra::tessel {
 
-/** Runs a shell command; the status that system() gives. */
+/**
+ * Runs a shell command; the status that system() gives, -1 when how it ended is not known. Throws
+ * Interruption when it was ended from the keyboard.
+ */
 int runCommand(const std::string& command);
 
 /**
  * The lines that a shell command prints.
  *
  * A line that cannot be taken as it stands (too long for the buffer, bytes that no text has, not ended by a
- * newline because the command died) comes as an empty one, never as a piece of itself.
+ * newline unless the command has succeeded) comes as an empty one, never as a piece of itself, and is told in
+ * the run log.
  */
 class CommandLines
 {
@@ -26,11 +33,21 @@ public:
     /** False when the command could not be started. */
     bool started() const { return m_output != nullptr; }
 
-    /** Reads the next line, without its newline; false at the end. */
+    /**
+     * Reads the next line, without its newline; false at the end. Throws Interruption there when the command
+     * was ended from the keyboard.
+     */
     bool next(std::string& line);
 
 private:
+    std::string readPiece() const;
+    int end();
+    void drop(std::string& line) const;
+
+    const ChildStatus m_children;
+    const std::string m_command;
     std::FILE* m_output;
+    std::optional<int> m_status; ///< of a command that has ended
 };
 
 } // namespace ovra::tessel

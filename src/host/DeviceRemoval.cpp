@@ -1,23 +1,44 @@
 #include "host/DeviceRemoval.h"
 
-#include "host/DeviceNames.h"
-#include "host/DeviceUse.h"
+#include "host/CommandLines.h"
 #include "session/Log.h"
 
+#include <ovra/disk/Lsscsi.h>
+#include <ovra/disk/Nodes.h>
+#include <ovra/disk/Uses.h>
+
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <set>
+#include <sys/ioctl.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace ovra::tessel {
 
 namespace {
 
-/** Writes the disk's dirty pages back: once it is removed they are lost. */
+constexpr int PASSES = 5;
+
+void nameUses(const std::string& device)
+{
+    const disk::Uses uses = disk::usesOf(disk::lastName(device));
+    for (const std::string& use : uses.found) {
+        COMMLOG(OS_LOG_WARN, "%s is removed while in use: %s", device.c_str(), use.c_str());
+    }
+    for (const std::string& reason : uses.unknown) {
+        COMMLOG(OS_LOG_WARN, "%s is removed, whether it is in use cannot be told: %s", device.c_str(),
+                reason.c_str());
+    }
+}
+
+/** Writes back what waits in the file system and the pages of one device. */
 void flush(const std::string& path, const std::string& device)
 {
     const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    const int error = fd < 0 || fsync(fd) != 0 ? errno : 0;
+    // The first for a file system mounted from it, the second for the cache of the disk itself.
+    const int error = fd < 0 || ioctl(fd, BLKFLSBUF, 0) != 0 || fsync(fd) != 0 ? errno : 0;
     if (fd >= 0) {
         close(fd);
     }
@@ -27,21 +48,104 @@ void flush(const std::string& path, const std::string& device)
     }
 }
 
+/** Writes back a disk and all that stands on it, from the top: what is removed with it is lost. */
+void flushAll(const std::string& path, const std::string& device)
+{
+    const std::vector<disk::Node> nodes = disk::nodesOn(disk::lastName(device));
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+        const std::string name = "/dev/" + node->name;
+        if (disk::canAnswer(node->name)) {
+            flush(name == device ? path : name, name);
+        } else {
+            COMMLOG(OS_LOG_WARN, "%s is not running: data not yet written to it is lost", name.c_str());
+        }
+    }
+}
+
+bool listDisks(std::set<std::string>& devices)
+{
+    CommandLines listing("lsscsi");
+    if (!listing.started()) {
+        return false;
+    }
+    for (std::string line; listing.next(line);) {
+        if (const std::optional<std::string> device = disk::diskOfLine(line)) {
+            devices.insert(*device);
+        }
+    }
+    return true;
+}
+
+/** Removes the device if it is the wanted one; true when it did. */
+bool remove(const std::string& device, const IsWanted& isWanted)
+{
+    if (!isWanted(disk::readIdentity(device)) || !prepareRemoval(device, device, isWanted)) {
+        return false;
+    }
+    const std::string command = "echo 1 > /sys/block/" + disk::lastName(device) + "/device/delete";
+    COMMLOG(OS_LOG_INFO, "delete disk cmd[%s]", command.c_str());
+    runCommand(command);
+    return true;
+}
+
+void sayNothingRemoved(const char* label, const disk::DiskIdentity& wanted)
+{
+    COMMLOG(OS_LOG_WARN, "No device of %s %s was found on this host: none was removed.", label,
+            wanted.lunId.c_str());
+    for (const std::string& name : disk::disksWithWwn(wanted.wwn)) {
+        COMMLOG(OS_LOG_WARN, "%s has its WWN, but does not answer with it and with that ID: it stays.",
+                name.c_str());
+    }
+}
+
 } // namespace
 
-bool isReadyForRemoval(CDiskScannerHandlerImpl& scanner, const std::string& path, const std::string& device,
-                       const std::function<bool(const DiskIdentity&)>& isWanted)
+bool checkWwn(const std::string& wwn)
 {
-    for (const std::string& use : usesOf(lastName(device))) {
-        COMMLOG(OS_LOG_WARN, "%s is removed while in use: %s", device.c_str(), use.c_str());
+    const bool isPlain = disk::isPlainWwn(wwn);
+    if (!isPlain) {
+        COMMLOG(
+            OS_LOG_ERROR,
+            "The WWN [%s] cannot be one of a disk: no device is searched for or removed. Check the object "
+            "on the array.",
+            wwn.c_str());
     }
-    flush(path, device);
-    if (isWanted(DiskIdentity(scanner, path))) {
-        return true;
+    return isPlain;
+}
+
+bool prepareRemoval(const std::string& path, const std::string& device, const IsWanted& isWanted)
+{
+    nameUses(device);
+    flushAll(path, device);
+    const bool isStill = isWanted(disk::readIdentity(path));
+    if (!isStill) {
+        COMMLOG(OS_LOG_ERROR, "%s has changed or does not answer any more: it is not removed. Scan again.",
+                device.c_str());
     }
-    COMMLOG(OS_LOG_ERROR, "%s has changed or does not answer any more: it is not removed. Scan again.",
-            device.c_str());
-    return false;
+    return isStill;
+}
+
+bool removeDevices(const char* label, const disk::DiskIdentity& wanted)
+{
+    const auto isWanted = [&](const disk::DiskIdentity& identity) {
+        return identity.wwn == wanted.wwn && identity.lunId == wanted.lunId;
+    };
+    bool again = true, removed = false;
+    for (int pass = 0; pass < PASSES && again; ++pass) {
+        std::set<std::string> devices;
+        if (!listDisks(devices)) {
+            return false;
+        }
+        again = false;
+        for (const std::string& device : devices) {
+            again = remove(device, isWanted) || again;
+        }
+        removed = removed || again;
+    }
+    if (!removed) {
+        sayNothingRemoved(label, wanted);
+    }
+    return true;
 }
 
 } // namespace ovra::tessel

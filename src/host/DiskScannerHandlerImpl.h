@@ -1,19 +1,16 @@
 #ifndef HOST_DISKSCANNERHANDLERIMPL_H
 #define HOST_DISKSCANNERHANDLERIMPL_H
 
+#include "host/Korvex.h"
 #include "host/KxRescanLock.h"
 #include "host/KxRescanState.h"
 #include "session/HandlerOf.h"
 
 #include <tessel/DiskScanner.h>
 
-#include <atomic>
 #include <string>
 
-extern int g_scannerInitialised;            ///< 1 once the one-time set-up of this process is done
-extern std::atomic<bool> g_korvexInstalled; ///< the Korvex rescan command was found; never cleared
-extern std::string g_kxRescanTimeout;       ///< seconds that a Korvex rescan may take
-extern std::string g_tmpBlockCheckCmd;      ///< succeeds while there are temporary devices
+extern int g_scannerInitialised; ///< 1 once the one-time set-up of this process is done
 
 class CDiskScannerHandlerImpl : public ovra::tessel::HandlerOf<CDiskScannerHandler>
 {
@@ -42,8 +39,6 @@ public:
     int GetDisk83Page(std::string& devicePath, std::string& wwnOut, std::string& lunIdOut);
     /** One INQUIRY for a vital product data page; the buffer holds 256 bytes. */
     int GetDiskPage(int fd, unsigned char page, unsigned char* buffer);
-    /** The identity in a page 0x83 of 256 bytes. */
-    int ParseDisk83Page(unsigned char* page, std::string& wwnOut, std::string& lunIdOut);
     /** Writes count bytes from data + offset as lowercase hexadecimal. */
     int BinaryToAscii(char* hexOut, int hexOutSize, unsigned char* data, int offset, int count);
     /** Writes digits / 2 bytes of data as lowercase hexadecimal. */

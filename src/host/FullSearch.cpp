@@ -1,27 +1,65 @@
 #include "host/FullSearch.h"
 
-#include "host/ByIdLink.h"
 #include "host/CommandLines.h"
-#include "host/DeviceNames.h"
-#include "host/DiskIdentity.h"
+#include "host/DeviceRemoval.h"
+#include "host/Korvex.h"
+#include "host/NameSearch.h"
 #include "host/StaleDevice.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
+
+#include <ovra/disk/Names.h>
+#include <ovra/disk/Nodes.h>
+
+#include <map>
+#include <set>
 
 namespace ovra::tessel {
 
 namespace {
 
-const int PASSES = 2; // the second one sees the names that udev gave to the devices renewed in the first
+constexpr int PASSES = 2; // the second one sees the names that udev gave to the devices renewed in the first
 
-} // namespace
-
-void rescanDevice(const std::string& path)
+/** What log lines call the object; null for a type that has no disk. */
+const char* labelOf(MOType type)
 {
-    runCommand("echo 1 > /sys/block" + lastPart(path) + "/device/rescan");
+    return type == MO_LUN ? "Lun" : type == MO_SNAPSHOT ? "Snapshot" : nullptr;
 }
 
-bool FullSearch::list(Disks& disks)
+/** The search through every disk of this host for the one with a WWN. */
+class FullSearch
+{
+public:
+    FullSearch(const InterfaceRecord& record, const char* label, const std::string& objectId,
+               const std::string& wwn)
+        : m_record(record), m_label(label), m_objectId(objectId), m_wwn(wwn)
+    {
+    }
+
+    /** The device's path, or an empty one. */
+    std::string run();
+
+private:
+    using Disks = std::map<std::string, std::set<std::string>>; ///< identifiers by path
+    enum class Outcome
+    {
+        NOT_THIS_ONE,
+        FOUND,
+        RENEWED, ///< was there under the names of another disk; look for it again
+        GIVEN_UP
+    };
+
+    bool list(Disks& disks) const;
+    Outcome visit(const std::string& path, const std::set<std::string>& identifiers, bool mayRenew) const;
+    void sayUnnamed(const Disks& disks) const;
+
+    const InterfaceRecord& m_record;
+    const char* const m_label;
+    const std::string& m_objectId;
+    const std::string& m_wwn;
+};
+
+bool FullSearch::list(Disks& disks) const
 {
     CommandLines listing("ls -al /dev/disk/by-id|grep -v part");
     if (!listing.started()) {
@@ -30,11 +68,11 @@ bool FullSearch::list(Disks& disks)
         return false;
     }
     for (std::string line; listing.next(line);) {
-        if (line.find("../") == std::string::npos) {
+        if (!disk::ByIdLink::isLink(line)) {
             continue;
         }
         COMMLOG(OS_LOG_INFO, "strLine [%s]", line.c_str());
-        const std::optional<ByIdLink> link = ByIdLink::parse(line);
+        const std::optional<disk::ByIdLink> link = parseLink(line);
         if (link && !link->identifier.empty()) {
             disks[link->path].insert(link->identifier);
         }
@@ -43,10 +81,10 @@ bool FullSearch::list(Disks& disks)
 }
 
 FullSearch::Outcome FullSearch::visit(const std::string& path, const std::set<std::string>& identifiers,
-                                      bool mayRenew)
+                                      bool mayRenew) const
 {
     COMMLOG(OS_LOG_INFO, "strDiskPath [%s]", path.c_str());
-    const DiskIdentity identity(m_scanner, path);
+    const disk::DiskIdentity identity = disk::readIdentity(path);
     COMMLOG(OS_LOG_INFO, "Target %s ID [%s]", m_label, m_objectId.c_str());
     if (identity.wwn == m_wwn && identifiers.count(m_wwn) != 0) {
         m_record.write(RESULT_SUCCESS);
@@ -58,7 +96,7 @@ FullSearch::Outcome FullSearch::visit(const std::string& path, const std::set<st
     if (!mayRenew || identity.wwn != m_wwn) {
         return Outcome::NOT_THIS_ONE;
     }
-    switch (StaleDevice(m_scanner, m_record, path, m_wwn).renew()) {
+    switch (StaleDevice(m_record, path, m_wwn).renew()) {
     case StaleDevice::Outcome::RENEWED:
         return Outcome::RENEWED;
     case StaleDevice::Outcome::NO_LISTING:
@@ -69,17 +107,31 @@ FullSearch::Outcome FullSearch::visit(const std::string& path, const std::set<st
     return Outcome::NOT_THIS_ONE;
 }
 
+/** Says which disks the search could not see: they carry the WWN, but udev has given them no name. */
+void FullSearch::sayUnnamed(const Disks& disks) const
+{
+    for (const std::string& name : disk::disksWithWwn(m_wwn)) {
+        if (disks.count(std::string(disk::BY_ID_DIRECTORY) + "../../" + name) == 0) {
+            COMMLOG(OS_LOG_WARN,
+                    "/dev/%s carries the WWN of %s %s, but has no name in /dev/disk/by-id: it is "
+                    "not found before udev has named it.",
+                    name.c_str(), m_label, m_objectId.c_str());
+        }
+    }
+}
+
 std::string FullSearch::run()
 {
+    Disks disks;
     bool again = true;
     for (int pass = 1; pass <= PASSES && again; ++pass) {
         again = false;
-        Disks disks;
+        disks.clear();
         if (!list(disks)) {
             return std::string();
         }
-        const bool mayRenew = !g_korvexInstalled;
-        if (!mayRenew) {
+        const bool mayRenew = mayRemoveDevices();
+        if (g_korvexInstalled) {
             COMMLOG(OS_LOG_INFO, "Korvex installed,No need to delete scsi_device");
         }
         COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
@@ -97,7 +149,29 @@ std::string FullSearch::run()
             }
         }
     }
+    sayUnnamed(disks);
     return std::string();
+}
+
+} // namespace
+
+std::string findDisk(const std::string& objectId, const std::string& wwn, MOType type)
+{
+    const InterfaceRecord record("GetDiskPath");
+    const char* const label = labelOf(type);
+    if (label == nullptr) {
+        COMMLOG(OS_LOG_ERROR, "moType is wrong!");
+        return std::string();
+    }
+    if (!checkWwn(wwn)) {
+        return std::string();
+    }
+    std::string path = findByName(wwn);
+    if (!path.empty()) {
+        COMMLOG(OS_LOG_INFO, "---------GetDiskPathForWWN successfully---------!");
+        return path;
+    }
+    return FullSearch(record, label, objectId, wwn).run();
 }
 
 } // namespace ovra::tessel

@@ -1,35 +1,64 @@
 #include "host/HostRescan.h"
 
 #include "host/CommandLines.h"
-#include "host/DiskScannerHandlerImpl.h"
-#include "host/RescanCommand.h"
 #include "session/Log.h"
 
-#include <string>
+#include <ovra/disk/Nodes.h>
+#include <ovra/disk/RescanScript.h>
+
 #include <sys/wait.h>
 #include <unistd.h>
-
-std::string g_kxRescanTimeout = "1800";
-std::string g_tmpBlockCheckCmd = "lsscsi | grep tmp-block";
 
 namespace ovra::tessel {
 
 namespace {
 
-const int LONGEST_WAIT_S = 1500;
+constexpr int LONGEST_WAIT_S = 1500;
+constexpr const char* RESCAN_AND_REMOVE = "rescan-scsi-bus.sh -r >/dev/null 2>&1";
+constexpr const char* RESCAN_ONLY = "rescan-scsi-bus.sh >/dev/null 2>&1";
 
 void rescanWithKorvex()
 {
     const int status = runCommand("timeout " + g_kxRescanTimeout + " kxRescan 2>/dev/null");
     COMMLOG(OS_LOG_INFO, "============kxRescan returnCode = %d=============", WEXITSTATUS(status));
+    if (status == -1) {
+        COMMLOG(OS_LOG_WARN,
+                "How kxRescan ended is not known: another part of this program has waited for it.");
+    }
 }
 
-void rescanWithScript()
+/** Says which script cannot be trusted with the removal of disks that are gone; true when none is found. */
+bool checkScript()
 {
+    const std::string harmful = disk::harmfulRescanScript();
+    if (!harmful.empty()) {
+        COMMLOG(OS_LOG_ERROR,
+                "%s takes healthy disks for gone and would remove them: rescanning without -r, so that disks "
+                "that are gone stay. Install sg3-utils 1.48 or later.",
+                harmful.c_str());
+    }
+    return harmful.empty();
+}
+
+/** Says which disks are away for now: the script would remove them, and they would not come back by
+ * themselves. */
+bool checkDisks()
+{
+    const std::vector<std::string> away = disk::disksNotRunning();
+    for (const std::string& disk : away) {
+        COMMLOG(OS_LOG_ERROR, "%s: rescanning without -r, which would remove it; disks that are gone stay.",
+                disk.c_str());
+    }
+    return away.empty();
+}
+
+void rescanWithScript(bool mayRemove)
+{
+    mayRemove = mayRemove && checkScript();
     // Twice: the second run finds what the first one's changes brought into view.
-    const std::string command = rescanCommand();
     for (int run = 0; run < 2; ++run) {
-        runCommand(command);
+        mayRemove = mayRemove && checkDisks();
+        runCommand(mayRemove ? RESCAN_AND_REMOVE : RESCAN_ONLY);
     }
     COMMLOG(OS_LOG_DEBUG, "=============rescan-scsi-bus.sh start============");
 }
@@ -41,21 +70,19 @@ void waitForTemporaryDevices()
         status = runCommand(g_tmpBlockCheckCmd);
         sleep(1);
     }
+    if (status == -1) {
+        COMMLOG(OS_LOG_WARN, "It cannot be told whether there are temporary devices: not waiting for them.");
+    }
 }
 
 } // namespace
 
-bool isKorvexFound()
+void rescanHost(disk::Presence korvex)
 {
-    return runCommand("which kxRescan >/dev/null 2>&1") == 0;
-}
-
-void rescanHost(bool withKorvex)
-{
-    if (withKorvex) {
+    if (korvex == disk::Presence::PRESENT) {
         rescanWithKorvex();
     } else {
-        rescanWithScript();
+        rescanWithScript(korvex == disk::Presence::ABSENT);
     }
     COMMLOG(OS_LOG_INFO, "============Rescan -r success=============\n");
     waitForTemporaryDevices();

@@ -1,16 +1,16 @@
 #ifndef HOST_HOSTRESCAN_H
 #define HOST_HOSTRESCAN_H
 
-namespace ovra::tessel {
+#include "host/Korvex.h"
 
-/** Looks for the Korvex multipath product's rescan command. */
-bool isKorvexFound();
+namespace ovra::tessel {
 
 /**
  * Makes the kernel look for new disks on all SCSI buses, by the Korvex product's command or the system's
- * script, and waits, at most 25 minutes, until the temporary devices of the former are gone.
+ * script, and waits, at most 25 minutes, until the temporary devices of the former are gone. The script
+ * removes disks that are gone only where no other disk can go with them.
  */
-void rescanHost(bool withKorvex);
+void rescanHost(disk::Presence korvex);
 
 } // namespace ovra::tessel
 

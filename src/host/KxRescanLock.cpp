@@ -3,14 +3,77 @@
 #include "session/Log.h"
 
 #include <cerrno>
+#include <ctime>
+#include <optional>
 #include <sys/ipc.h>
 #include <sys/sem.h>
 
 namespace {
 
-const key_t RESCAN_KEY = 1235;
-const int SEMAPHORES = 1;
-const int LOCK = 0; // the number of the semaphore in its set
+constexpr key_t RESCAN_KEY = 1235;
+constexpr int SEMAPHORES = 1;
+constexpr int LOCK = 0; // the number of the semaphore in its set
+constexpr int ACCESS = 0600;
+constexpr time_t LONG_WAIT_S = 60;
+
+thread_local int t_heldId = -1; ///< by which this thread has taken the lock
+
+/** What semctl takes: the kernel wants an argument of this size. */
+union SemaphoreArgument {
+    int value;
+    semid_ds* set;
+};
+
+/** A set of nobody's. While it lives, a set that is made does not get the ID 0, the first one of all. */
+class OtherSet
+{
+public:
+    OtherSet() : m_id(semget(IPC_PRIVATE, SEMAPHORES, ACCESS)) {}
+    ~OtherSet()
+    {
+        if (m_id >= 0) {
+            semctl(m_id, LOCK, IPC_RMID);
+        }
+    }
+    OtherSet(const OtherSet&) = delete;
+    OtherSet& operator=(const OtherSet&) = delete;
+
+    bool isMade() const { return m_id >= 0; }
+
+private:
+    const int m_id;
+};
+
+int change(int semId, short by, short flags, const timespec* limit)
+{
+    sembuf operation = {};
+    operation.sem_num = LOCK;
+    operation.sem_op = by;
+    operation.sem_flg = flags;
+    // Without a limit it is the older call, which a filter of system calls may know alone.
+    return limit != nullptr ? semtimedop(semId, &operation, 1, limit) : semop(semId, &operation, 1);
+}
+
+time_t now()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return time.tv_sec;
+}
+
+void sayWhoHolds(int semId)
+{
+    semid_ds set = {};
+    SemaphoreArgument argument = {};
+    argument.set = &set;
+    const bool isKnown = semctl(semId, LOCK, IPC_STAT, argument) == 0;
+    COMMLOG(
+        OS_LOG_WARN,
+        "Waiting for the rescan lock for more than %d s: process %d holds it. Its semaphore [%d] is that of "
+        "user %d.",
+        static_cast<int>(LONG_WAIT_S), semctl(semId, LOCK, GETPID), semId,
+        isKnown ? static_cast<int>(set.sem_perm.uid) : -1);
+}
 
 } // namespace
 
@@ -25,23 +88,32 @@ int KxRescanLock::getSem()
 
 int KxRescanLock::lockSem(int semId)
 {
-    sembuf take = {};
-    take.sem_num = LOCK;
-    take.sem_op = -1;
-    take.sem_flg = SEM_UNDO;
+    const timespec slice = {LONG_WAIT_S, 0};
+    const time_t start = now();
+    bool told = false;
     int result = 0;
     do {
-        result = semop(semId, &take, 1);
-    } while (result != 0 && errno == EINTR);
+        result = change(semId, -1, SEM_UNDO, &slice);
+        const int error = errno;
+        if (result != 0 && !told && now() - start >= LONG_WAIT_S) {
+            told = true;
+            sayWhoHolds(semId);
+        }
+        errno = error;
+    } while (result != 0 && (errno == EINTR || errno == EAGAIN));
+    while (result != 0 && errno != EIDRM) {
+        result = change(semId, -1, SEM_UNDO, nullptr);
+        if (result != 0 && errno != EINTR) {
+            break;
+        }
+    }
     return result == 0 ? 0 : -1;
 }
 
 int KxRescanLock::unlockSem(int semId)
 {
-    union {
-        int value;
-        void* other; // the kernel takes an argument of this size
-    } free = {1};
+    SemaphoreArgument free = {};
+    free.value = 1;
     return semctl(semId, LOCK, SETVAL, free) == -1 ? -1 : 0;
 }
 
@@ -52,7 +124,20 @@ int KxRescanLock::InitLock()
         COMMLOG(OS_LOG_INFO, "Sem exists.SemId:[%d]", existing);
         return 0;
     }
-    const int semId = getSem();
+    if (existing == 0) {
+        COMMLOG(OS_LOG_WARN,
+                "The rescan lock has the ID 0: every program that starts frees it, so that rescans "
+                "may overlap. Remove it ('ipcrm -S 1235') while no program that scans is running.");
+    }
+    std::optional<OtherSet> other;
+    if (existing < 0) {
+        other.emplace();
+    }
+    int semId = getSem();
+    if (semId < 0 && other && other->isMade()) {
+        other.reset(); // it may have been the last set that this host can have
+        semId = getSem();
+    }
     if (semId < 0 || unlockSem(semId) != 0) {
         COMMLOG(OS_LOG_ERROR, "Init Lock failed.");
         return -1;
@@ -63,20 +148,30 @@ int KxRescanLock::InitLock()
 
 int KxRescanLock::GetLock()
 {
+    t_heldId = -1;
     const int semId = getSem();
     if (semId < 0 || lockSem(semId) != 0) {
         COMMLOG(OS_LOG_ERROR, "Lock sem[%d] failed.", semId);
         return -1;
     }
+    t_heldId = semId;
     return 0;
 }
 
 int KxRescanLock::ReleaseLock()
 {
+    const int heldId = t_heldId;
+    t_heldId = -1;
     const int semId = getSem();
-    if (semId < 0 || unlockSem(semId) != 0) {
-        COMMLOG(OS_LOG_ERROR, "UnLock sem[%d] failed.", semId);
-        return -1;
+    if (semId >= 0 && unlockSem(semId) == 0) {
+        return 0;
     }
-    return 0;
+    // Nobody could scan until this process ends: the way that it was taken may still be open.
+    if (heldId >= 0 && (unlockSem(heldId) == 0 || change(heldId, 1, SEM_UNDO | IPC_NOWAIT, nullptr) == 0)) {
+        COMMLOG(OS_LOG_WARN,
+                "The rescan lock could only be given back by the ID that it was taken with [%d].", heldId);
+        return 0;
+    }
+    COMMLOG(OS_LOG_ERROR, "UnLock sem[%d] failed.", semId);
+    return -1;
 }

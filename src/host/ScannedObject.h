@@ -19,6 +19,7 @@ struct ScannedLun
     static constexpr HANDLERTYPE HANDLER = LUN_HANDLER;
     static constexpr const char* ID_EMPTY = texts::LUN_ID_EMPTY;
     static constexpr const char* NO_HANDLER = "get lunHandler fail! ";
+    static constexpr const char* LABEL = "LUN";
     static constexpr const char* NOT_FOUND = "lun path is NULL.";
 
     static LunMO read(CHandler& handler, const std::string& id)
@@ -32,6 +33,7 @@ struct ScannedSnapshot
     static constexpr HANDLERTYPE HANDLER = SNAPSHOT_HANDLER;
     static constexpr const char* ID_EMPTY = texts::SNAPSHOT_ID_EMPTY;
     static constexpr const char* NO_HANDLER = "get snapshotHandler fail! ";
+    static constexpr const char* LABEL = "snapshot";
     static constexpr const char* NOT_FOUND = "snapshot path is NULL.";
 
     static SnapshotMO read(CHandler& handler, const std::string& id)

@@ -2,10 +2,15 @@
 
 #include "host/CommandLines.h"
 #include "host/DeviceRemoval.h"
-#include "host/MultipathMaps.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
 
+#include <ovra/disk/ByIdLink.h>
+#include <ovra/disk/Files.h>
+#include <ovra/disk/Lsscsi.h>
+#include <ovra/disk/Multipath.h>
+
+#include <algorithm>
 #include <unistd.h>
 
 namespace ovra::tessel {
@@ -14,27 +19,51 @@ const char* const SEARCH_SEPARATOR = "=========================================\
 
 namespace {
 
-const char* const LUN_NEVER_REMOVED = "0";
+constexpr const char* LUN_NEVER_REMOVED = "0";
+constexpr int NAME_LOOKS = 100;
+constexpr useconds_t LOOK_EVERY_US = 100000;
 
-/** True when the kernel says that the disk at the address has another name by now. */
-bool isOtherDisk(const ScsiAddress& address, const std::string& device)
+/** Where the kernel shows which disk is at an address. */
+std::string blockFolder(const disk::ScsiAddress& address)
 {
-    const std::string disks = "/sys/class/scsi_device/" + address.text + "/device/block";
-    if (access(disks.c_str(), F_OK) != 0 || access((disks + lastPart(device)).c_str(), F_OK) == 0) {
-        return false;
+    return "/sys/class/scsi_device/" + address.text + "/device/block";
+}
+
+/** Looks whether the kernel says that the disk at the address has another name by now, and says so. */
+bool checkAddress(const disk::ScsiAddress& address, const std::string& device)
+{
+    const std::string disks = blockFolder(address);
+    if (access(disks.c_str(), F_OK) != 0 || access((disks + disk::lastPart(device)).c_str(), F_OK) == 0) {
+        return true;
     }
     COMMLOG(OS_LOG_ERROR, "%s is no longer the device at %s: it is not removed. Scan again.", device.c_str(),
             address.text.c_str());
-    return true;
+    return false;
+}
+
+/** True when a link with this identity leads to the disk, or to a device-mapper node on it. */
+bool isNamed(const std::string& name, const std::string& wwn)
+{
+    const std::vector<std::string> links = disk::namesIn(disk::BY_ID_DIRECTORY);
+    return std::any_of(links.begin(), links.end(), [&](const std::string& link) {
+        const std::string node = disk::lastName(disk::targetOf(disk::BY_ID_DIRECTORY + link));
+        return disk::identifierOf(link) == wwn &&
+               (node == name || access(("/sys/block/" + node + "/slaves/" + name).c_str(), F_OK) == 0);
+    });
 }
 
 } // namespace
 
 std::optional<StaleDevice::Disk> StaleDevice::disk() const
 {
-    const std::string name = lastName(m_path);
-    if (!isMapperName(name)) {
+    const std::string name = disk::lastName(m_path);
+    if (disk::isDiskName(name)) {
         return Disk{m_path, "/dev/" + name};
+    }
+    if (!disk::isMapperName(name)) {
+        COMMLOG(OS_LOG_WARN, "/dev/%s stands under old names, and is no SCSI disk: it is not removed.",
+                name.c_str());
+        return std::nullopt;
     }
     CommandLines listing("multipath -ll");
     if (!listing.started()) {
@@ -46,7 +75,7 @@ std::optional<StaleDevice::Disk> StaleDevice::disk() const
     for (std::string line; listing.next(line);) {
         lines.push_back(line);
     }
-    const std::optional<std::string> first = firstPathOf(name, lines);
+    const std::optional<std::string> first = disk::firstPathOf(name, lines);
     if (!first) {
         COMMLOG(OS_LOG_ERROR, "multipath -ll shows no path device of %s: nothing is removed for it.",
                 name.c_str());
@@ -55,11 +84,24 @@ std::optional<StaleDevice::Disk> StaleDevice::disk() const
     return Disk{"/dev/" + *first, "/dev/" + *first};
 }
 
-void StaleDevice::renewAt(const ScsiAddress& address, const Disk& disk) const
+void StaleDevice::waitForName(const disk::ScsiAddress& address) const
 {
-    const auto isWanted = [&](const DiskIdentity& identity) { return identity.wwn == m_wwn; };
-    if (!isReadyForRemoval(m_scanner, disk.path, disk.device, isWanted) ||
-        isOtherDisk(address, disk.device)) {
+    for (int look = 0; look < NAME_LOOKS; ++look) {
+        for (const std::string& name : disk::namesIn(blockFolder(address))) {
+            if (isNamed(name, m_wwn)) {
+                return;
+            }
+        }
+        usleep(LOOK_EVERY_US);
+    }
+    COMMLOG(OS_LOG_WARN, "The device at %s has got no name of its own yet: scan again if it is not found.",
+            address.text.c_str());
+}
+
+void StaleDevice::renewAt(const disk::ScsiAddress& address, const Disk& disk) const
+{
+    const auto isWanted = [&](const disk::DiskIdentity& identity) { return identity.wwn == m_wwn; };
+    if (!prepareRemoval(disk.path, disk.device, isWanted) || !checkAddress(address, disk.device)) {
         return;
     }
     const std::string removal = "echo 1 > /sys/class/scsi_device/" + address.text + "/device/delete";
@@ -70,6 +112,7 @@ void StaleDevice::renewAt(const ScsiAddress& address, const Disk& disk) const
     runCommand(scan);
     COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
     sleep(1);
+    waitForName(address);
 }
 
 StaleDevice::Outcome StaleDevice::renew()
@@ -78,14 +121,14 @@ StaleDevice::Outcome StaleDevice::renew()
     if (!stale) {
         return Outcome::NO_DEVICE;
     }
-    CommandLines listing(LSSCSI);
+    CommandLines listing("lsscsi");
     if (!listing.started()) {
         m_record.write(RESULT_BAD_ARGUMENT);
         COMMLOG(OS_LOG_ERROR, "lsscsi is not enable!");
         return Outcome::NO_LISTING;
     }
     for (std::string line; listing.next(line);) {
-        const std::optional<ScsiAddress> address = addressOfLine(line, stale->device);
+        const std::optional<disk::ScsiAddress> address = disk::addressOfLine(line, stale->device);
         if (address && address->lun != LUN_NEVER_REMOVED) {
             renewAt(*address, *stale);
         }

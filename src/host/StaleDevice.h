@@ -1,11 +1,10 @@
 #ifndef HOST_STALEDEVICE_H
 #define HOST_STALEDEVICE_H
 
-#include "host/LsscsiLine.h"
+#include <ovra/disk/Names.h>
 
+#include <optional>
 #include <string>
-
-class CDiskScannerHandlerImpl;
 
 namespace ovra::tessel {
 
@@ -21,9 +20,8 @@ extern const char* const SEARCH_SEPARATOR;
 class StaleDevice
 {
 public:
-    StaleDevice(CDiskScannerHandlerImpl& scanner, const InterfaceRecord& record, const std::string& path,
-                const std::string& wwn)
-        : m_scanner(scanner), m_record(record), m_path(path), m_wwn(wwn)
+    StaleDevice(const InterfaceRecord& record, const std::string& path, const std::string& wwn)
+        : m_record(record), m_path(path), m_wwn(wwn)
     {
     }
 
@@ -33,6 +31,7 @@ public:
         NO_DEVICE, ///< the SCSI disk behind the device is not known
         NO_LISTING ///< lsscsi could not be started
     };
+    /** Removes the device and has it found again; waits, at most ten seconds, for its name. */
     Outcome renew();
 
 private:
@@ -43,9 +42,9 @@ private:
     };
 
     std::optional<Disk> disk() const;
-    void renewAt(const ScsiAddress& address, const Disk& disk) const;
+    void renewAt(const disk::ScsiAddress& address, const Disk& disk) const;
+    void waitForName(const disk::ScsiAddress& address) const;
 
-    CDiskScannerHandlerImpl& m_scanner;
     const InterfaceRecord& m_record;
     const std::string& m_path;
     const std::string& m_wwn;

@@ -1,9 +1,9 @@
 #include "FuzzTarget.h"
 
-#include "host/ByIdLink.h"
-#include "host/DeviceNames.h"
+#include <ovra/disk/ByIdLink.h>
+#include <ovra/disk/Names.h>
 
-using namespace ovra::tessel;
+using namespace ovra::disk;
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
@@ -15,7 +15,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const std::string name = lastName(link->path);
         mustHold(isPlain(link->path), "the path is nothing but a path");
         mustHold(link->path.rfind("/dev/disk/by-id/../", 0) == 0, "the path is one of the listing");
-        mustHold(isDiskName(name) || isMapperName(name), "the path leads to a disk");
+        mustHold(isNodeName(name), "the path leads to a node below /dev");
         mustHold(line.size() > name.size() &&
                      line.compare(line.size() - name.size() - 1, std::string::npos, "/" + name) == 0,
                  "the name is the line's whole last part");

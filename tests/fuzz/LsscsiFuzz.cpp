@@ -1,8 +1,8 @@
 #include "FuzzTarget.h"
 
-#include "host/LsscsiLine.h"
+#include <ovra/disk/Lsscsi.h>
 
-using namespace ovra::tessel;
+using namespace ovra::disk;
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
@@ -10,9 +10,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const auto device = diskOfLine(line);
         if (device) {
             mustHold(isPlain(*device) && isDiskName(lastName(*device)), "the device is a disk");
-            mustHold(line.find(*device + " ") != std::string::npos ||
-                         line.find(*device + "\t") != std::string::npos,
-                     "the name is whole");
+            mustHold(wordsOf(line).back() == *device, "the name is the line's whole last word");
         }
         for (const std::string& asked : {device.value_or("/dev/sda"), std::string("/dev/sdaa")}) {
             const auto address = addressOfLine(line, asked);

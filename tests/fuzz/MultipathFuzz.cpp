@@ -1,9 +1,9 @@
 #include "FuzzTarget.h"
 
-#include "host/DeviceNames.h"
-#include "host/MultipathMaps.h"
+#include <ovra/disk/Multipath.h>
+#include <ovra/disk/Names.h>
 
-using namespace ovra::tessel;
+using namespace ovra::disk;
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -2,27 +2,28 @@
 
 #include "host/DiskScannerHandlerImpl.h"
 
-#include <algorithm>
-
-using namespace ovra::tessel;
+#include <ovra/disk/Page83.h>
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    std::vector<unsigned char> page(data, data + std::min<size_t>(size, 256));
-    page.resize(256); // as a device that sent less leaves the buffer
-    CDiskScannerHandlerImpl scanner;
-    std::string wwn = "before", lunId = "before";
-    if (scanner.ParseDisk83Page(page.data(), wwn, lunId) != 0) {
-        mustHold(wwn == "before" && lunId == "before", "a page that is refused changes nothing");
-        mustHold(page[7] >= 32, "only long designators are refused");
-        return 0;
+    const std::string page(data, data + size);
+    const size_t length = size > 7 ? data[7] : 0;
+    const auto identity = ovra::disk::parsePage83(page);
+    mustHold(identity.has_value() == (length < 32), "only long designators are refused");
+    if (identity) {
+        mustHold(identity->wwn.size() == 2 * length, "every byte is two digits");
+        mustHold(identity->wwn.find_first_not_of("0123456789abcdef") == std::string::npos,
+                 "the WWN is lowercase");
+        mustHold(identity->lunId.size() <= 11 &&
+                     identity->lunId.find_first_not_of("-0123456789") == std::string::npos,
+                 "the LUN ID is a number");
     }
-    mustHold(wwn.size() == 2u * page[7], "every byte is two digits");
-    mustHold(wwn.find_first_not_of("0123456789abcdef") == std::string::npos, "the WWN is lowercase");
-    mustHold(lunId.size() <= 10 && lunId.find_first_not_of("-0123456789") == std::string::npos,
-             "the LUN ID is a number");
+    for (const std::string& designator : ovra::disk::unitDesignators(page)) {
+        mustHold(!designator.empty() && designator.size() <= 2 * size, "a designator is of the page");
+    }
 
-    std::string text(data, data + size);
+    CDiskScannerHandlerImpl scanner;
+    std::string text = page;
     char decimal[11] = {};
     scanner.HextoDec(decimal, text.data(), sizeof(decimal));
     mustHold(decimal[10] == '\0', "the number is terminated");

@@ -1,8 +1,8 @@
 #include "FuzzTarget.h"
 
-#include "host/RescanCommand.h"
+#include <ovra/disk/RescanScript.h>
 
-using namespace ovra::tessel;
+using namespace ovra::disk;
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -6,6 +6,8 @@
 
 #include <cstdarg>
 #include <cstdlib>
+#include <cstring>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <string>
@@ -20,6 +22,19 @@ template <class Function>
 Function* next(const char* name, Function*)
 {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+/** Where a file stands for the program: below the seam's root for those of the kernel and of udev. */
+std::string placeOf(const char* path)
+{
+    const HostSeam* const seam = HostSeam::active();
+    const std::string name = path;
+    for (const char* const folder : {"/sys/", "/proc/", "/dev/disk/"}) {
+        if (seam != nullptr && name.compare(0, std::strlen(folder), folder) == 0) {
+            return seam->root + name;
+        }
+    }
+    return name;
 }
 
 bool isDisk(const std::string& path)
@@ -47,11 +62,8 @@ FILE* popen(const char* command, const char* mode)
 
 int pclose(FILE* stream)
 {
-    if (HostSeam::active() == nullptr) {
-        return next("pclose", &pclose)(stream);
-    }
-    RecordingPlatform::get().note("pclose");
-    return fclose(stream);
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->pclose(stream) : next("pclose", &pclose)(stream);
 }
 
 FILE* fopen(const char* path, const char* mode)
@@ -59,19 +71,32 @@ FILE* fopen(const char* path, const char* mode)
     HostSeam* const seam = HostSeam::active();
     const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
     if (seam == nullptr || file == seam->files.end()) {
-        return next("fopen", &fopen)(path, mode);
+        return next("fopen", &fopen)(placeOf(path).c_str(), mode);
     }
     return fmemopen(file->second.data(), file->second.size(), "r");
 }
 
 int access(const char* path, int mode) noexcept
 {
-    HostSeam* const seam = HostSeam::active();
-    const std::string name = path;
-    if (seam == nullptr || name.compare(0, 23, "/sys/class/scsi_device/") != 0) {
-        return next("access", &access)(path, mode);
-    }
-    return seam->scsiDevices.count(name) != 0 ? 0 : -1;
+    return next("access", &access)(placeOf(path).c_str(), mode);
+}
+
+DIR* opendir(const char* path)
+{
+    return next("opendir", &opendir)(placeOf(path).c_str());
+}
+
+ssize_t readlink(const char* path, char* target, size_t size) noexcept
+{
+    return next("readlink", &readlink)(placeOf(path).c_str(), target, size);
+}
+
+int clock_gettime(clockid_t clock, timespec* time) noexcept
+{
+    const HostSeam* const seam = HostSeam::active();
+    const int result = next("clock_gettime", &clock_gettime)(clock, time);
+    time->tv_sec += seam != nullptr && clock == CLOCK_MONOTONIC ? seam->clock : 0;
+    return result;
 }
 
 unsigned int sleep(unsigned int seconds)
@@ -85,10 +110,14 @@ unsigned int sleep(unsigned int seconds)
 
 int usleep(useconds_t microseconds)
 {
-    if (HostSeam::active() == nullptr) {
+    const HostSeam* const seam = HostSeam::active();
+    if (seam == nullptr) {
         return next("usleep", &usleep)(microseconds);
     }
     RecordingPlatform::get().note("usleep: " + std::to_string(microseconds));
+    if (seam->onUsleep) {
+        seam->onUsleep();
+    }
     return 0;
 }
 
@@ -112,7 +141,7 @@ int ioctl(int fd, unsigned long request, ...) noexcept
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr && seam->owns(fd) ? seam->ioctl(fd, argument)
+    return seam != nullptr && seam->owns(fd) ? seam->ioctl(fd, request, argument)
                                              : next("ioctl", &ioctl)(fd, request, argument);
 }
 
@@ -135,6 +164,13 @@ int semop(int id, sembuf* operations, size_t count) noexcept
                            : next("semop", &semop)(id, operations, count);
 }
 
+int semtimedop(int id, sembuf* operations, size_t count, const timespec* limit) noexcept
+{
+    HostSeam* const seam = HostSeam::active();
+    return seam != nullptr ? seam->semop(id, operations->sem_op, operations->sem_flg)
+                           : next("semtimedop", &semtimedop)(id, operations, count, limit);
+}
+
 int semctl(int id, int number, int command, ...) noexcept
 {
     va_list arguments;
@@ -142,7 +178,7 @@ int semctl(int id, int number, int command, ...) noexcept
     const long value = va_arg(arguments, long);
     va_end(arguments);
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr ? seam->semctl(id, command, static_cast<int>(value))
+    return seam != nullptr ? seam->semctl(id, command, value)
                            : next("semctl", &semctl)(id, number, command, value);
 }
 

@@ -5,10 +5,15 @@
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <linux/fs.h>
 #include <scsi/sg.h>
 #include <sys/ipc.h>
 #include <sys/sem.h>
 #include <unistd.h>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -31,6 +36,12 @@ T take(std::deque<T>& script, const T& none)
         script.pop_front();
     }
     return next;
+}
+
+std::string temporaryDirectory()
+{
+    char pattern[] = "/tmp/host-seam-XXXXXX";
+    return mkdtemp(pattern);
 }
 
 int failWith(int error)
@@ -56,12 +67,34 @@ std::vector<unsigned char> page83(const std::string& designatorHex)
 
 HostSeam::HostSeam()
 {
+    files["/proc/self/mountinfo"] = "22 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw\n";
+    files["/proc/swaps"] = "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n";
     g_active = this;
 }
 
 HostSeam::~HostSeam()
 {
     g_active = nullptr;
+    fs::remove_all(root);
+}
+
+std::string HostSeam::makePlace(const std::string& path)
+{
+    if (root == "/nonexistent") {
+        root = temporaryDirectory();
+    }
+    fs::create_directories(fs::path(root + path).parent_path());
+    return root + path;
+}
+
+void HostSeam::write(const std::string& path, const std::string& content)
+{
+    std::ofstream(makePlace(path), std::ios::binary) << content;
+}
+
+void HostSeam::link(const std::string& path, const std::string& target)
+{
+    fs::create_symlink(target, makePlace(path));
 }
 
 HostSeam* HostSeam::active()
@@ -71,8 +104,16 @@ HostSeam* HostSeam::active()
 
 void HostSeam::exits(const std::string& command, std::deque<int> codes)
 {
+    for (int& code : codes) {
+        code <<= 8;
+    }
+    ends(command, std::move(codes));
+}
+
+void HostSeam::ends(const std::string& command, std::deque<int> statuses)
+{
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_exits[command] = std::move(codes);
+    m_ends[command] = std::move(statuses);
 }
 
 void HostSeam::prints(const std::string& command, std::deque<std::string> outputs)
@@ -89,6 +130,8 @@ void HostSeam::cannotStart(const std::string& command, int call)
 
 SeamDisk& HostSeam::addDisk(const std::string& name, const std::string& designatorHex)
 {
+    write("/sys/block/" + name + "/dev", "8:" + std::to_string(16 * disks.size()) + "\n");
+    write("/sys/block/" + name + "/device/state", "running\n");
     disks[name].pages = {page83(designatorHex)};
     return disks[name];
 }
@@ -100,7 +143,7 @@ int HostSeam::system(const std::string& command)
         onSystem(command);
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return take(m_exits[command], 1) << 8;
+    return take(m_ends[command], 1 << 8);
 }
 
 std::FILE* HostSeam::popen(const std::string& command)
@@ -118,7 +161,20 @@ std::FILE* HostSeam::popen(const std::string& command)
     }
     m_texts.push_back(take(m_outputs[command], std::string()));
     std::string& text = m_texts.back();
-    return text.empty() ? std::fopen("/dev/null", "r") : fmemopen(text.data(), text.size(), "r");
+    std::FILE* const stream =
+        text.empty() ? std::fopen("/dev/null", "r") : fmemopen(text.data(), text.size(), "r");
+    m_streams[stream] = command;
+    return stream;
+}
+
+int HostSeam::pclose(std::FILE* stream)
+{
+    note("pclose");
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::string command = m_streams.at(stream);
+    m_streams.erase(stream);
+    std::fclose(stream);
+    return take(m_ends[command], 0);
 }
 
 int HostSeam::open(const std::string& path, int flags)
@@ -154,12 +210,18 @@ std::string HostSeam::nameOf(int fd)
     return m_open.at(fd);
 }
 
-int HostSeam::ioctl(int fd, void* argument)
+int HostSeam::ioctl(int fd, unsigned long request, void* argument)
 {
     const std::string name = nameOf(fd);
-    auto* const request = static_cast<sg_io_hdr*>(argument);
+    if (request == BLKFLSBUF) {
+        note("flush: " + name);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const int error = disks.at(name).flushError;
+        return error == 0 ? 0 : failWith(error);
+    }
+    auto* const inquiry = static_cast<sg_io_hdr*>(argument);
     char page[8] = {};
-    std::snprintf(page, sizeof(page), " %02x", request->cmdp[2]);
+    std::snprintf(page, sizeof(page), " %02x", inquiry->cmdp[2]);
     note("inquiry: " + name + page);
     const std::lock_guard<std::mutex> lock(m_mutex);
     SeamDisk& disk = disks.at(name);
@@ -167,18 +229,15 @@ int HostSeam::ioctl(int fd, void* argument)
         return failWith(EIO);
     }
     const std::vector<unsigned char> bytes = take(disk.pages, {});
-    std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(request->dxferp));
-    request->status = disk.scsiStatus;
+    std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(inquiry->dxferp));
+    inquiry->status = disk.scsiStatus;
     return 0;
 }
 
 int HostSeam::fsync(int fd)
 {
-    const std::string name = nameOf(fd);
-    note("fsync: " + name);
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    const int error = disks.at(name).flushError;
-    return error == 0 ? 0 : failWith(error);
+    note("fsync: " + nameOf(fd));
+    return 0;
 }
 
 int HostSeam::semget(int key, int count, int flags)
@@ -190,6 +249,10 @@ int HostSeam::semget(int key, int count, int flags)
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (semgetFails) {
         return failWith(ENOSPC);
+    }
+    if (key == IPC_PRIVATE) {
+        ++otherSets;
+        return nextSemaphoreId++;
     }
     if (semaphoreId < 0 && (flags & IPC_CREAT) == 0) {
         return failWith(ENOENT);
@@ -205,6 +268,9 @@ int HostSeam::semop(int id, int change, int flags)
 {
     note("semop: " + std::to_string(id) + " " + std::to_string(change) +
          ((flags & SEM_UNDO) != 0 ? " undo" : "") + ((flags & IPC_NOWAIT) != 0 ? " nowait" : ""));
+    if (onSemop) {
+        onSemop();
+    }
     std::unique_lock<std::mutex> lock(m_mutex);
     if (!semopErrors.empty()) {
         const int error = semopErrors.front();
@@ -216,9 +282,22 @@ int HostSeam::semop(int id, int change, int flags)
     return 0;
 }
 
-int HostSeam::semctl(int id, int command, int value)
+int HostSeam::semctl(int id, int command, long argument)
 {
-    note("semctl: " + std::to_string(id) + (command == SETVAL ? " SETVAL " : " ? ") + std::to_string(value));
+    if (command == IPC_RMID) {
+        note("semctl: " + std::to_string(id) + " IPC_RMID");
+        --otherSets;
+        return 0;
+    }
+    if (command == GETPID) {
+        return semaphorePid;
+    }
+    if (command == IPC_STAT) {
+        reinterpret_cast<semid_ds*>(argument)->sem_perm.uid = semaphoreUser;
+        return 0;
+    }
+    const int value = static_cast<int>(argument);
+    note("semctl: " + std::to_string(id) + " SETVAL " + std::to_string(value));
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (semctlFails) {
         return failWith(EACCES);

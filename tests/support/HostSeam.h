@@ -7,7 +7,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -19,16 +18,16 @@ struct SeamDisk
     int writeOpenError = 0;                       ///< errno of an open for writing
     int ioctlResult = 0;
     unsigned char scsiStatus = 0;
-    int flushError = 0; ///< errno of fsync
+    int flushError = 0; ///< errno of BLKFLSBUF
 };
 
 /**
  * While one lives, the host that the scanner works on is a script: system, popen, pclose, sleep, usleep, open
- * of disks, ioctl, fsync, System V semaphores and some files of the kernel are answered from it and noted in
- * RecordingPlatform's journal: "system: COMMAND", "popen: COMMAND", "pclose", "sleep: 1", "usleep: 5", "open:
- * PATH rw" or "ro", "inquiry: sdc 83", "fsync: sdc", "semget: 1235 1 0600 create" or "... excl", "semop: ID
- * -1 undo", "semctl: ID SETVAL 1". Nothing sleeps, and no device of this machine is touched. Files that are
- * no disks are opened as ever.
+ * of disks, ioctl, fsync, System V semaphores and the kernel's and udev's files are answered from it and
+ * noted in RecordingPlatform's journal: "system: COMMAND", "popen: COMMAND", "pclose", "sleep: 1", "usleep:
+ * 5", "open: PATH rw" or "ro", "inquiry: sdc 83", "flush: sdc", "fsync: sdc", "semget: 1235 1 0600 create" or
+ * "... excl", "semop: ID -1 undo", "semctl: ID SETVAL 1". Nothing sleeps, and no device of this machine is
+ * touched. /sys, /proc and /dev/disk are those below root; other files are opened as ever.
  */
 class HostSeam
 {
@@ -40,6 +39,8 @@ public:
 
     /** The exit codes of a command in turn, the last one stays; a command not named here ends with 1. */
     void exits(const std::string& command, std::deque<int> codes);
+    /** What system() or pclose() returns for a command in turn, as waitpid() gives it, or -1. */
+    void ends(const std::string& command, std::deque<int> statuses);
     /** What a command prints in turn, the last one stays; a command not named here prints nothing. */
     void prints(const std::string& command, std::deque<std::string> outputs);
     /** popen of this command fails from its n-th call on, counted from 0. */
@@ -50,42 +51,57 @@ public:
     /** Called when a command is started by popen(). */
     std::function<void(const std::string& command)> onPopen;
 
+    /** Called by usleep(). */
+    std::function<void()> onUsleep;
+
     /** What fopen reads, by path, in place of the file. */
     std::map<std::string, std::string> files;
-    /** The entries below /sys/class/scsi_device that access() finds. */
-    std::set<std::string> scsiDevices;
+
+    /** Writes a file below root. */
+    void write(const std::string& path, const std::string& content);
+    /** Makes a symbolic link below root. */
+    void link(const std::string& path, const std::string& target);
+    std::string root = "/nonexistent"; ///< a directory of this test's own, once something is in it
 
     std::map<std::string, SeamDisk> disks; ///< by name, e.g. sdc
-    /** Adds a disk whose first designator is this one. */
+    /** Adds a disk whose first designator is this one, running and used by nothing. */
     SeamDisk& addDisk(const std::string& name, const std::string& designatorHex);
 
     // The semaphore: as the kernel keeps it, with failures on request.
     int semaphoreId = -1; ///< of the set that exists; -1 none
     int semaphoreValue = 0;
     int nextSemaphoreId = 41;
+    int otherSets = 0; ///< private ones that exist
     bool semgetFails = false;
     bool semctlFails = false;
     std::deque<int> semopErrors; ///< errno of the next calls
+    std::function<void()> onSemop;
+    int semaphorePid = 4711;
+    unsigned int semaphoreUser = 1000;
+    long clock = 0; ///< seconds that have passed besides those that have
 
     // The functions that stand in for the C library's.
     int system(const std::string& command);
     std::FILE* popen(const std::string& command);
+    int pclose(std::FILE* stream);
     int open(const std::string& path, int flags);
-    int ioctl(int fd, void* argument);
+    int ioctl(int fd, unsigned long request, void* argument);
     int fsync(int fd);
     int semget(int key, int count, int flags);
     int semop(int id, int change, int flags);
-    int semctl(int id, int command, int value);
+    int semctl(int id, int command, long argument);
     bool owns(int fd);
 
     static HostSeam* active();
 
 private:
     std::string nameOf(int fd);
+    std::string makePlace(const std::string& path);
 
     std::mutex m_mutex;
     std::condition_variable m_freed;
-    std::map<std::string, std::deque<int>> m_exits;
+    std::map<std::string, std::deque<int>> m_ends;
+    std::map<std::FILE*, std::string> m_streams; ///< the command of each
     std::map<std::string, std::deque<std::string>> m_outputs;
     std::map<std::string, int> m_failsFrom;
     std::map<std::string, int> m_started;

@@ -1,6 +1,9 @@
 #include "ScannerTest.h"
 
 #include "host/CommandLines.h"
+#include "host/Interruption.h"
+
+#include <csignal>
 
 using namespace ovra::tessel;
 
@@ -42,10 +45,42 @@ TEST_F(ListingLines, ThatAreTooLongAreEmptyWithAllTheirPieces)
     EXPECT_THAT(of(std::string(1023, 'x') + "/dev/sda \n/dev/sdb \n"), ElementsAre("", "/dev/sdb "));
 }
 
+TEST_F(ListingLines, WithoutANewlineCountWhenTheCommandHasSucceeded)
+{
+    EXPECT_THAT(of("one\n/dev/sda"), ElementsAre("one", "/dev/sda"));
+    EXPECT_THAT(of(std::string(1022, 'x')), ElementsAre(std::string(1022, 'x')));
+    EXPECT_THAT(of(std::string(1023, 'x')), ElementsAre(""));
+    EXPECT_THAT(of(std::string("a\0b", 3)), ElementsAre(""));
+}
+
 TEST_F(ListingLines, ThatTheCommandDidNotEndAreEmpty)
 {
-    EXPECT_THAT(of("one\n/dev/sda"), ElementsAre("one", ""));
-    EXPECT_THAT(of(std::string(1023, 'x')), ElementsAre(""));
+    for (const int status : {-1, 1 << 8, SIGKILL, SIGPIPE}) {
+        seam.ends("list", {status});
+        EXPECT_THAT(of("one\n/dev/sda"), ElementsAre("one", "")) << status;
+    }
+}
+
+TEST_F(ListingLines, ThatAreLeftOutAreTold)
+{
+    of(std::string(2000, 'x') + "\n\x1b[31msda\nnext\n\n");
+    EXPECT_EQ(platform.lines("warn: a line of [list] is not looked at").size(), 2u);
+}
+
+TEST_F(ListingLines, OfACommandThatIsEndedFromTheKeyboardEndTheStepsOfAScan)
+{
+    for (const int signal : {SIGINT, SIGQUIT}) {
+        for (const int status : {signal, (128 + signal) << 8}) {
+            seam.ends("list", {status});
+            EXPECT_THROW(of("one\n"), Interruption);
+            seam.ends("command", {status});
+            EXPECT_THROW(runCommand("command"), Interruption);
+        }
+    }
+    for (const int status : {-1, 0, 1 << 8, SIGTERM, SIGKILL, (128 + SIGTERM) << 8}) {
+        seam.ends("command", {status});
+        EXPECT_EQ(runCommand("command"), status);
+    }
 }
 
 TEST_F(ListingLines, WithBytesThatNoTextHasAreEmpty)

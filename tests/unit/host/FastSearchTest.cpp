@@ -58,12 +58,19 @@ TEST_F(FastSearch, PassesOverANameThatOnlyHoldsTheWwn)
     EXPECT_EQ(find(byIdLine("scsi-S" + std::string(WWN) + "_1", "sdc")), "");
 }
 
-TEST_F(FastSearch, PassesOverNamesOfNoIdentityAndLinksToNoDisk)
+TEST_F(FastSearch, PassesOverNamesOfNoIdentityAndLinksToNoNode)
 {
-    EXPECT_EQ(find(byIdLine("ata-" + std::string(WWN), "sdc") + byIdLine(name, "sr0") + "total 0\n\n"), "");
-    EXPECT_THAT(platform.journal(),
+    EXPECT_EQ(find(byIdLine("ata-" + std::string(WWN), "sdc") + byIdLine(name, "s r0") + "total 0\n\n"), "");
+    EXPECT_THAT(journalWithout({"warn: a link to a device of an unusual name is not looked at ["}),
                 ElementsAre("popen: " + fastListing(), "info: disk info [/dev/disk/by-id/../../sdc]",
                             "pclose", "record GetDiskPathForWWN 0"));
+    EXPECT_EQ(platform.lines("warn: ").size(), 1u);
+}
+
+TEST_F(FastSearch, LooksAtNodesThatAreNoScsiDisks)
+{
+    seam.addDisk("sdkx0", WWN); // no name of a SCSI disk
+    EXPECT_EQ(find(byIdLine(name, "sdkx0")), "/dev/disk/by-id/../../sdkx0");
 }
 
 TEST_F(FastSearch, NeverMatchesAWwnInUpperCase)

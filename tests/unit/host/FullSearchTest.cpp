@@ -1,5 +1,7 @@
 #include "ScannerTest.h"
 
+#include <filesystem>
+
 using testing::ElementsAre;
 
 class FullSearchOfDisks : public ScannerTest
@@ -92,6 +94,7 @@ TEST_F(FullSearchOfDisks, SkipsALineThatIsCutShort)
     seam.addDisk("sda", WWN);
     std::string listing = byIdLine(name, "sdaa");
     listing.resize(listing.size() - 2);
+    seam.ends(BY_ID, {9});
     EXPECT_EQ(find(listing), "");
     EXPECT_THAT(platform.lines("inquiry:"), ElementsAre());
 }
@@ -110,6 +113,28 @@ TEST_F(FullSearchOfDisks, NeverMatchesAWwnInUpperCase)
     seam.addDisk("sdc", wwn);
     EXPECT_EQ(find(byIdLine("scsi-3" + wwn, "sdc")), "");
     EXPECT_THAT(commands(), ElementsAre());
+}
+
+TEST_F(FullSearchOfDisks, NamesADiskThatCarriesTheWwnAndHasNoName)
+{
+    seam.addDisk("sdc", WWN);
+    seam.write("/sys/block/sdc/device/wwid", "naa." + wwn + "\n");
+    EXPECT_EQ(find(""), "");
+    EXPECT_THAT(
+        platform.lines("warn: "),
+        ElementsAre("warn: /dev/sdc carries the WWN of Lun 7, but has no name in /dev/disk/by-id: it is not "
+                    "found before udev has named it."));
+}
+
+TEST_F(FullSearchOfDisks, AsksNoDiskThatIsNotRunning)
+{
+    seam.addDisk("sdc", WWN);
+    seam.write("/sys/block/sdc/device/state", "offline\n");
+    seam.addDisk("dm-3", WWN);
+    std::filesystem::remove_all(seam.root + "/sys/block/dm-3/device");
+    seam.write("/sys/block/dm-3/slaves/sdc/dev", "8:32\n");
+    EXPECT_EQ(find(byIdLine(name, "sdc") + byIdLine(name, "dm-3")), "");
+    EXPECT_THAT(platform.lines("open: "), ElementsAre());
 }
 
 TEST_F(FullSearchOfDisks, WithKorvexRemovesNoStaleDevice)

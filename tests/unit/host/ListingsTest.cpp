@@ -1,17 +1,21 @@
 #include "ScannerTest.h"
 
-#include "host/ByIdLink.h"
-#include "host/DeviceNames.h"
-#include "host/LsscsiLine.h"
-#include "host/MultipathMaps.h"
+#include "host/DeviceRemoval.h"
 
-using namespace ovra::tessel;
+#include <ovra/disk/ByIdLink.h>
+#include <ovra/disk/Files.h>
+#include <ovra/disk/Lsscsi.h>
+#include <ovra/disk/Multipath.h>
+
+#include <set>
+
+using namespace ovra::disk;
 
 using testing::ElementsAre;
 
 namespace {
 
-std::string identifierOf(const std::string& name)
+std::string identityIn(const std::string& name)
 {
     const std::string line = byIdLine(name, "sdc");
     const auto parsed = ByIdLink::parse(line.substr(0, line.size() - 1));
@@ -46,31 +50,39 @@ TEST(ByIdListing, NamesTheDeviceAndItsIdentity)
 {
     EXPECT_EQ(pathOf("../../sdc"), "/dev/disk/by-id/../../sdc");
     EXPECT_EQ(pathOf("../../dm-12"), "/dev/disk/by-id/../../dm-12");
-    EXPECT_EQ(identifierOf("scsi-3600a0b80"), "600a0b80");
-    EXPECT_EQ(identifierOf("wwn-0x600a0b80"), "600a0b80");
-    EXPECT_EQ(identifierOf("scsi-SOVRA_TESSEL_7"), "OVRA_TESSEL_7");
+    EXPECT_EQ(identityIn("scsi-3600a0b80"), "600a0b80");
+    EXPECT_EQ(identityIn("wwn-0x600a0b80"), "600a0b80");
+    EXPECT_EQ(identityIn("scsi-SOVRA_TESSEL_7"), "OVRA_TESSEL_7");
 }
 
 TEST(ByIdListing, WithNeitherKindOfNameSaysNothingOfTheIdentity)
 {
-    EXPECT_EQ(identifierOf("ata-QEMU_HARDDISK_QM00001"), "");
-    EXPECT_EQ(identifierOf("dm-name-mpatha"), "");
-    EXPECT_EQ(identifierOf("scsi-"), "");
-    EXPECT_EQ(identifierOf("scsi-3"), "");
+    EXPECT_EQ(identityIn("ata-QEMU_HARDDISK_QM00001"), "");
+    EXPECT_EQ(identityIn("dm-name-mpatha"), "");
+    EXPECT_EQ(identityIn("scsi-"), "");
+    EXPECT_EQ(identityIn("scsi-3"), "");
 }
 
-TEST(ByIdListing, LeadsToNothingButDisksAndMapperNodes)
+TEST(ByIdListing, LeadsToAnyNodeWithAHarmlessName)
+{
+    for (const char* const node : {"sr0", "nvme0n1", "vda", "sdc1", "sdC", "kxdisk_3", "a.b:c-d"}) {
+        EXPECT_EQ(pathOf("../../" + std::string(node)), "/dev/disk/by-id/../../" + std::string(node));
+    }
+}
+
+TEST(ByIdListing, LeadsNowhereElse)
 {
     for (const char* const target :
-         {"../../sr0", "../../nvme0n1", "../../sdc1", "../../sd", "../../sdC", "../../sda;reboot",
-          "../../dm-", "../../dm-3x", "../../sda -> ../../sdb", "../../", "../../mapper/dm-3", "../../sdc ",
-          "../.././sdc", "../../$(reboot)", "../../sdaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", "/dev/sdc"}) {
+         {"../../sda;reboot", "../../sda -> ../../sdb", "../../", "../../mapper/dm-3", "../../sdc ",
+          "../.././sdc", "../../$(reboot)", "../../`reboot`", "../../-v", "../../.hidden", "../../..",
+          "../../s\xc3\xa4", "../../sdaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", "/dev/sdc"}) {
         EXPECT_EQ(pathOf(target), "") << target;
     }
 }
 
-TEST(LsscsiListing, EndsInTheDiskAndABlank)
+TEST(LsscsiListing, EndsInTheDiskWithOrWithoutABlank)
 {
+    EXPECT_EQ(diskOf("[2:0:23:0]   disk    Linux    scsi_debug       0191  /dev/sdaa"), "/dev/sdaa");
     EXPECT_EQ(diskOf("[2:0:0:1]    disk    OVRA     TESSEL           0001  /dev/sdc "), "/dev/sdc");
     EXPECT_EQ(diskOf("[2:0:0:1]    disk    OVRA     TESSEL           0001  /dev/sdaa "), "/dev/sdaa");
 }
@@ -78,13 +90,27 @@ TEST(LsscsiListing, EndsInTheDiskAndABlank)
 TEST(LsscsiListing, IsNotCutToANameThatItDoesNotHold)
 {
     for (const char* const line :
-         {"[2:0:0:1]    disk    OVRA     TESSEL           0001  /dev/sdaa", "[2:0:0:1] disk /dev/sda",
-          "[2:0:0:1]    disk    OVRA     TESSEL           0001  - ", "[1:0:0:0] cd/dvd QEMU /dev/sr0 ",
+         {"[2:0:0:1]    disk    OVRA     TESSEL           0001  - ", "[1:0:0:0] cd/dvd QEMU /dev/sr0 ",
           "[N:0:1:1]    disk    NVMe  /dev/nvme0n1 ", "[2:0:0:1] disk /dev/sda;reboot ", "/dev/", "/dev/ ",
-          "", "[2:0:0:1] disk /dev/sda  /dev/sg1 ", "[2:0:0:1] disk OVRA /dev/sda TESSEL 0001 /dev/sdb ",
+          "", "[2:0:0:1] disk /dev/sda  /dev/sg1 ", "[2:0:0:1] disk x/dev/sda", "[2:0:0:1] disk /dev/x/sda",
           "[2:0:0:1] disk $(reboot)/dev/sda`reboot` "}) {
         EXPECT_EQ(diskOf(line), "") << line;
     }
+}
+
+TEST(LsscsiListing, AsTheRealToolPrintsItNamesEveryDisk)
+{
+    const std::vector<std::string> lines = linesOf(contentOf(CORPUS "/lsscsi/lab_guest"));
+    ASSERT_EQ(lines.size(), 34u);
+    std::set<std::string> disks;
+    for (const std::string& line : lines) {
+        disks.insert(diskOf(line));
+        EXPECT_EQ(addressOf(line, diskOf(line)), line.substr(1, line.find(']') - 1)) << line;
+    }
+    EXPECT_EQ(disks.size(), lines.size());
+    EXPECT_EQ(disks.count("/dev/sdz"), 1u);
+    EXPECT_EQ(disks.count("/dev/sdaa"), 1u);
+    EXPECT_EQ(disks.count("/dev/sdah"), 1u);
 }
 
 TEST(LsscsiListing, GivesTheAddressOfItsOwnDeviceOnly)
@@ -171,7 +197,7 @@ class Wwn : public ScannerTest
 TEST_F(Wwn, OfAnArrayIsUsable)
 {
     for (const char* const usable : {WWN, "60:0A:0b", "eui.0025385971b0", "a_b-c"}) {
-        EXPECT_TRUE(isUsableWwn(usable)) << usable;
+        EXPECT_TRUE(ovra::tessel::checkWwn(usable)) << usable;
     }
     EXPECT_THAT(platform.journal(), ElementsAre());
 }
@@ -183,7 +209,7 @@ TEST_F(Wwn, ThatIsEmptyOrHoldsAnotherCharacterIsRefusedWithAnError)
         "60|x", "60&x", "60\n",      "60'",       "60\"",
         "60*",  "60/",  "-v",        "6\xc3\xa4", std::string("60\0x", 4)};
     for (const std::string& text : refused) {
-        EXPECT_FALSE(isUsableWwn(text)) << text;
+        EXPECT_FALSE(ovra::tessel::checkWwn(text)) << text;
     }
     EXPECT_EQ(platform.lines("error: ").size(), refused.size());
 }

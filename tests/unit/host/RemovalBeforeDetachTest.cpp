@@ -1,5 +1,8 @@
 #include "ScannerTest.h"
 
+#include <csignal>
+#include <filesystem>
+
 using testing::ElementsAre;
 
 namespace {
@@ -26,18 +29,18 @@ TEST_F(RemovalOfDisks, RemovesBothPathsInTheFirstPassAndEndsAfterTheSecond)
     seam.addDisk("sdd", WWN);
     list({canary + scsi("3:0:0:1", "sdd") + scsi("2:0:0:1", "sdc"), canary});
     scanner.scanLunBeforeDetach(id);
-    EXPECT_THAT(platform.journal(),
-                ElementsAre("info: enter scanLunBeforeDetach successfully!",
-                            "info: enter getLun successfully!", "GET /lun/7", "record getLun 0",
-                            "info: leave getLun successfully!", "popen: lsscsi", "pclose",
-                            "open: /dev/sda rw", "open: /dev/sda ro", "open: /dev/sdc rw", "inquiry: sdc 83",
-                            "open: /dev/sdc ro", "fsync: sdc", "open: /dev/sdc rw", "inquiry: sdc 83",
-                            "info: delete disk cmd[" + removal("sdc") + "]", "system: " + removal("sdc"),
-                            "open: /dev/sdd rw", "inquiry: sdd 83", "open: /dev/sdd ro", "fsync: sdd",
-                            "open: /dev/sdd rw", "inquiry: sdd 83",
-                            "info: delete disk cmd[" + removal("sdd") + "]", "system: " + removal("sdd"),
-                            "popen: lsscsi", "pclose", "open: /dev/sda rw", "open: /dev/sda ro",
-                            "info: leave scanLunBeforeDetach successfully!", "record scanLunBeforeDetach 0"));
+    EXPECT_THAT(
+        platform.journal(),
+        ElementsAre("info: enter scanLunBeforeDetach successfully!", "info: enter getLun successfully!",
+                    "GET /lun/7", "record getLun 0", "info: leave getLun successfully!", "popen: lsscsi",
+                    "pclose", "open: /dev/sda rw", "open: /dev/sda ro", "open: /dev/sdc rw",
+                    "inquiry: sdc 83", "open: /dev/sdc ro", "flush: sdc", "fsync: sdc", "open: /dev/sdc rw",
+                    "inquiry: sdc 83", "info: delete disk cmd[" + removal("sdc") + "]",
+                    "system: " + removal("sdc"), "open: /dev/sdd rw", "inquiry: sdd 83", "open: /dev/sdd ro",
+                    "flush: sdd", "fsync: sdd", "open: /dev/sdd rw", "inquiry: sdd 83",
+                    "info: delete disk cmd[" + removal("sdd") + "]", "system: " + removal("sdd"),
+                    "popen: lsscsi", "pclose", "open: /dev/sda rw", "open: /dev/sda ro",
+                    "info: leave scanLunBeforeDetach successfully!", "record scanLunBeforeDetach 0"));
 }
 
 TEST_F(RemovalOfDisks, RemovesASnapshotsDisk)
@@ -170,7 +173,7 @@ TEST_F(RemovalOfDisks, RemovesADiskInUseAndNamesEveryUse)
     EXPECT_THAT(commands(), ElementsAre(removal("sdc")));
     EXPECT_THAT(platform.lines("warn: "),
                 ElementsAre("warn: /dev/sdc is removed while in use: sdc is mounted on /data",
-                            "warn: /dev/sdc is removed while in use: sdc is used as swap"));
+                            "warn: /dev/sdc is removed while in use: sdc is swapped to"));
 }
 
 TEST_F(RemovalOfDisks, SkipsNamesThatAreNoDisksOrNotWhole)
@@ -178,8 +181,8 @@ TEST_F(RemovalOfDisks, SkipsNamesThatAreNoDisksOrNotWhole)
     for (const char* const name : {"sda", "sdc", "sdaa", "sr0"}) {
         seam.addDisk(name, WWN);
     }
-    list({"[2:0:0:1]    disk    OVRA     TESSEL           0001  /dev/sdaa\n"
-          "[2:0:0:2]    disk    OVRA     TESSEL           0001  /dev/sdc;reboot \n"
+    seam.ends("lsscsi", {SIGKILL}); // before it has written its last line
+    list({"[2:0:0:2]    disk    OVRA     TESSEL           0001  /dev/sdc;reboot \n"
           "[2:0:0:3]    disk    OVRA     TESSEL           0001  /dev/sr0 \n"
           "[2:0:0:4]    disk    OVRA     TESSEL           0001  - \n"
           "[2:0:0:5]    disk    OVRA     " +
@@ -187,6 +190,67 @@ TEST_F(RemovalOfDisks, SkipsNamesThatAreNoDisksOrNotWhole)
     scanner.scanLunBeforeDetach(id);
     EXPECT_THAT(commands(), ElementsAre());
     EXPECT_THAT(platform.lines("open:"), ElementsAre());
+}
+
+TEST_F(RemovalOfDisks, RemovesADiskBeyondSdz)
+{
+    seam.addDisk("sdaa", WWN);
+    list({canary + "[2:0:23:0]   disk    Linux    scsi_debug       0191  /dev/sdaa\n", canary});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(commands(), ElementsAre(removal("sdaa")));
+}
+
+TEST_F(RemovalOfDisks, SaysThatItFoundNone)
+{
+    seam.addDisk("sdc", OTHER_WWN);
+    list({scsi("2:0:0:1", "sdc")});
+    scanner.scanLunBeforeDetach(id);
+    scanner.scanSnapshotBeforeDetach(id);
+    EXPECT_THAT(platform.lines("warn: "),
+                ElementsAre("warn: No device of LUN 7 was found on this host: none was removed.",
+                            "warn: No device of snapshot 7 was found on this host: none was removed."));
+}
+
+TEST_F(RemovalOfDisks, DoesNotAskADiskThatIsAwayAndSaysThatItStays)
+{
+    seam.addDisk("sdc", WWN);
+    seam.write("/sys/block/sdc/device/state", "transport-offline\n");
+    seam.write("/sys/block/sdc/device/wwid", "naa." + wwn + "\n");
+    list({scsi("2:0:0:1", "sdc")});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(commands(), ElementsAre());
+    EXPECT_THAT(platform.lines("open: "), ElementsAre());
+    EXPECT_EQ(platform.lines("warn: sdc has its WWN, but does not answer").size(), 1u);
+}
+
+TEST_F(RemovalOfDisks, WritesBackWhatStandsOnTheDiskFirstAndNothingToWhatIsDead)
+{
+    for (const char* const name : {"sdc", "sdc1", "dm-0", "dm-1"}) {
+        seam.addDisk(name, WWN);
+    }
+    seam.write("/sys/block/sdc/sdc1/partition", "1\n");
+    seam.write("/sys/block/sdc/sdc1/holders/dm-0/x", "");
+    seam.write("/sys/block/dm-0/holders/dm-1/x", "");
+    std::filesystem::remove_all(seam.root + "/sys/block/dm-0/device");
+    std::filesystem::remove_all(seam.root + "/sys/block/dm-1/device");
+    seam.write("/sys/block/dm-1/slaves/sdx/x", "");
+    seam.write("/sys/block/sdx/device/state", "offline\n");
+    list({scsi("2:0:0:1", "sdc"), ""});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(platform.lines("flush: "), ElementsAre("flush: dm-0", "flush: sdc1", "flush: sdc"));
+    EXPECT_EQ(count("warn: /dev/dm-1 is not running: data not yet written to it is lost"), 1u);
+    EXPECT_THAT(commands(), ElementsAre(removal("sdc")));
+}
+
+TEST_F(RemovalOfDisks, ThatMayBeInUseSaysSo)
+{
+    seam.addDisk("sdc", WWN);
+    seam.files.erase("/proc/self/mountinfo");
+    list({scsi("2:0:0:1", "sdc"), ""});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(platform.lines("warn: "),
+                ElementsAre("warn: /dev/sdc is removed, whether it is in use cannot be told: "
+                            "/proc/self/mountinfo cannot be read"));
 }
 
 TEST_F(RemovalOfDisks, EndsWhenTheDevicesCannotBeListed)

@@ -18,8 +18,18 @@ TEST_F(RescanLock, IsMadeFreeWhenItIsMissing)
     seam.semaphoreId = -1;
     EXPECT_EQ(lock.InitLock(), 0);
     EXPECT_THAT(platform.journal(),
-                ElementsAre("semget: 1235 1 0000 excl", "semget: 1235 1 0600 create", "semctl: 41 SETVAL 1",
-                            "info: InitLock Succeed.New semId:[41]"));
+                ElementsAre("semget: 1235 1 0000 excl", "semget: 0 1 0600", "semget: 1235 1 0600 create",
+                            "semctl: 42 SETVAL 1", "info: InitLock Succeed.New semId:[42]",
+                            "semctl: 41 IPC_RMID"));
+}
+
+TEST_F(RescanLock, ThatIsMadeNeverGetsTheIdZero)
+{
+    seam.semaphoreId = -1;
+    seam.nextSemaphoreId = 0;
+    EXPECT_EQ(lock.InitLock(), 0);
+    EXPECT_EQ(seam.semaphoreId, 1);
+    EXPECT_EQ(seam.otherSets, 0);
 }
 
 TEST_F(RescanLock, IsLeftAsItIsWhenItExists)
@@ -35,6 +45,7 @@ TEST_F(RescanLock, WithTheIdZeroCountsAsMissing)
     seam.semaphoreId = 0;
     EXPECT_EQ(lock.InitLock(), 0);
     EXPECT_THAT(platform.lines("info:"), ElementsAre("info: InitLock Succeed.New semId:[0]"));
+    EXPECT_EQ(platform.lines("warn: The rescan lock has the ID 0").size(), 1u);
     EXPECT_EQ(seam.semaphoreValue, 1);
 }
 
@@ -52,6 +63,7 @@ TEST_F(RescanLock, ThatCannotBeSetFreeIsSaidSo)
     seam.semctlFails = true;
     EXPECT_EQ(lock.InitLock(), -1);
     EXPECT_THAT(platform.lines("error:"), ElementsAre("error: Init Lock failed."));
+    EXPECT_EQ(seam.otherSets, 0);
 }
 
 TEST_F(RescanLock, IsTakenWithoutLimitAndGivenBackByTheKernelWhenItsHolderDies)
@@ -101,6 +113,43 @@ TEST_F(RescanLock, ThatCannotBeReleasedIsSaidSo)
     seam.semctlFails = true;
     EXPECT_EQ(lock.ReleaseLock(), -1);
     EXPECT_THAT(platform.lines("error:"), ElementsAre("error: UnLock sem[41] failed."));
+}
+
+TEST_F(RescanLock, IsGivenBackByTheIdThatItWasTakenWithWhenItCannotBeFound)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    seam.semgetFails = true;
+    EXPECT_EQ(lock.ReleaseLock(), 0);
+    EXPECT_EQ(seam.semaphoreValue, 1);
+    EXPECT_EQ(platform.lines("warn: The rescan lock could only be given back by").size(), 1u);
+    EXPECT_EQ(lock.ReleaseLock(), -1) << "it is no longer held";
+}
+
+TEST_F(RescanLock, IsGivenBackByAddingToItWhenItCannotBeSet)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    seam.semctlFails = true;
+    EXPECT_EQ(lock.ReleaseLock(), 0);
+    EXPECT_EQ(seam.semaphoreValue, 1);
+    EXPECT_EQ(count("semop: 41 1 undo nowait"), 1u);
+}
+
+TEST_F(RescanLock, IsAskedForWithoutATimeWhereTheTimedCallIsNotAllowed)
+{
+    seam.semopErrors = {EPERM};
+    EXPECT_EQ(lock.GetLock(), 0);
+    EXPECT_EQ(seam.semaphoreValue, 0);
+}
+
+TEST_F(RescanLock, ThatIsLongInComingIsSaidOnce)
+{
+    seam.semopErrors = {EAGAIN, EINTR, EAGAIN, EAGAIN};
+    seam.onSemop = [&] { seam.clock += 30; };
+    EXPECT_EQ(lock.GetLock(), 0);
+    EXPECT_THAT(
+        platform.lines("warn: "),
+        ElementsAre("warn: Waiting for the rescan lock for more than 60 s: process 4711 holds it. Its "
+                    "semaphore [41] is that of user 1000."));
 }
 
 class Construction : public ScannerTest

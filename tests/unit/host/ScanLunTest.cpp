@@ -2,6 +2,10 @@
 
 #include <tessel/Exception.h>
 
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
 using testing::ElementsAre;
 
 class ScanLun : public ScannerTest
@@ -154,6 +158,74 @@ TEST_F(ScanLun, PassesATransportFailureOnWithOneRecordOfItsCode)
     platform.reply(Reply::noAnswer(7));
     EXPECT_THROW(scanner.scanLunAfterAttach(id), OvraAPIException);
     EXPECT_THAT(platform.lines("record"), ElementsAre("record! getLun 7", "record! scanLunAfterAttach 7"));
+}
+
+TEST_F(ScanLun, EndedFromTheKeyboardRunsNoFurtherStepAndFreesTheLock)
+{
+    connect();
+    for (const char* const command : {WHICH, SCRIPT, TMP_BLOCK, BY_ID}) {
+        platform.reset();
+        platform.reply(Reply::object(R"({"ID":"7","WWN":")" + wwn + R"("})"));
+        seam.ends(command, {SIGINT});
+        EXPECT_EQ(scanner.scanLunAfterAttach(id), "");
+        seam.ends(command, {command == std::string(BY_ID) ? 0 : 1 << 8});
+        EXPECT_EQ(lastScanSignal(), SIGINT);
+        EXPECT_EQ(seam.semaphoreValue, 1);
+        EXPECT_EQ(platform.lines("error: A command of the host was ended by signal 2").size(), 1u) << command;
+        EXPECT_EQ(platform.journal().back(), "record! scanLunAfterAttach 1");
+        EXPECT_THAT(platform.lines("warn:"), ElementsAre());
+        std::vector<std::string> run;
+        for (const std::string& line :
+             journalWithout({"info", "warn", "error", "sem", "GET", "record", "pclose"})) {
+            run.push_back(line.substr(line.find(": ") + 2));
+        }
+        EXPECT_EQ(run.back(), command) << "nothing was run after it";
+    }
+    platform.reply(Reply::object(R"({"ID":"7","WWN":")" + wwn + R"("})"));
+    EXPECT_EQ(scanner.scanLunAfterAttach(id), "/dev/disk/by-id/../../sdc");
+    EXPECT_EQ(lastScanSignal(), 0);
+}
+
+TEST_F(ScanLun, OfWhichNoCommandTellsHowItEndedLooksForKorvexInPath)
+{
+    char pattern[] = "/tmp/korvex-XXXXXX";
+    const std::filesystem::path folder = mkdtemp(pattern);
+    std::ofstream(folder / "kxRescan") << "#!/bin/sh\n";
+    std::filesystem::permissions(folder / "kxRescan", std::filesystem::perms(0755));
+    for (const int status : {-1, 127 << 8}) {
+        seam.ends(WHICH, {status});
+        setenv("PATH", folder.c_str(), 1);
+        platform.reset();
+        scanner.scanLunAfterAttach(id);
+        EXPECT_THAT(commands(), ElementsAre(WHICH, KORVEX, TMP_BLOCK));
+        setenv("PATH", "/nonexistent", 1);
+        platform.reset();
+        scanner.scanLunAfterAttach(id);
+        EXPECT_THAT(commands(), ElementsAre(WHICH, SCRIPT, SCRIPT, TMP_BLOCK));
+    }
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(ScanLun, ThatCannotTellWhetherKorvexIsInstalledRemovesNothing)
+{
+    const std::string loop = "/proc/self/exe/" + std::string(5000, 'x'); // no such name can be looked at
+    setenv("PATH", loop.c_str(), 1);
+    seam.ends(WHICH, {-1});
+    seam.addDisk("sdc", WWN);
+    seam.prints(BY_ID, {byIdLine("scsi-3" + std::string(OTHER_WWN), "sdc")}); // stale
+    seam.prints("lsscsi", {scsi("2:0:0:1", "sdc")});
+    scanner.scanLunAfterAttach(id);
+    const std::string only = "rescan-scsi-bus.sh >/dev/null 2>&1";
+    EXPECT_THAT(commands(), ElementsAre(WHICH, only, only, TMP_BLOCK));
+    scanner.scanLunBeforeDetach(id);
+    scanner.scanSnapshotBeforeDetach(id);
+    EXPECT_EQ(commands().size(), 4u) << "no removal";
+    EXPECT_EQ(count("info: Korvex installed,No need to delete device"), 0u);
+    EXPECT_GE(platform.lines("error: It cannot be told whether Korvex is installed").size(), 3u);
+
+    setenv("PATH", "/nonexistent", 1); // now it can
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_EQ(commands()[4], "echo 1 > /sys/block/sdc/device/delete");
 }
 
 class ScannerThatThrows : public CDiskScannerHandlerImpl

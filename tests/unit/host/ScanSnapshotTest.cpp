@@ -2,6 +2,7 @@
 
 #include <tessel/Exception.h>
 
+#include <csignal>
 #include <thread>
 
 using testing::ElementsAre;
@@ -142,6 +143,17 @@ TEST_F(ScanSnapshot, WithoutASnapshotHandlerIsRefused)
     EXPECT_THAT(platform.journal(), ElementsAre("info: enter scanSnapshotAfterAttach successfully!",
                                                 "error: get snapshotHandler fail! scanSnapshotAfterAttach",
                                                 "record! scanSnapshotAfterAttach 1"));
+}
+
+TEST_F(ScanSnapshot, EndedFromTheKeyboardEndsTheScanForItsWaitersToo)
+{
+    g_korvexInstalled = true;
+    seam.ends(KORVEX, {130 << 8});
+    EXPECT_EQ(scanner.scanSnapshotAfterAttach(id), "");
+    EXPECT_THAT(commands(), ElementsAre(KORVEX));
+    EXPECT_EQ(lastScanSignal(), SIGINT);
+    EXPECT_EQ(GetScanState(), KX_RESCAN_ENDED);
+    EXPECT_EQ(seam.semaphoreValue, 1);
 }
 
 TEST_F(ScanSnapshot, WithoutTheLockDoesNotRescanAndStartsNoScan)

@@ -1,5 +1,8 @@
 #include "ScannerTest.h"
 
+#include <csignal>
+#include <filesystem>
+
 using testing::ElementsAre;
 
 /** sdc carries the wanted LUN by now, but udev knows it under the names of the disk that was there before. */
@@ -13,6 +16,13 @@ protected:
         seam.prints("lsscsi", {scsi("2:0:0:0", "sda") + scsi("2:0:0:1", "sdc")});
     }
 
+    /** The kernel has found the disk again at its address, and udev has named it. */
+    void nameRenewed(const std::string& name)
+    {
+        seam.write("/sys/class/scsi_device/2:0:0:1/device/block/" + name + "/dev", "8:32\n");
+        seam.link("/dev/disk/by-id/scsi-3" + wwn, "../../" + name);
+    }
+
     std::string find() { return scanner.GetDiskPath(id, wwn, MO_LUN); }
 
     const std::string remove = "echo 1 > /sys/class/scsi_device/2:0:0:1/device/delete";
@@ -21,6 +31,7 @@ protected:
 
 TEST_F(StaleDeviceNames, AreRenewedAndTheDiskFoundInTheSecondPass)
 {
+    nameRenewed("sdc");
     seam.prints(BY_ID, {byIdLine("scsi-3" + std::string(OTHER_WWN), "sdc"), byIdLine("scsi-3" + wwn, "sdc")});
     EXPECT_EQ(find(), "/dev/disk/by-id/../../sdc");
     EXPECT_THAT(
@@ -29,7 +40,7 @@ TEST_F(StaleDeviceNames, AreRenewedAndTheDiskFoundInTheSecondPass)
                     std::string("info: ") + LINE, "info: strDiskPath [/dev/disk/by-id/../../sdc]",
                     "open: /dev/disk/by-id/../../sdc rw", "inquiry: sdc 83", "info: Target Lun ID [7]",
                     std::string("info: ") + LINE, "popen: lsscsi", "open: /dev/disk/by-id/../../sdc ro",
-                    "fsync: sdc", "open: /dev/disk/by-id/../../sdc rw", "inquiry: sdc 83",
+                    "flush: sdc", "fsync: sdc", "open: /dev/disk/by-id/../../sdc rw", "inquiry: sdc 83",
                     "info: strShellCmd NO1 [" + remove + "]", "system: " + remove,
                     "info: strShellCmd NO2 [" + scan + "]", "system: " + scan, std::string("info: ") + LINE,
                     "sleep: 1", "pclose", std::string("popen: ") + BY_ID, "pclose",
@@ -66,6 +77,7 @@ TEST_F(StaleDeviceNames, OfSdaAreNotThoseOfSdaa)
 TEST_F(StaleDeviceNames, AreNotRenewedByALineThatHoldsACommandOrIsCut)
 {
     const std::string cut = scsi("5:0:0:3", "sdcc");
+    seam.ends("lsscsi", {SIGKILL}); // before it has written its last line
     seam.prints("lsscsi", {scsi("2:0:0:1;reboot", "sdc") + scsi("$(reboot):0:0:1", "sdc") +
                            scsi("2:0:0:1", "sdc;reboot") + "[2:0:0:1]" + std::string(1100, ' ') +
                            "/dev/sdc \n" + cut.substr(0, cut.size() - 3)});
@@ -91,12 +103,12 @@ TEST_F(StaleDeviceNames, AreNotRenewedWhenTheDiskNoLongerAnswers)
 TEST_F(StaleDeviceNames, AreNotRenewedAtAnAddressThatIsAnotherDisksByNow)
 {
     const std::string disks = "/sys/class/scsi_device/2:0:0:1/device/block";
-    seam.scsiDevices = {disks, disks + "/sdd"};
+    seam.write(disks + "/sdd/dev", "8:48\n");
     EXPECT_EQ(find(), "");
     EXPECT_THAT(commands(), ElementsAre());
     EXPECT_EQ(platform.lines("error: /dev/sdc is no longer the device at 2:0:0:1").size(), 2u);
 
-    seam.scsiDevices = {disks, disks + "/sdc"};
+    seam.write(disks + "/sdc/dev", "8:32\n");
     find();
     EXPECT_THAT(commands(), ElementsAre(remove, scan, remove, scan));
 }
@@ -107,6 +119,51 @@ TEST_F(StaleDeviceNames, OfADiskInUseAreRenewedAndTheUseNamed)
     find();
     EXPECT_THAT(commands(), ElementsAre(remove, scan, remove, scan));
     EXPECT_EQ(count("warn: /dev/sdc is removed while in use: sdc is mounted on /data"), 2u);
+}
+
+TEST_F(StaleDeviceNames, AreWaitedForUntilUdevHasNamedTheRenewedDisk)
+{
+    // Before, the name leads to the disk that now is another one: two LUNs have exchanged their numbers.
+    seam.write("/sys/class/scsi_device/2:0:0:1/device/block/sdc/dev", "8:32\n");
+    seam.link("/dev/disk/by-id/scsi-3" + wwn, "../../sdb");
+    seam.prints(BY_ID, {byIdLine("scsi-3" + wwn, "sdb") + byIdLine("scsi-3" + std::string(OTHER_WWN), "sdc"),
+                        byIdLine("scsi-3" + wwn, "sdc")});
+    seam.addDisk("sdb", OTHER_WWN);
+    seam.onUsleep = [&] {
+        if (platform.lines("usleep:").size() == 3) {
+            std::filesystem::remove(seam.root + "/dev/disk/by-id/scsi-3" + wwn);
+            seam.link("/dev/disk/by-id/scsi-3" + wwn, "../../sdc");
+        }
+    };
+    EXPECT_EQ(find(), "/dev/disk/by-id/../../sdc");
+    EXPECT_EQ(platform.lines("usleep:").size(), 3u);
+    EXPECT_THAT(platform.lines("warn:"), ElementsAre());
+}
+
+TEST_F(StaleDeviceNames, AreWaitedForNoLongerThanTenSeconds)
+{
+    find();
+    EXPECT_EQ(count("usleep: 100000"), 2 * 100u);
+    EXPECT_EQ(platform.lines("warn: The device at 2:0:0:1 has got no name of its own yet").size(), 2u);
+}
+
+TEST_F(StaleDeviceNames, OfARenewedDiskMayBeThoseOfItsMultipathMap)
+{
+    seam.write("/sys/class/scsi_device/2:0:0:1/device/block/sdc/dev", "8:32\n");
+    seam.write("/sys/block/dm-3/slaves/sdc/dev", "8:32\n");
+    seam.link("/dev/disk/by-id/wwn-0x" + wwn, "../../dm-3");
+    find();
+    EXPECT_THAT(platform.lines("usleep:"), ElementsAre());
+}
+
+TEST_F(StaleDeviceNames, OfADeviceThatIsNoScsiDiskStay)
+{
+    seam.addDisk("sdkx0", WWN); // no name of a SCSI disk
+    seam.prints(BY_ID, {byIdLine("scsi-3" + std::string(OTHER_WWN), "sdkx0")});
+    seam.prints("lsscsi", {scsi("2:0:0:1", "sdkx0")});
+    EXPECT_EQ(find(), "");
+    EXPECT_THAT(commands(), ElementsAre());
+    EXPECT_EQ(platform.lines("warn: /dev/sdkx0 stands under old names, and is no SCSI disk").size(), 1u);
 }
 
 TEST_F(StaleDeviceNames, EndTheSearchWhenTheDevicesCannotBeListed)
@@ -159,7 +216,7 @@ TEST_F(StaleMapperNames, RenewTheFirstPathDevice)
 {
     EXPECT_EQ(find(), "");
     EXPECT_THAT(commands(), ElementsAre(remove, scan, remove, scan));
-    EXPECT_THAT(platform.lines("fsync: "), ElementsAre("fsync: sdc", "fsync: sdc"));
+    EXPECT_THAT(platform.lines("flush: "), ElementsAre("flush: sdc", "flush: sdc"));
 }
 
 TEST_F(StaleMapperNames, RemoveNoPathThatCarriesAnotherLun)

@@ -1,11 +1,13 @@
 #include "ScannerTest.h"
 
-#include "host/RescanCommand.h"
+#include "host/HostRescan.h"
+
+#include <ovra/disk/RescanScript.h>
 
 #include <filesystem>
 #include <fstream>
 
-using namespace ovra::tessel;
+using namespace ovra::disk;
 
 using testing::ElementsAre;
 namespace fs = std::filesystem;
@@ -97,6 +99,14 @@ protected:
 
     std::string path() const { return (root / "first").string() + ":" + (root / "second").string(); }
 
+    /** What a rescan runs. */
+    std::string rescanCommand()
+    {
+        RecordingPlatform::get().reset();
+        rescanHost(Presence::ABSENT);
+        return commands().front();
+    }
+
     void install(const fs::path& file, const std::string& content, bool executable = true)
     {
         std::ofstream(root / file, std::ios::binary) << content;
@@ -125,7 +135,7 @@ TEST_F(RescanPrograms, ThatDoNotFitEachOtherRescanWithoutRemoval)
     install("second/sg_inq", NEW_SG_INQ);
     EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
     EXPECT_THAT(
-        platform.journal(),
+        platform.lines("error: "),
         ElementsAre("error: " + (root / "second/rescan-scsi-bus.sh").string() +
                     " takes healthy disks for gone and would remove them: rescanning without -r, so that "
                     "disks that are gone stay. Install sg3-utils 1.48 or later."));
@@ -136,7 +146,7 @@ TEST_F(RescanPrograms, OfTheSameOldAgeRescanWithRemoval)
     install("second/rescan-scsi-bus.sh", FAULTY);
     install("second/sg_inq", OLD_SG_INQ);
     EXPECT_EQ(rescanCommand(), SCRIPT);
-    EXPECT_THAT(platform.journal(), ElementsAre());
+    EXPECT_THAT(platform.lines("error: "), ElementsAre());
 }
 
 TEST_F(RescanPrograms, WithoutAnSgInqThatIsKnownToFitRescanWithoutRemoval)
@@ -151,7 +161,83 @@ TEST_F(RescanPrograms, AreJudgedByTheScriptThatComesFirst)
     install("second/sg_inq", NEW_SG_INQ);
     install("first/rescan-scsi-bus.sh", MENDED_IN_PLACE);
     EXPECT_EQ(rescanCommand(), SCRIPT);
-    EXPECT_THAT(platform.journal(), ElementsAre());
+    EXPECT_THAT(platform.lines("error: "), ElementsAre());
+}
+
+TEST_F(RescanPrograms, ThatCallTheHarmfulScriptAreAsHarmful)
+{
+    const fs::path harmful = root / "second/rescan-scsi-bus.sh";
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    install("second/sg_inq", NEW_SG_INQ);
+    for (const char* const wrapper : {"#!/bin/sh\nexec rescan-scsi-bus.sh.real \"$@\"\n",
+                                      "#!/bin/sh\nPATH=/usr/bin:$PATH exec ${0##*/} \"$@\"\n",
+                                      "#!/usr/bin/python3\nimport os\nos.system('logger rescan')\n"}) {
+        install("first/rescan-scsi-bus.sh", wrapper);
+        EXPECT_EQ(harmfulRescanScript(path()), harmful) << wrapper;
+        EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
+    }
+}
+
+TEST_F(RescanPrograms, AreFollowedToAScriptElsewhere)
+{
+    install("second/sg_inq", NEW_SG_INQ);
+    fs::create_directories(root / "opt");
+    install("opt/stock.sh", std::string("#!/bin/bash\n") + FAULTY);
+    install("opt/middle.sh", "#!/bin/sh\nexec '" + (root / "opt/stock.sh").string() + "' \"$@\"\n");
+    install("second/rescan-scsi-bus.sh", "#!/bin/sh\n" + (root / "opt/middle.sh").string() + ";\n");
+    EXPECT_EQ(harmfulRescanScript(path()), root / "opt/stock.sh");
+    install("opt/middle.sh", "#!/bin/sh\n# not " + (root / "opt/stock.sh").string() + "\n");
+    EXPECT_EQ(harmfulRescanScript(path()), "");
+    install("opt/middle.sh",
+            "#!/bin/sh\nexec " + (root / "second/rescan-scsi-bus.sh").string() + "\n"); // a circle
+    EXPECT_EQ(harmfulRescanScript(path()), "");
+}
+
+TEST_F(RescanPrograms, OfTheCorpusAreJudgedAsTheirNamesSay)
+{
+    install("second/sg_inq", NEW_SG_INQ);
+    int judged = 0;
+    for (const auto& script : fs::directory_iterator(CORPUS "/rescan_script")) {
+        const std::string name = script.path().filename();
+        const bool isHarmful = name.rfind("harmful", 0) == 0;
+        if (isHarmful || name.rfind("sound", 0) == 0) {
+            fs::copy_file(script.path(), root / "first/rescan-scsi-bus.sh",
+                          fs::copy_options::overwrite_existing);
+            fs::permissions(root / "first/rescan-scsi-bus.sh", fs::perms(0755));
+            EXPECT_EQ(!harmfulRescanScript(path()).empty(), isHarmful) << name;
+            ++judged;
+        }
+    }
+    EXPECT_GE(judged, 7);
+}
+
+class DisksThatAreAway : public ScannerTest
+{
+};
+
+TEST_F(DisksThatAreAway, AreNotRemovedByARescan)
+{
+    seam.addDisk("sdc", OTHER_WWN);
+    seam.addDisk("sdd", OTHER_WWN);
+    seam.write("/sys/block/sdd/device/state", "transport-offline\n");
+    scanner.scanLunAfterAttach(id);
+    EXPECT_THAT(commands(), ElementsAre(WHICH, WITHOUT_REMOVAL, WITHOUT_REMOVAL, TMP_BLOCK));
+    EXPECT_THAT(
+        platform.lines("error: "),
+        ElementsAre("error: sdd is transport-offline: rescanning without -r, which would remove it; disks "
+                    "that are gone stay."));
+}
+
+TEST_F(DisksThatAreAway, SinceTheFirstRunAreNotRemovedByTheSecond)
+{
+    seam.addDisk("sdc", OTHER_WWN);
+    seam.onSystem = [&](const std::string& command) {
+        if (command == SCRIPT) {
+            seam.write("/sys/block/sdc/device/state", "blocked\n");
+        }
+    };
+    scanner.scanLunAfterAttach(id);
+    EXPECT_THAT(commands(), ElementsAre(WHICH, SCRIPT, WITHOUT_REMOVAL, TMP_BLOCK));
 }
 
 TEST_F(RescanPrograms, ThatAreMissingAreLeftToTheShell)

@@ -1,24 +1,16 @@
-// Reads the identity out of the bytes of an INQUIRY page.
+// The identity of a device and its texts, by the operations that the scanner has for them.
 
 #include "host/DiskScannerHandlerImpl.h"
 #include "session/Log.h"
 
 #include <ovra/bounds/bounds.h>
+#include <ovra/disk/ReadIdentity.h>
 
 #include <cstring>
 
 using namespace ovra::tessel;
 
 namespace {
-
-// Of the page: a header of 4 bytes, then the first designator, with a header of 4 bytes of its own.
-const int DESIGNATOR_LENGTH = 7;
-const int DESIGNATOR = 8;
-const int ARRAY_LUN_ID = 20;
-const int ARRAY_LUN_ID_DIGITS = 9; // the odd one is dropped: 4 bytes
-
-const int WWN_TEXT_SIZE = 64;
-const int LUN_ID_TEXT_SIZE = 11;
 
 /** Arithmetic in 32 bits that wraps. */
 int plus(int value, int count, int step)
@@ -39,25 +31,29 @@ int writeHex(char* out, int outSize, const unsigned char* data, int count)
 
 } // namespace
 
-int CDiskScannerHandlerImpl::ParseDisk83Page(unsigned char* page, std::string& wwnOut, std::string& lunIdOut)
+int CDiskScannerHandlerImpl::GetDiskPage(int fd, unsigned char page, unsigned char* buffer)
 {
-    const int length = page[DESIGNATOR_LENGTH];
-    if (2 * length >= WWN_TEXT_SIZE) {
+    if (buffer == nullptr) {
+        COMMLOG(OS_LOG_INFO, "aucBuffer is NULL! GetDiskPage");
         return -1;
     }
-    char wwn[WWN_TEXT_SIZE] = {};
-    unsigned char hex[LUN_ID_TEXT_SIZE] = {};
-    char decimal[LUN_ID_TEXT_SIZE] = {};
-    int result = BinaryToAscii(wwn, WWN_TEXT_SIZE, page, DESIGNATOR, length);
-    if (result == 0) {
-        result = ConvertLUNIDtoAscii(hex, LUN_ID_TEXT_SIZE, page + ARRAY_LUN_ID, ARRAY_LUN_ID_DIGITS);
+    return ovra::disk::inquire(fd, page, buffer);
+}
+
+int CDiskScannerHandlerImpl::GetDisk83Page(std::string& devicePath, std::string& wwnOut,
+                                           std::string& lunIdOut)
+{
+    if (devicePath.empty()) {
+        COMMLOG(OS_LOG_INFO, "strDevice is empty! GetDisk83Page");
+        return -1;
     }
-    if (result != 0) {
-        return result;
+    const auto page = ovra::disk::readPage83(devicePath);
+    const auto identity = page ? ovra::disk::parsePage83(*page) : std::nullopt;
+    if (!identity) {
+        return -1;
     }
-    HextoDec(decimal, reinterpret_cast<char*>(hex), LUN_ID_TEXT_SIZE);
-    wwnOut = wwn;
-    lunIdOut = decimal;
+    wwnOut = identity->wwn;
+    lunIdOut = identity->lunId;
     return 0;
 }
 

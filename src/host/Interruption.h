@@ -1,0 +1,33 @@
+#ifndef HOST_INTERRUPTION_H
+#define HOST_INTERRUPTION_H
+
+namespace ovra::tessel {
+
+/** Thrown when a command of the host was ended from the keyboard: the steps after it are not to be run. */
+struct Interruption
+{
+    int signal; ///< SIGINT or SIGQUIT
+};
+
+/** Throws if the status of a command that has ended shows one of these signals. */
+void throwIfInterrupted(int status);
+
+/** Sets what lastScanSignal() returns on this thread. */
+void setLastScanSignal(int signal);
+
+/** Runs the steps of a scan; those left when one of them is interrupted are not run, and the result is empty.
+ */
+template <class Steps>
+auto untilInterrupted(Steps steps) -> decltype(steps())
+{
+    try {
+        return steps();
+    } catch (const Interruption& interruption) {
+        setLastScanSignal(interruption.signal);
+        return decltype(steps())();
+    }
+}
+
+} // namespace ovra::tessel
+
+#endif

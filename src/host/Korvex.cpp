@@ -1,0 +1,60 @@
+#include "host/Korvex.h"
+
+#include "host/CommandLines.h"
+#include "session/Log.h"
+
+#include <sys/wait.h>
+
+std::atomic<bool> g_korvexInstalled{false};
+std::string g_kxRescanTimeout = "1800";
+std::string g_tmpBlockCheckCmd = "lsscsi | grep tmp-block";
+
+namespace ovra::tessel {
+
+namespace {
+
+using disk::Presence;
+
+constexpr const char* KORVEX_RESCAN = "kxRescan";
+constexpr int CANNOT_BE_RUN = 126; // exit code of a shell, as is 127: not found
+
+std::atomic<bool> g_isUnknown{false};
+
+/** Whether it is in PATH, where no command can tell. */
+Presence lookInPath()
+{
+    const Presence presence = disk::presenceOf(KORVEX_RESCAN);
+    g_isUnknown = presence == Presence::UNKNOWN;
+    if (g_isUnknown) {
+        COMMLOG(OS_LOG_ERROR, "It cannot be told whether Korvex is installed: no device is removed. Every "
+                              "directory in PATH must be readable.");
+    }
+    return presence;
+}
+
+} // namespace
+
+Presence lookForKorvex()
+{
+    const int status = runCommand("which kxRescan >/dev/null 2>&1");
+    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) >= CANNOT_BE_RUN) {
+        return lookInPath();
+    }
+    g_isUnknown = false;
+    return status == 0 ? Presence::PRESENT : Presence::ABSENT;
+}
+
+Presence knownKorvex()
+{
+    if (g_korvexInstalled) {
+        return Presence::PRESENT;
+    }
+    return g_isUnknown ? lookInPath() : Presence::ABSENT;
+}
+
+bool mayRemoveDevices()
+{
+    return knownKorvex() == Presence::ABSENT;
+}
+
+} // namespace ovra::tessel

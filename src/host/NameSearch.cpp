@@ -1,0 +1,74 @@
+#include "host/NameSearch.h"
+
+#include "host/CommandLines.h"
+#include "host/DeviceRemoval.h"
+#include "host/Korvex.h"
+#include "session/InterfaceRecord.h"
+#include "session/Log.h"
+
+#include <ovra/disk/Names.h>
+
+namespace ovra::tessel {
+
+namespace {
+
+/** True when the device that a line of the listing names is the one with this WWN. */
+bool isDevice(const disk::ByIdLink& link, const std::string& wwn)
+{
+    COMMLOG(OS_LOG_INFO, "disk info [%s]", link.path.c_str());
+    if (link.identifier.empty()) {
+        return false;
+    }
+    COMMLOG(OS_LOG_INFO, "strDiskPath [%s]", link.path.c_str());
+    const disk::DiskIdentity identity = disk::readIdentity(link.path);
+    COMMLOG(OS_LOG_INFO, "strSnapshotID [%s]", identity.lunId.c_str());
+    return identity.wwn == wwn && link.identifier == wwn;
+}
+
+} // namespace
+
+void rescanDevice(const std::string& path)
+{
+    runCommand("echo 1 > /sys/block" + disk::lastPart(path) + "/device/rescan");
+}
+
+std::optional<disk::ByIdLink> parseLink(const std::string& line)
+{
+    const std::optional<disk::ByIdLink> link = disk::ByIdLink::parse(line);
+    if (!link && disk::ByIdLink::isLink(line)) {
+        COMMLOG(OS_LOG_WARN, "a link to a device of an unusual name is not looked at [%.400s]", line.c_str());
+    }
+    return link;
+}
+
+std::string findByName(const std::string& wwn)
+{
+    const InterfaceRecord record("GetDiskPathForWWN");
+    if (!g_korvexInstalled) {
+        COMMLOG(OS_LOG_INFO, "Korvex is not installed");
+        return std::string();
+    }
+    if (!checkWwn(wwn)) {
+        return std::string();
+    }
+    std::string path;
+    {
+        CommandLines listing(" ls -al /dev/disk/by-id | grep " + wwn + " | grep -v part | grep scsi-");
+        if (!listing.started()) {
+            COMMLOG(OS_LOG_ERROR, "fstream is null");
+            return std::string();
+        }
+        for (std::string line; path.empty() && listing.next(line);) {
+            const std::optional<disk::ByIdLink> link = parseLink(line);
+            if (link && isDevice(*link, wwn)) {
+                path = link->path;
+                COMMLOG(OS_LOG_INFO, "strTemp [%s]", disk::lastPart(path).c_str());
+                rescanDevice(path);
+            }
+        }
+    }
+    record.write(RESULT_SUCCESS);
+    return path;
+}
+
+} // namespace ovra::tessel
