@@ -7,8 +7,11 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <ifaddrs.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
 #include <ctime>
 #include <memory>
 #include <stdexcept>
@@ -117,16 +120,58 @@ bool isIpAddress(const std::string& text)
     return inet_pton(AF_INET, text.c_str(), binary) == 1 || inet_pton(AF_INET6, text.c_str(), binary) == 1;
 }
 
-bool fits(X509* certificate, const std::string& address)
+bool isNamed(X509* certificate, const std::string& name)
 {
-    const bool named = isIpAddress(address)
-                           ? X509_check_ip_asc(certificate, address.c_str(), 0) == 1
-                           : X509_check_host(certificate, address.c_str(), 0, 0, nullptr) == 1;
-    time_t tomorrow = std::time(nullptr) + DAY;
-    return named && X509_cmp_time(X509_get0_notAfter(certificate), &tomorrow) > 0;
+    return isIpAddress(name) ? X509_check_ip_asc(certificate, name.c_str(), 0) == 1
+                             : X509_check_host(certificate, name.c_str(), 0, 0, nullptr) == 1;
 }
 
-void makeServer(const CertificateFiles& files, const std::string& caKeyName, const std::string& address)
+bool fits(X509* certificate, const std::set<std::string>& names)
+{
+    time_t tomorrow = std::time(nullptr) + DAY;
+    return X509_cmp_time(X509_get0_notAfter(certificate), &tomorrow) > 0 &&
+           std::all_of(names.begin(), names.end(),
+                       [&](const std::string& name) { return isNamed(certificate, name); });
+}
+
+std::string alternativeNames(const std::set<std::string>& names)
+{
+    std::string list;
+    for (const auto& name : names) {
+        list += (list.empty() ? "" : ",") + std::string(isIpAddress(name) ? "IP:" : "DNS:") + name;
+    }
+    return list;
+}
+
+/** The addresses of this host's interfaces; those that hold on one link alone need more than an address. */
+std::set<std::string> hostAddresses()
+{
+    std::set<std::string> found;
+    ifaddrs* all = nullptr;
+    must(::getifaddrs(&all) == 0, "list this host's addresses");
+    for (const ifaddrs* entry = all; entry != nullptr; entry = entry->ifa_next) {
+        if (entry->ifa_addr == nullptr) {
+            continue;
+        }
+        char text[INET6_ADDRSTRLEN] = "";
+        if (entry->ifa_addr->sa_family == AF_INET) {
+            const auto* address = reinterpret_cast<const sockaddr_in*>(entry->ifa_addr);
+            inet_ntop(AF_INET, &address->sin_addr, text, sizeof text);
+        } else if (entry->ifa_addr->sa_family == AF_INET6) {
+            const auto* address = reinterpret_cast<const sockaddr_in6*>(entry->ifa_addr);
+            if (!IN6_IS_ADDR_LINKLOCAL(&address->sin6_addr)) {
+                inet_ntop(AF_INET6, &address->sin6_addr, text, sizeof text);
+            }
+        }
+        found.insert(text);
+    }
+    ::freeifaddrs(all);
+    found.erase("");
+    return found;
+}
+
+void makeServer(const CertificateFiles& files, const std::string& caKeyName,
+                const std::set<std::string>& names)
 {
     const Certificate ca = readCertificate(files.ca);
     const Key caKey = readKey(caKeyName);
@@ -137,16 +182,29 @@ void makeServer(const CertificateFiles& files, const std::string& caKeyName, con
     extend(server.get(), ca.get(), NID_key_usage, "critical,digitalSignature");
     extend(server.get(), ca.get(), NID_ext_key_usage, "serverAuth");
     extend(server.get(), ca.get(), NID_authority_key_identifier, "keyid");
-    extend(server.get(), ca.get(), NID_subject_alt_name,
-           "IP:127.0.0.1,IP:::1,DNS:localhost," + std::string(isIpAddress(address) ? "IP:" : "DNS:") +
-               address);
+    extend(server.get(), ca.get(), NID_subject_alt_name, alternativeNames(names));
     must(X509_sign(server.get(), caKey.get(), EVP_sha256()) > 0, "sign a certificate");
     write(files.certificate, server, files.key, key);
 }
 
 } // namespace
 
-CertificateFiles provideCertificates(const std::string& stateDir, const std::string& address)
+std::set<std::string> serverNames(const std::string& address)
+{
+    std::set<std::string> names{"127.0.0.1", "::1", "localhost"};
+    if (address != "0.0.0.0" && address != "::") {
+        names.insert(address);
+        return names;
+    }
+    names.merge(hostAddresses());
+    char name[HOST_NAME_MAX + 1] = "";
+    if (::gethostname(name, sizeof name - 1) == 0 && *name != '\0') {
+        names.insert(name);
+    }
+    return names;
+}
+
+CertificateFiles provideCertificates(const std::string& stateDir, const std::set<std::string>& names)
 {
     CertificateFiles files{stateDir + "/ca.pem", stateDir + "/server.pem", stateDir + "/server.key"};
     const std::string caKey = stateDir + "/ca.key";
@@ -155,8 +213,8 @@ CertificateFiles provideCertificates(const std::string& stateDir, const std::str
         makeAuthority(files.ca, caKey);
     }
     const Certificate server = readCertificate(files.certificate);
-    if (!ca || !server || !readKey(files.key) || !fits(server.get(), address)) {
-        makeServer(files, caKey, address);
+    if (!ca || !server || !readKey(files.key) || !fits(server.get(), names)) {
+        makeServer(files, caKey, names);
     }
     return files;
 }

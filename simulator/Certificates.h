@@ -1,6 +1,7 @@
 #ifndef SIMULATOR_CERTIFICATES_H
 #define SIMULATOR_CERTIFICATES_H
 
+#include <set>
 #include <string>
 
 namespace arraysim {
@@ -14,10 +15,16 @@ struct CertificateFiles
 };
 
 /**
- * Makes an authority on the first start, and a server certificate for the loopback names and the address
- * when there is none that fits and stays valid for a day. Throws std::runtime_error.
+ * What clients may call a server that listens on an address: the loopback names and the address; for all
+ * addresses (0.0.0.0 and ::) this host's name and each of its addresses that is up.
  */
-CertificateFiles provideCertificates(const std::string& stateDir, const std::string& address);
+std::set<std::string> serverNames(const std::string& address);
+
+/**
+ * Makes an authority on the first start, and a server certificate when there is none that has all these names
+ * and stays valid for a day. Throws std::runtime_error.
+ */
+CertificateFiles provideCertificates(const std::string& stateDir, const std::set<std::string>& names);
 
 /** The hash of a certificate's public key as clients pin it: "sha256//" and base64. */
 std::string pinnedKey(const std::string& certificateFile);

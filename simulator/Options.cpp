@@ -101,6 +101,12 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
         ->check(CLI::Range(1, 100000))
         ->type_name("N")
         ->group(sessions);
+    app.add_option("--connection-limit", options.connectionLimit,
+                   "Connections that can be open at a time; those above are ended")
+        ->capture_default_str()
+        ->check(CLI::Range(1, 100000))
+        ->type_name("N")
+        ->group(sessions);
     app.add_option("--session-timeout", options.sessionTimeout,
                    "Seconds without a request that end a session")
         ->capture_default_str()
@@ -116,6 +122,24 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
         ->group(behaviour);
     app.add_option("--settle-lungroup", options.settling.lunGroupReads,
                    "A new LUN group answers N reads with code 1077949001 first")
+        ->capture_default_str()
+        ->type_name("N")
+        ->group(behaviour);
+    app.add_option("--answer-time", options.answerMs, "Milliseconds that every answer takes")
+        ->capture_default_str()
+        ->type_name("MS")
+        ->group(behaviour);
+    app.add_option("--busy", options.busyShare,
+                   "Percent of the requests, drawn by chance, that are refused as busy")
+        ->capture_default_str()
+        ->check(CLI::Range(0, 100))
+        ->type_name("PERCENT")
+        ->group(behaviour);
+    app.add_option("--busy-code", options.busyCode, "The code of these refusals")
+        ->capture_default_str()
+        ->type_name("N")
+        ->group(behaviour);
+    app.add_option("--busy-seed", options.busySeed, "The same seed refuses the same requests")
         ->capture_default_str()
         ->type_name("N")
         ->group(behaviour);

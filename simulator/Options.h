@@ -20,8 +20,13 @@ struct Options
     std::string user = "admin";
     std::string passwordFile;
     std::size_t sessionLimit = 100;
+    std::size_t connectionLimit = 1000;
     unsigned sessionTimeout = 1200;
     Settling settling;
+    unsigned answerMs = 0;  ///< before every answer
+    unsigned busyShare = 0; ///< percent of the requests
+    int busyCode = 1077949001;
+    unsigned busySeed = 1;
     std::string companyId = "001405";
     std::string exportIscsi; ///< target of the kernel that shows what is exposed; empty: none
     std::string certificate;

@@ -15,7 +15,7 @@ CertificateFiles certificates(const Options& options, const std::string& stateDi
     if (!options.certificate.empty()) {
         return {options.certificate, options.certificate, options.key};
     }
-    return provideCertificates(stateDir, options.listen);
+    return provideCertificates(stateDir, serverNames(options.listen));
 }
 
 /** An address and a port as they stand in a URL. */
@@ -32,12 +32,24 @@ std::string reachable(const std::string& address)
 }
 
 std::unique_ptr<IscsiExport> disks(const Options& options, const StateDir& state, World& world,
-                                   Journal& journal)
+                                   Journal& journal, ConfigFs& config)
 {
     if (options.exportIscsi.empty()) {
         return nullptr;
     }
-    return std::make_unique<IscsiExport>(world, journal, options.exportIscsi, state.file("disks"));
+    return std::make_unique<IscsiExport>(world, journal, config, options.exportIscsi, state.file("disks"));
+}
+
+Json::Value busyFault(const Options& options)
+{
+    Json::Value fault(Json::objectValue);
+    fault["action"] = "error";
+    fault["description"] = "The array is busy: try again later.";
+    fault["code"] = options.busyCode;
+    fault["share"] = options.busyShare;
+    fault["seed"] = options.busySeed;
+    fault["count"] = 0;
+    return fault;
 }
 
 void publishPort(const std::string& file, int port)
@@ -57,23 +69,26 @@ void ExposureLog::exposureChanged(const ObjectKey& lun, const ObjectKey& initiat
 
 Simulator::Simulator(const Options& options)
     : m_options(options), m_state(stateDir(options)), m_files(certificates(options, m_state->path())),
-      m_password(loginPassword(options, m_state->file("password"))), m_journal(options.log),
-      m_store(m_state->file("array.db")), m_world(m_store), m_exposureLog(m_journal),
-      m_logWatch(m_world, m_exposureLog), m_disks(disks(options, *m_state, m_world, m_journal)),
+      m_password(loginPassword(options, m_state->file("password"))),
+      m_journal(options.log, options.controlPort >= 0), m_store(m_state->file("array.db")), m_world(m_store),
+      m_exposureLog(m_journal), m_logWatch(m_world, m_exposureLog),
+      m_disks(disks(options, *m_state, m_world, m_journal, m_configFs)),
       m_sessions(
           {options.user, m_password, options.sessionLimit, std::chrono::seconds(options.sessionTimeout)},
           m_world.deviceId()),
       m_array(m_world, m_sessions),
-      m_server(m_array, m_sessions, m_faults, m_journal, m_files.certificate, m_files.key),
-      m_port(m_server.start(options.listen, options.port)), m_facts{"https://" +
-                                                                        endpoint(options.listen, m_port),
-                                                                    m_files.ca,
-                                                                    pinnedKey(m_files.certificate),
-                                                                    options.user},
+      m_server(m_array, m_sessions, m_faults, m_journal,
+               {m_files.certificate, m_files.key, options.connectionLimit, options.answerMs}),
+      m_port(m_server.start(options.listen, options.port)),
+      m_facts{"https://" + endpoint(reachable(options.listen), m_port), m_files.ca,
+              pinnedKey(m_files.certificate), options.user},
       m_control(m_world, m_array, m_sessions, m_faults, m_journal, m_server, m_facts),
       m_controlPort(options.controlPort < 0 ? -1 : m_control.start(options.controlPort))
 {
     m_world.settling = options.settling;
+    if (options.busyShare > 0) {
+        m_faults.add(busyFault(options));
+    }
 }
 
 Simulator::~Simulator()

@@ -50,6 +50,7 @@ private:
     World m_world;
     ExposureLog m_exposureLog;
     const ExposureWatch m_logWatch;
+    ConfigFs m_configFs;
     const std::unique_ptr<IscsiExport> m_disks; ///< null: no disks
     Sessions m_sessions;
     ArrayInterface m_array;

@@ -1,20 +1,14 @@
 #include "export/IscsiExport.h"
 
 #include "base/Text.h"
+#include "export/DataCopy.h"
 #include "model/Record.h"
 #include "types/Common.h"
-
-#include <fstream>
 
 namespace fs = std::filesystem;
 
 namespace arraysim {
 namespace {
-
-std::string storeName(const ObjectKey& object)
-{
-    return (object.first == Type::LUN ? "lun_" : "snapshot_") + object.second;
-}
 
 uintmax_t capacity(const Object& object)
 {
@@ -22,20 +16,28 @@ uintmax_t capacity(const Object& object)
     return decimal(object.value(key)).value_or(0) * SECTOR_SIZE;
 }
 
-} // namespace
-
-IscsiExport::IscsiExport(World& world, Journal& journal, const std::string& iqn, fs::path files)
-    : m_world(world), m_journal(journal), m_target(iqn), m_files(std::move(files)), m_watch(world, *this)
+std::set<std::string> diskNames(World& world)
 {
-    fs::create_directories(m_files);
-    const auto lock = m_world.lock();
+    const auto lock = world.lock();
+    std::set<std::string> names;
     for (const Type type : {Type::LUN, Type::SNAPSHOT}) {
-        for (const auto& [id, object] : m_world.all(type)) {
-            for (const ObjectKey& initiator : exposedInitiators(m_world, {type, id})) {
-                IscsiExport::exposureChanged({type, id}, initiator, true);
-            }
+        for (const auto& entry : world.all(type)) {
+            names.insert(diskName({type, entry.first}));
         }
     }
+    return names;
+}
+
+} // namespace
+
+IscsiExport::IscsiExport(World& world, Journal& journal, ConfigFs& config, const std::string& iqn,
+                         const DiskFiles::Path& files)
+    : m_world(world), m_journal(journal), m_prefix(KernelTarget::FAMILY + world.deviceId() + "_"),
+      m_files(files, [names = diskNames(world)](const std::string& name) { return names.count(name) != 0; }),
+      m_target(config, iqn, m_prefix), m_watch(world, *this)
+{
+    const auto lock = m_world.lock();
+    reconcile();
     m_world.observe(this);
 }
 
@@ -44,18 +46,39 @@ IscsiExport::~IscsiExport()
     m_world.ignore(this);
 }
 
-void IscsiExport::exposureChanged(const ObjectKey& lunOrSnapshot, const ObjectKey& initiator, bool appeared)
+void IscsiExport::reconcile()
 {
-    if (initiator.first != Type::ISCSI_INITIATOR) {
-        return;
-    }
-    tryTo((appeared ? "map " : "unmap ") + storeName(lunOrSnapshot) + " for " + initiator.second, [&] {
-        if (appeared) {
-            m_target.map(provided(lunOrSnapshot), initiator.second);
-        } else {
-            m_target.unmap(storeName(lunOrSnapshot), initiator.second);
+    std::map<std::string, std::pair<StoreFacts, std::set<std::string>>> wanted;
+    for (const Type type : {Type::LUN, Type::SNAPSHOT}) {
+        for (const auto& entry : m_world.all(type)) {
+            const ObjectKey disk(type, entry.first);
+            for (const ObjectKey& initiator : exposedInitiators(m_world, disk)) {
+                if (initiator.first == Type::ISCSI_INITIATOR) {
+                    tryTo("provide " + diskName(disk), [&] {
+                        auto& [facts, initiators] = wanted[storeName(disk)];
+                        facts = provided(disk);
+                        initiators.insert(initiator.second);
+                    });
+                }
+            }
         }
-    });
+    }
+    for (const auto& failure : m_target.reconcile(wanted)) {
+        m_journal.note("cannot take away " + failure);
+    }
+    for (const auto& entry : wanted) {
+        for (const auto& initiator : entry.second.second) {
+            tryTo("map " + entry.first + " for " + initiator,
+                  [&] { m_target.map(entry.second.first, initiator); });
+        }
+    }
+}
+
+void IscsiExport::exposureChanged(const ObjectKey& lunOrSnapshot, const ObjectKey& initiator, bool)
+{
+    if (initiator.first == Type::ISCSI_INITIATOR) {
+        m_world.afterwards([this, lunOrSnapshot, name = initiator.second] { settle(lunOrSnapshot, name); });
+    }
 }
 
 void IscsiExport::linkChanges(const ObjectKey& owner, const ObjectKey& member)
@@ -75,38 +98,62 @@ void IscsiExport::committed()
 {
     const std::set<ObjectKey> touched = std::move(m_touched);
     m_touched.clear();
-    for (const ObjectKey& object : touched) {
-        tryTo("keep the data of " + storeName(object), [&] {
-            if (m_world.find(object.first, object.second) == nullptr) {
-                fs::remove(fileOf(object));
-            } else if (object.first == Type::SNAPSHOT) {
-                provided(object);
-            }
-        });
+    for (const ObjectKey& disk : touched) {
+        cameOrWent(disk);
     }
 }
 
-fs::path IscsiExport::fileOf(const ObjectKey& object) const
+void IscsiExport::cameOrWent(const ObjectKey& disk)
 {
-    return m_files / storeName(object);
+    // A new disk takes nothing over from one that had its ID before.
+    m_world.afterwards(m_files.discard(disk));
+    const Object* object = m_world.find(disk.first, disk.second);
+    if (object != nullptr && disk.first == Type::SNAPSHOT) {
+        const ObjectKey lun(Type::LUN, *m_world.linked(disk, Type::LUN).begin());
+        m_world.afterwards(
+            m_files.beginCopy(lun, disk, capacity(*object), [this, disk](const std::string& why) {
+                m_journal.note("cannot keep the data of " + diskName(disk) + ": " + why);
+            }));
+    }
 }
 
-StoreFacts IscsiExport::provided(const ObjectKey& object) const
+void IscsiExport::settle(const ObjectKey& disk, const std::string& initiator)
 {
-    const Object& known = m_world.at(object.first, object.second);
-    const fs::path file = fileOf(object);
-    if (!fs::exists(file)) {
-        if (object.first == Type::SNAPSHOT) {
-            const fs::path source = fileOf({Type::LUN, *m_world.linked(object, Type::LUN).begin()});
-            if (fs::exists(source)) {
-                fs::copy_file(source, file);
-            }
+    tryTo("show " + diskName(disk) + " to " + initiator + ", or hide it", [&] {
+        m_files.awaitCopy(disk);
+        const std::lock_guard<std::mutex> turn(m_turn);
+        if (const auto store = wanted(disk, initiator)) {
+            m_target.map(*store, initiator);
+        } else {
+            m_target.unmap(storeName(disk), initiator);
         }
-        std::ofstream(file, std::ios::app).close();
-        fs::resize_file(file, capacity(known));
+    });
+}
+
+std::optional<StoreFacts> IscsiExport::wanted(const ObjectKey& disk, const std::string& initiator)
+{
+    const auto lock = m_world.lock();
+    const bool isSeen = m_world.find(disk.first, disk.second) != nullptr &&
+                        exposedInitiators(m_world, disk).count({Type::ISCSI_INITIATOR, initiator}) != 0;
+    return isSeen ? std::make_optional(provided(disk)) : std::nullopt;
+}
+
+StoreFacts IscsiExport::provided(const ObjectKey& disk) const
+{
+    const Object& object = m_world.at(disk.first, disk.second);
+    const fs::path file = m_files.fileOf(disk);
+    if (!fs::exists(file)) {
+        const bool isLate = disk.first == Type::SNAPSHOT &&
+                            fs::exists(m_files.fileOf({Type::LUN, *m_world.linked(disk, Type::LUN).begin()}));
+        if (isLate) {
+            throw std::runtime_error("its data was not kept when it was made");
+        }
+        makeSparse(file, capacity(object));
+    } else if (fs::file_size(file) < capacity(object)) {
+        makeSparse(file, capacity(object));
     }
-    const Json::Value shown = record(m_world, objectType(object.first), known);
-    return {storeName(object), file, shown["WWN"].asString()};
+    const Json::Value shown = record(m_world, objectType(disk.first), object);
+    return {storeName(disk), file, shown["WWN"].asString()};
 }
 
 void IscsiExport::tryTo(const std::string& what, const std::function<void()>& action)

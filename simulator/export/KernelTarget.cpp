@@ -1,6 +1,10 @@
 #include "export/KernelTarget.h"
 
-#include <fstream>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -8,66 +12,100 @@ namespace fs = std::filesystem;
 namespace arraysim {
 namespace {
 
-const fs::path ROOT = "/sys/kernel/config/target";
-
-void writeTo(const fs::path& attribute, const std::string& value)
+bool isNumbered(const fs::directory_entry& entry)
 {
-    std::ofstream file(attribute);
-    if (!(file << value << std::flush)) {
-        throw std::runtime_error("the kernel does not take " + value + " in " + attribute.string());
-    }
+    return entry.is_directory() && entry.path().filename().string().rfind("lun_", 0) == 0;
 }
 
-/** The directory prefix + the lowest number from first on that does not exist, made. */
-fs::path makeNext(const fs::path& in, const std::string& prefix, int first)
+/** The links that a directory of a target holds. */
+std::vector<fs::path> linksIn(const fs::path& directory)
 {
-    for (int number = first;; ++number) {
-        fs::path next = in / (prefix + std::to_string(number));
-        if (!fs::exists(next)) {
-            fs::create_directory(next);
-            return next;
+    std::vector<fs::path> links;
+    for (const auto& entry : fs::directory_iterator(directory)) {
+        if (entry.is_symlink()) {
+            links.push_back(entry.path());
         }
     }
+    return links;
 }
 
-/** Whether a directory of a target links to another one. */
 bool linksTo(const fs::path& from, const fs::path& to)
 {
-    for (const auto& entry : fs::directory_iterator(from)) {
+    for (const auto& link : linksIn(from)) {
         std::error_code broken;
-        if (entry.is_symlink() && fs::equivalent(entry.path(), to, broken)) {
+        if (fs::equivalent(link, to, broken)) {
             return true;
         }
     }
     return false;
 }
 
-/** Directories of configfs go with rmdir alone; their links first. */
-void removeLinked(const fs::path& directory)
+/** The numbered directory in a directory that links to another one; empty where there is none. */
+fs::path numberedLink(const fs::path& in, const fs::path& to)
 {
-    for (const auto& entry : fs::directory_iterator(directory)) {
-        if (entry.is_symlink()) {
-            fs::remove(entry.path());
+    if (fs::exists(in) && fs::exists(to)) {
+        for (const auto& entry : fs::directory_iterator(in)) {
+            if (isNumbered(entry) && linksTo(entry.path(), to)) {
+                return entry.path();
+            }
         }
     }
-    fs::remove(directory);
+    return {};
 }
 
-bool isNumbered(const fs::directory_entry& entry)
+/** Kept with a store in the kernel, to know it again. */
+std::string mark(const StoreFacts& store)
 {
-    return entry.is_directory() && entry.path().filename().string().rfind("lun_", 0) == 0;
+    return store.wwn + " " + std::to_string(fs::file_size(store.file)) + " " + store.file.string();
 }
 
 } // namespace
 
-KernelTarget::KernelTarget(const std::string& iqn)
-    : m_stores(ROOT / "core" / "fileio_0"), m_group(ROOT / "iscsi" / iqn / "tpgt_1")
+KernelTarget::KernelTarget(ConfigFs& config, const std::string& iqn, std::string prefix)
+    : m_config(config), m_prefix(std::move(prefix)), m_stores(config.root() / "core" / "fileio_0"),
+      m_group(config.root() / "iscsi" / iqn / "tpgt_1")
 {
     if (!fs::is_directory(m_group)) {
-        throw std::runtime_error("there is no target " + iqn + " in " + ROOT.string() +
+        throw std::runtime_error("there is no target " + iqn + " in " + config.root().string() +
                                  ": make it first, and run as root");
     }
-    fs::create_directories(m_stores);
+    m_lock = ::open(m_group.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (::flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        ::close(m_lock);
+        throw std::runtime_error("the target " + iqn + " is in use by another array");
+    }
+    if (!fs::exists(m_stores)) {
+        m_config.makeDirectory(m_stores);
+    }
+}
+
+KernelTarget::~KernelTarget()
+{
+    ::close(m_lock);
+}
+
+std::vector<std::string>
+KernelTarget::reconcile(const std::map<std::string, std::pair<StoreFacts, std::set<std::string>>>& wanted)
+{
+    std::vector<std::string> failures;
+    for (const auto& name : familyStores()) {
+        try {
+            const auto found = wanted.find(name);
+            if (found == wanted.end() ||
+                m_config.read(storeDir(name) / "udev_path") != mark(found->second.first)) {
+                removeStore(name);
+                continue;
+            }
+            for (const auto& initiator : seenBy(name)) {
+                if (found->second.second.count(initiator) == 0) {
+                    removeLinked(mapped(name, initiator));
+                }
+            }
+        } catch (const std::exception& failure) {
+            failures.push_back(name + ": " + failure.what());
+        }
+    }
+    return failures;
 }
 
 void KernelTarget::map(const StoreFacts& store, const std::string& initiator)
@@ -79,12 +117,12 @@ void KernelTarget::map(const StoreFacts& store, const std::string& initiator)
     }
     fs::path exportedAt = exported(store.name);
     if (exportedAt.empty()) {
-        exportedAt = makeNext(m_group / "lun", "lun_", 0);
+        exportedAt = makeNext(m_group / "lun", 0);
         fs::create_directory_symlink(storeDir(store.name), exportedAt / "store");
     }
-    const fs::path number = makeNext(m_group / "acls" / initiator, "lun_", 1);
+    const fs::path number = makeNext(m_group / "acls" / initiator, 1);
     fs::create_directory_symlink(exportedAt, number / "export");
-    writeTo(number / "write_protect", "0");
+    m_config.write(number / "write_protect", "0");
 }
 
 void KernelTarget::unmap(const std::string& storeName, const std::string& initiator)
@@ -92,10 +130,8 @@ void KernelTarget::unmap(const std::string& storeName, const std::string& initia
     if (const fs::path number = mapped(storeName, initiator); !number.empty()) {
         removeLinked(number);
     }
-    const fs::path exportedAt = exported(storeName);
-    if (!exportedAt.empty() && !isMapped(exportedAt)) {
-        removeLinked(exportedAt);
-        fs::remove(storeDir(storeName));
+    if (!exported(storeName).empty() && seenBy(storeName).empty()) {
+        removeStore(storeName);
     }
 }
 
@@ -105,13 +141,19 @@ void KernelTarget::provideStore(const StoreFacts& store)
     if (fs::exists(dir)) {
         return;
     }
-    fs::create_directory(dir);
-    writeTo(dir / "control", "fd_dev_name=" + store.file.string() +
-                                 ",fd_dev_size=" + std::to_string(fs::file_size(store.file)));
-    // Both can be set only before the store is exported.
-    writeTo(dir / "wwn" / "company_id", "0x" + store.wwn.substr(1, 6));
-    writeTo(dir / "wwn" / "vpd_unit_serial", store.wwn.substr(7));
-    writeTo(dir / "enable", "1");
+    m_config.makeDirectory(dir);
+    try {
+        m_config.write(dir / "control", "fd_dev_name=" + store.file.string() +
+                                            ",fd_dev_size=" + std::to_string(fs::file_size(store.file)));
+        // Both can be set only before the store is exported.
+        m_config.write(dir / "wwn" / "company_id", "0x" + store.wwn.substr(1, 6));
+        m_config.write(dir / "wwn" / "vpd_unit_serial", store.wwn.substr(7));
+        m_config.write(dir / "udev_path", mark(store));
+        m_config.write(dir / "enable", "1");
+    } catch (const std::exception&) {
+        m_config.removeDirectory(dir); // half a store would be taken for a whole one
+        throw;
+    }
 }
 
 void KernelTarget::provideAcl(const std::string& initiator)
@@ -120,49 +162,79 @@ void KernelTarget::provideAcl(const std::string& initiator)
     if (fs::exists(acl)) {
         return;
     }
-    fs::create_directory(acl);
+    m_config.makeDirectory(acl);
     // Bus rescans find nothing on a target that shows no LUN 0.
     if (fs::exists(m_group / "lun" / "lun_0")) {
-        fs::create_directory(acl / "lun_0");
+        m_config.makeDirectory(acl / "lun_0");
         fs::create_directory_symlink(m_group / "lun" / "lun_0", acl / "lun_0" / "export");
     }
 }
 
 fs::path KernelTarget::exported(const std::string& storeName) const
 {
-    for (const auto& entry : fs::directory_iterator(m_group / "lun")) {
-        if (isNumbered(entry) && linksTo(entry.path(), storeDir(storeName))) {
-            return entry.path();
-        }
-    }
-    return {};
+    return numberedLink(m_group / "lun", storeDir(storeName));
 }
 
 fs::path KernelTarget::mapped(const std::string& storeName, const std::string& initiator) const
 {
     const fs::path exportedAt = exported(storeName);
-    const fs::path acl = m_group / "acls" / initiator;
-    if (exportedAt.empty() || !fs::exists(acl)) {
-        return {};
-    }
-    for (const auto& entry : fs::directory_iterator(acl)) {
-        if (isNumbered(entry) && linksTo(entry.path(), exportedAt)) {
-            return entry.path();
-        }
-    }
-    return {};
+    return exportedAt.empty() ? exportedAt : numberedLink(m_group / "acls" / initiator, exportedAt);
 }
 
-bool KernelTarget::isMapped(const fs::path& exportedAt) const
+std::vector<std::string> KernelTarget::seenBy(const std::string& storeName) const
 {
+    std::vector<std::string> initiators;
     for (const auto& acl : fs::directory_iterator(m_group / "acls")) {
-        for (const auto& entry : fs::directory_iterator(acl.path())) {
-            if (isNumbered(entry) && linksTo(entry.path(), exportedAt)) {
-                return true;
-            }
+        if (acl.is_directory() && !mapped(storeName, acl.path().filename()).empty()) {
+            initiators.push_back(acl.path().filename());
         }
     }
-    return false;
+    return initiators;
+}
+
+std::set<std::string> KernelTarget::familyStores() const
+{
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(m_stores)) {
+        const std::string name = entry.path().filename();
+        const bool isOurs = name.rfind(m_prefix, 0) == 0;
+        if (isOurs || (name.rfind(FAMILY, 0) == 0 && !exported(name).empty())) {
+            names.insert(name);
+        }
+    }
+    return names;
+}
+
+void KernelTarget::removeStore(const std::string& storeName)
+{
+    for (const auto& initiator : seenBy(storeName)) {
+        removeLinked(mapped(storeName, initiator));
+    }
+    if (const fs::path exportedAt = exported(storeName); !exportedAt.empty()) {
+        removeLinked(exportedAt);
+    }
+    m_config.removeDirectory(storeDir(storeName));
+}
+
+/** Directories of configfs go by themselves alone; their links first. */
+void KernelTarget::removeLinked(const Path& directory)
+{
+    for (const auto& link : linksIn(directory)) {
+        fs::remove(link);
+    }
+    m_config.removeDirectory(directory);
+}
+
+/** The directory lun_N with the lowest number from first on that does not exist, made. */
+fs::path KernelTarget::makeNext(const Path& in, int first)
+{
+    for (int number = first;; ++number) {
+        fs::path next = in / ("lun_" + std::to_string(number));
+        if (!fs::exists(next)) {
+            m_config.makeDirectory(next);
+            return next;
+        }
+    }
 }
 
 } // namespace arraysim

@@ -11,7 +11,6 @@ namespace {
 
 constexpr const char* ANY_PATH = R"([\s\S]*)";
 constexpr int BACKLOG = 512;
-constexpr std::size_t LARGEST_BODY = 1U << 20;
 
 bool useCertificate(SSL_CTX& context, const std::string& certificate, const std::string& key)
 {
@@ -32,13 +31,14 @@ public:
 };
 
 ArrayServer::ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faults, Journal& journal,
-                         const std::string& certificate, const std::string& key)
+                         const ServerSettings& settings)
     : m_array(array), m_sessions(sessions), m_faults(faults), m_journal(journal),
+      m_answerMs(settings.answerMs), m_connections(settings.connectionLimit),
       m_server(std::make_unique<Server>(
-          [&](SSL_CTX& context) { return useCertificate(context, certificate, key); }))
+          [&](SSL_CTX& context) { return useCertificate(context, settings.certificate, settings.key); }))
 {
     if (!m_server->is_valid()) {
-        throw std::runtime_error("the certificate " + certificate + " and the key " + key +
+        throw std::runtime_error("the certificate " + settings.certificate + " and the key " + settings.key +
                                  " cannot be used");
     }
     m_connections.watch(m_server->ssl_context());
@@ -50,10 +50,23 @@ ArrayServer::ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faul
     m_server->set_read_timeout(60);
     m_server->set_write_timeout(60);
     m_server->set_payload_max_length(LARGEST_BODY);
+    m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        if (!carriesStrayBody(request) && !m_connections.isEnding(request.ssl)) {
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
+        response.status = 400;
+        m_connections.endWithAnswer(request.ssl);
+        return httplib::Server::HandlerResponse::Handled;
+    });
     const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
-        serve(request, response);
+        serve(request, response, request.body);
     };
-    m_server->Get(ANY_PATH, handler).Post(ANY_PATH, handler).Put(ANY_PATH, handler).Delete(ANY_PATH, handler);
+    const auto bodyHandler = [this](const httplib::Request& request, httplib::Response& response,
+                                    const httplib::ContentReader& reader) {
+        serveWithBody(request, response, reader);
+    };
+    m_server->Get(ANY_PATH, handler).Delete(ANY_PATH, handler);
+    m_server->Post(ANY_PATH, bodyHandler).Put(ANY_PATH, bodyHandler);
     m_server->set_logger([this](const httplib::Request& request, const httplib::Response&) {
         m_connections.requestEnds(request.ssl);
     });
@@ -91,11 +104,7 @@ void ArrayServer::stop()
     if (!m_thread.joinable()) {
         return;
     }
-    {
-        const std::lock_guard<std::mutex> guard(m_pauseMutex);
-        m_stopping = true;
-    }
-    m_pauseEnds.notify_all();
+    m_pauses.end();
     m_server->stop();
     m_connections.stopReading();
     m_thread.join();
@@ -118,29 +127,46 @@ void ArrayServer::clearCounters()
     m_journal.clearCounters();
 }
 
-void ArrayServer::serve(const httplib::Request& request, httplib::Response& response)
+void ArrayServer::serveWithBody(const httplib::Request& request, httplib::Response& response,
+                                const httplib::ContentReader& reader)
+{
+    std::string body;
+    const BodyRead read = readBody(reader, body);
+    if (read == BodyRead::WHOLE) {
+        serve(request, response, body);
+        return;
+    }
+    if (read == BodyRead::BROKEN) {
+        m_connections.endWithAnswer(request.ssl);
+    }
+    response.status = read == BodyRead::TOO_LARGE || response.status == 413 ? 413 : 400;
+}
+
+void ArrayServer::serve(const httplib::Request& request, httplib::Response& response, const std::string& body)
 {
     const auto start = std::chrono::steady_clock::now();
     JournalEntry entry;
     entry.connection = m_connections.requestBegins(request.ssl);
+    entry.session = m_sessions.number(request.get_header_value("iBaseToken"));
     entry.method = request.method;
     entry.target = relativeTarget(request.target);
-    entry.resource = resourceTemplate(entry.target);
-    entry.body = withoutSecrets(request.body);
-    entry.contentType = request.get_header_value("Content-Type");
 
-    const auto fault = m_faults.strike(entry.method, entry.target);
-    const Answer answer = answerTo(request, fault ? &*fault : nullptr);
+    const auto fault = m_faults.strike({entry.method, entry.target, entry.session});
+    const Answer answer = answerTo(request, body, fault ? &*fault : nullptr);
     entry.status = answer.status;
     entry.code = answer.code;
     entry.fault = fault ? fault->id : 0;
     entry.milliseconds =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-    m_journal.add(entry);
-    send(request, response, answer, fault ? &*fault : nullptr);
+    journalize(std::move(entry), request, body);
+    if (fault) {
+        FaultedAnswer(*fault, m_connections, m_pauses).send(request.ssl, response, answer);
+    } else {
+        sendAnswer(response, answer);
+    }
 }
 
-Answer ArrayServer::answerTo(const httplib::Request& request, const Fault* fault)
+Answer ArrayServer::answerTo(const httplib::Request& request, const std::string& body, const Fault* fault)
 {
     const std::string token = request.get_header_value("iBaseToken");
     if (fault != nullptr && fault->action == FaultAction::DROP_SESSION) {
@@ -148,11 +174,12 @@ Answer ArrayServer::answerTo(const httplib::Request& request, const Fault* fault
     }
     Answer answer;
     if (fault == nullptr || fault->performed) {
-        answer = m_array.handle(
-            {request.method, request.target, request.body, token, request.get_header_value("Cookie")});
+        answer =
+            m_array.handle({request.method, request.target, body, token, request.get_header_value("Cookie")});
     }
+    m_pauses.wait(m_answerMs);
     if (fault != nullptr) {
-        pause(fault->delayMs);
+        m_pauses.wait(fault->delayMs);
         if (fault->action == FaultAction::ERROR) {
             answer = Answer();
             answer.status = fault->status;
@@ -163,44 +190,19 @@ Answer ArrayServer::answerTo(const httplib::Request& request, const Fault* fault
     return answer;
 }
 
-void ArrayServer::send(const httplib::Request& request, httplib::Response& response, const Answer& answer,
-                       const Fault* fault)
+/** The request was judged before: a stranger's body is neither read for secrets nor kept. */
+void ArrayServer::journalize(JournalEntry entry, const httplib::Request& request, const std::string& body)
 {
-    response.status = answer.status;
-    for (const auto& [key, value] : answer.headers) {
-        response.set_header(key, value);
+    const HoldsSecret told = [this](const std::string& text) { return m_sessions.isTold(text); };
+    entry.resource = resourceTemplate(entry.target);
+    entry.target = shownTarget(entry.target, told);
+    if (m_journal.isReadable()) {
+        const bool isStranger = entry.code == static_cast<int>(Code::SESSION_INVALID);
+        const std::string type = request.get_header_value("Content-Type");
+        entry.body = isStranger ? sizeAlone(body) : shownBody(body, told);
+        entry.contentType = told(type) ? std::string() : type;
     }
-    const std::string body = answer.body();
-    switch (fault == nullptr ? FaultAction::DELAY : fault->action) {
-    case FaultAction::CLOSE:
-        m_connections.cut(request.ssl);
-        break;
-    case FaultAction::TRUNCATE:
-        // The header promises the whole body; half of it follows, then the connection ends.
-        response.set_content_provider(body.size(), JSON_TYPE,
-                                      [body](size_t, size_t, httplib::DataSink& sink) {
-                                          sink.write(body.data(), body.size() / 2);
-                                          return false;
-                                      });
-        break;
-    case FaultAction::INVALID_JSON:
-        response.set_content(body.substr(0, body.size() - 1) + ",", JSON_TYPE);
-        break;
-    case FaultAction::ANSWER:
-        response.status = fault->status;
-        response.set_content(fault->body, JSON_TYPE);
-        break;
-    default:
-        response.set_content(body, JSON_TYPE);
-    }
-}
-
-void ArrayServer::pause(unsigned milliseconds)
-{
-    if (milliseconds > 0) {
-        std::unique_lock<std::mutex> lock(m_pauseMutex);
-        m_pauseEnds.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return m_stopping; });
-    }
+    m_journal.add(entry);
 }
 
 } // namespace arraysim

@@ -1,7 +1,9 @@
 #ifndef SIMULATOR_HTTP_ARRAYSERVER_H
 #define SIMULATOR_HTTP_ARRAYSERVER_H
 
+#include "http/Bodies.h"
 #include "http/ConnectionThreads.h"
+#include "http/FaultedAnswer.h"
 #include "http/TlsConnections.h"
 #include "watch/Faults.h"
 #include "watch/Journal.h"
@@ -9,12 +11,21 @@
 
 namespace arraysim {
 
+/** What it serves with. */
+struct ServerSettings
+{
+    std::string certificate; ///< PEM, with its chain
+    std::string key;         ///< PEM
+    std::size_t connectionLimit = 1000;
+    unsigned answerMs = 0; ///< that every answer takes
+};
+
 /** The array's interface on HTTPS, with the faults that tests set and the journal of what came in. */
 class ArrayServer
 {
 public:
     ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faults, Journal& journal,
-                const std::string& certificate, const std::string& key);
+                const ServerSettings& settings);
     ~ArrayServer();
 
     /** Binds and begins to serve. @return the port. Throws std::runtime_error. */
@@ -28,23 +39,22 @@ public:
 private:
     class Server;
 
-    void serve(const httplib::Request& request, httplib::Response& response);
-    Answer answerTo(const httplib::Request& request, const Fault* fault);
-    void send(const httplib::Request& request, httplib::Response& response, const Answer& answer,
-              const Fault* fault);
-    void pause(unsigned milliseconds);
+    void serve(const httplib::Request& request, httplib::Response& response, const std::string& body);
+    void serveWithBody(const httplib::Request& request, httplib::Response& response,
+                       const httplib::ContentReader& reader);
+    Answer answerTo(const httplib::Request& request, const std::string& body, const Fault* fault);
+    void journalize(JournalEntry entry, const httplib::Request& request, const std::string& body);
 
     ArrayInterface& m_array;
     Sessions& m_sessions;
     Faults& m_faults;
     Journal& m_journal;
+    const unsigned m_answerMs;
     TlsConnections m_connections;
+    Pauses m_pauses;
     std::atomic<unsigned long> m_accepted{0};
     std::unique_ptr<Server> m_server;
     std::thread m_thread;
-    std::mutex m_pauseMutex;
-    std::condition_variable m_pauseEnds;
-    bool m_stopping = false;
 };
 
 } // namespace arraysim

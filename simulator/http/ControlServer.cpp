@@ -3,6 +3,7 @@
 #include "base/Json.h"
 #include "base/Text.h"
 #include "model/Exposure.h"
+#include "types/StoragePool.h"
 
 #include <stdexcept>
 
@@ -57,6 +58,15 @@ ControlServer::ControlServer(World& world, ArrayInterface& array, Sessions& sess
     m_server.set_keep_alive_max_count(1);
     m_server.set_tcp_nodelay(true);
     m_server.set_socket_options(ownPort);
+    m_server.set_payload_max_length(LARGEST_BODY);
+    m_server.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        const bool own = isOwnPage(request);
+        if (own && !carriesStrayBody(request) && !request.has_header("Transfer-Encoding")) {
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
+        response.status = own ? 411 : 403;
+        return httplib::Server::HandlerResponse::Handled;
+    });
     m_server.Get("/", handler([this](const httplib::Request&) {
                      Json::Value facts_(Json::objectValue);
                      facts_["url"] = m_facts.url;
@@ -70,6 +80,16 @@ ControlServer::ControlServer(World& world, ArrayInterface& array, Sessions& sess
     routeWatch();
     routeObjects();
     routeState();
+}
+
+bool ControlServer::isOwnPage(const httplib::Request& request) const
+{
+    const std::set<std::string> hosts{"127.0.0.1:" + std::to_string(m_port),
+                                      "localhost:" + std::to_string(m_port)};
+    const std::string origin = request.get_header_value("Origin");
+    return hosts.count(request.get_header_value("Host")) != 0 &&
+           (!request.has_header("Origin") ||
+            (origin.rfind("http://", 0) == 0 && hosts.count(origin.substr(7)) != 0));
 }
 
 ControlServer::~ControlServer()
@@ -146,6 +166,28 @@ void ControlServer::routeObjects()
 
 void ControlServer::routeState()
 {
+    m_server.Put(R"(/state/([^/]+)/([^/]+))", handler([this](const httplib::Request& request) {
+                     const ObjectType* type = findResource(request.matches[1]);
+                     if (type == nullptr) {
+                         throw ArrayError(Code::RESOURCE_UNKNOWN, "The array has no such resource.");
+                     }
+                     const auto lock = m_world.lock();
+                     adjustObject(m_world, *type, request.matches[2], parseBody(request.body));
+                     return done();
+                 }));
+    m_server.Post(
+        "/pools", handler([this](const httplib::Request& request) {
+            const Json::Value body = parseBody(request.body);
+            allowMembers(body, {"NAME", "TOTALCAPACITY"});
+            if (!body["TOTALCAPACITY"].isUInt64()) {
+                throw ArrayError(Code::MEMBER_INVALID, "A pool needs its TOTALCAPACITY in sectors.");
+            }
+            const auto lock = m_world.lock();
+            Json::Value added(Json::objectValue);
+            added["ID"] = addPool(m_world, requiredText(body, "NAME"), body["TOTALCAPACITY"].asUInt64());
+            return added;
+        }));
+    m_server.Get("/sessions", handler([this](const httplib::Request&) { return m_sessions.list(); }));
     m_server.Delete("/sessions", handler([this](const httplib::Request&) {
                         m_sessions.dropAll();
                         return done();
@@ -210,6 +252,7 @@ int ControlServer::start(int port)
         throw std::runtime_error("cannot listen on " + std::string(LOOPBACK) + " port " +
                                  std::to_string(port));
     }
+    m_port = bound;
     m_thread = std::thread([this] { m_server.listen_after_bind(); });
     while (!m_server.is_running()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));

@@ -31,6 +31,9 @@ private:
     void routeWatch();
     void routeObjects();
     void routeState();
+    /** Not a web page of somebody else's, whose browser knows this port or resolves a name to this address.
+     */
+    bool isOwnPage(const httplib::Request& request) const;
     Json::Value bulkLuns(const Json::Value& wanted);
 
     World& m_world;
@@ -41,6 +44,7 @@ private:
     ArrayServer& m_arrayServer;
     ArrayFacts m_facts;
     httplib::Server m_server;
+    int m_port = 0;
     std::thread m_thread;
 };
 

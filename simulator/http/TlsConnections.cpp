@@ -20,8 +20,10 @@ void TlsConnections::onInfo(const SSL* connection, int where, int)
     auto* self = static_cast<TlsConnections*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(connection)));
     const std::lock_guard<std::mutex> guard(self->m_mutex);
     if (self->m_open.count(connection) == 0) {
-        self->m_open[connection] = {SSL_get_fd(connection), ++self->m_lastNumber, false};
-        if (self->m_stopping) {
+        self->m_open[connection] = {SSL_get_fd(connection), ++self->m_lastNumber, false, false};
+        if (self->m_open.size() > self->m_limit) {
+            ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
+        } else if (self->m_stopping) {
             ::shutdown(SSL_get_fd(connection), SHUT_RD);
         }
     }
@@ -49,7 +51,9 @@ void TlsConnections::requestEnds(const SSL* connection)
     const auto found = m_open.find(connection);
     if (found != m_open.end()) {
         found->second.busy = false;
-        if (m_stopping) {
+        if (found->second.last) {
+            ::shutdown(found->second.descriptor, SHUT_RDWR);
+        } else if (m_stopping) {
             ::shutdown(found->second.descriptor, SHUT_RD);
         }
     }
@@ -62,6 +66,32 @@ void TlsConnections::cut(const SSL* connection)
     if (found != m_open.end()) {
         ::shutdown(found->second.descriptor, SHUT_RDWR);
     }
+}
+
+void TlsConnections::reset(const SSL* connection)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    const auto found = m_open.find(connection);
+    if (found != m_open.end()) {
+        const sockaddr none{AF_UNSPEC, {}};
+        ::connect(found->second.descriptor, &none, sizeof none);
+    }
+}
+
+void TlsConnections::endWithAnswer(const SSL* connection)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    const auto found = m_open.find(connection);
+    if (found != m_open.end()) {
+        found->second.last = true;
+    }
+}
+
+bool TlsConnections::isEnding(const SSL* connection) const
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    const auto found = m_open.find(connection);
+    return found != m_open.end() && found->second.last;
 }
 
 void TlsConnections::stopReading()

@@ -16,6 +16,8 @@ namespace arraysim {
 class TlsConnections
 {
 public:
+    /** Above limit connections at a time those that come are ended at once. */
+    explicit TlsConnections(std::size_t limit) : m_limit(limit) {}
     /** Puts the hooks into the server's context. */
     void watch(SSL_CTX* context);
 
@@ -25,6 +27,12 @@ public:
     void requestEnds(const SSL* connection);
     /** Cuts the connection at once, so that the client gets no answer. */
     void cut(const SSL* connection);
+    /** The same with a reset, as when a host on the way goes down. */
+    void reset(const SSL* connection);
+    /** Lets the connection end with the answer that is being sent; whatever else came over it is no request.
+     */
+    void endWithAnswer(const SSL* connection);
+    bool isEnding(const SSL* connection) const;
     /** Ends every connection that waits for a request, the others once they have sent their answer. */
     void stopReading();
     unsigned long handshakes() const;
@@ -36,11 +44,13 @@ private:
         int descriptor;
         unsigned long number;
         bool busy;
+        bool last; ///< ends with the answer
     };
 
     static void onInfo(const SSL* connection, int where, int result);
     static void onFree(void* connection, void*, CRYPTO_EX_DATA*, int, long, void* self);
 
+    const std::size_t m_limit;
     SSL_CTX* m_context = nullptr;
     long m_handshakesBefore = 0;
     mutable std::mutex m_mutex;

@@ -150,7 +150,7 @@ void checkDeletable(const World& world, const ObjectType& type, const Object& ob
     }
 }
 
-IdSet related(const World& world, const ObjectKey& object, Type to)
+IdList related(const World& world, const ObjectKey& object, Type to)
 {
     const std::vector<Type>& chain = chainBetween(object.first, to);
     if (chain.size() < 2) {
@@ -160,6 +160,9 @@ IdSet related(const World& world, const ObjectKey& object, Type to)
     }
     IdSet reached{object.second};
     for (std::size_t i = 1; i < chain.size(); ++i) {
+        if (i + 1 == chain.size() && reached.size() == 1) {
+            return world.ordered({chain[i - 1], *reached.begin()}, to);
+        }
         IdSet next;
         for (const auto& id : reached) {
             const IdSet& neighbours = world.linked({chain[i - 1], id}, chain[i]);
@@ -167,7 +170,7 @@ IdSet related(const World& world, const ObjectKey& object, Type to)
         }
         reached = std::move(next);
     }
-    return reached;
+    return std::make_shared<const std::vector<std::string>>(reached.begin(), reached.end());
 }
 
 } // namespace arraysim

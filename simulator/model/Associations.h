@@ -50,7 +50,7 @@ void checkDeletable(const World& world, const ObjectType& type, const Object& ob
  * e.g. the LUNs of a host by host group, mapping view and LUN group. Throws ArrayError
  * (ASSOCIATION_UNSUPPORTED) where no chain joins the two types.
  */
-IdSet related(const World& world, const ObjectKey& object, Type to);
+IdList related(const World& world, const ObjectKey& object, Type to);
 
 } // namespace arraysim
 

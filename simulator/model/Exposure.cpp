@@ -41,7 +41,8 @@ std::set<ObjectKey> exposedInitiators(const World& world, const ObjectKey& lunOr
     std::set<ObjectKey> found;
     if (!world.linked(lunOrSnapshot, Type::LUN_GROUP).empty()) {
         for (const Type type : INITIATORS) {
-            for (const auto& id : related(world, lunOrSnapshot, type)) {
+            const IdList ids = related(world, lunOrSnapshot, type);
+            for (const auto& id : *ids) {
                 found.insert({type, id});
             }
         }
@@ -77,7 +78,8 @@ void ExposureWatch::linkChanges(const ObjectKey& owner, const ObjectKey& member)
         return;
     }
     for (const Type type : EXPOSABLE) {
-        for (const auto& id : related(m_world, near, type)) {
+        const IdList ids = related(m_world, near, type);
+        for (const auto& id : *ids) {
             note({type, id});
         }
     }

@@ -2,9 +2,11 @@
 #define SIMULATOR_MODEL_OBJECT_H
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace arraysim {
 
@@ -32,6 +34,8 @@ struct IdLess
 };
 
 using IdSet = std::set<std::string, IdLess>;
+/** IDs in their order. */
+using IdList = std::shared_ptr<const std::vector<std::string>>;
 using Values = std::map<std::string, std::string>;
 
 /** One managed object: only what was given to it; what follows from others is computed when it is read. */

@@ -121,7 +121,8 @@ struct ObjectType
     std::function<void(const std::string& id)> checkId{}; ///< of IDs brought by the caller
     std::function<void(Change&)> complete{};              ///< rules and array-given values of a change
     std::function<void(World&, const Object&)> remove{};  ///< further rules and effects of a deletion
-    std::function<std::vector<Object>()> factory{};       ///< objects of the factory state
+    std::function<void(World&, const Object& before, Object& after)> adjusted{}; ///< effects of an adjustment
+    std::function<std::vector<Object>()> factory{}; ///< objects of the factory state
 
     const Field* field(const std::string& key) const;
 };

@@ -3,6 +3,10 @@
 #include "base/Json.h"
 #include "base/Text.h"
 #include "model/ChangeInput.h"
+#include "model/FieldInput.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace arraysim {
 namespace {
@@ -53,26 +57,39 @@ void requireManaged(const ObjectType& type)
     }
 }
 
-std::vector<const Object*> selected(const World& world, const ObjectType& type, const Selection& selection,
-                                    const std::optional<AssociatedWith>& of)
+/** The IDs that a list is made from, before its filter. */
+IdList candidates(const World& world, const ObjectType& type, const Selection& selection,
+                  const std::optional<AssociatedWith>& of)
 {
-    const Filter filter(world, type, selection.filter);
-    std::vector<const Object*> found;
-    const auto take = [&](const Object& object) {
-        if (filter.matches(object)) {
-            found.push_back(&object);
-        }
-    };
-    if (of) {
-        for (const auto& id : related(world, {of->type, world.at(of->type, of->id).id}, type.code)) {
-            take(world.at(type.code, id));
-        }
-    } else {
-        for (const auto& entry : world.all(type.code)) {
-            take(entry.second);
+    const IdList associated =
+        of ? related(world, {of->type, world.at(of->type, of->id).id}, type.code) : nullptr;
+    for (const auto& [key, value] : selection.filter) {
+        const Field* field = type.field(key);
+        if (field != nullptr && field->isUnique) {
+            const std::string* holder = world.holder(type.code, key, value);
+            const bool isCandidate =
+                holder != nullptr &&
+                (!of || std::binary_search(associated->begin(), associated->end(), *holder, IdLess()));
+            return std::make_shared<const std::vector<std::string>>(isCandidate ? 1 : 0,
+                                                                    isCandidate ? *holder : std::string());
         }
     }
-    return found;
+    return of ? associated : world.ids(type.code);
+}
+
+/** The IDs of a list in order, before it is cut to its range. */
+IdList selected(const World& world, const ObjectType& type, const Selection& selection,
+                const std::optional<AssociatedWith>& of)
+{
+    const Filter filter(world, type, selection.filter);
+    IdList found = candidates(world, type, selection, of);
+    if (selection.filter.empty()) {
+        return found;
+    }
+    std::vector<std::string> matching;
+    std::copy_if(found->begin(), found->end(), std::back_inserter(matching),
+                 [&](const std::string& id) { return filter.matches(world.at(type.code, id)); });
+    return std::make_shared<const std::vector<std::string>>(std::move(matching));
 }
 
 } // namespace
@@ -129,6 +146,26 @@ void modifyObject(World& world, const ObjectType& type, const std::string& id, c
     transaction.commit();
 }
 
+void adjustObject(World& world, const ObjectType& type, const std::string& id, const Json::Value& body)
+{
+    const Object before = world.at(type.code, id);
+    Object after = before;
+    for (const auto& key : body.getMemberNames()) {
+        const Field* field = type.field(key);
+        if (field == nullptr || field->compute || field->isUnique || field->isSecret || field->isTransient) {
+            throw ArrayError(Code::MEMBER_UNKNOWN,
+                             "The member \"" + printable(key) + "\" of a " + type.title + " cannot be set.");
+        }
+        after.values[key] = inputText(*field, body[key]);
+    }
+    World::Transaction transaction(world);
+    if (type.adjusted) {
+        type.adjusted(world, before, after);
+    }
+    world.put(type.code, std::move(after));
+    transaction.commit();
+}
+
 void deleteObject(World& world, const ObjectType& type, const std::string& id)
 {
     requireManaged(type);
@@ -145,11 +182,11 @@ void deleteObject(World& world, const ObjectType& type, const std::string& id)
 Json::Value listObjects(const World& world, const ObjectType& type, const Selection& selection,
                         const std::optional<AssociatedWith>& of)
 {
-    const std::vector<const Object*> found = selected(world, type, selection, of);
-    const Range range = selection.range.value_or(Range{0, found.size()});
+    const IdList found = selected(world, type, selection, of);
+    const Range range = selection.range.value_or(Range{0, found->size()});
     Json::Value records(Json::arrayValue);
-    for (auto i = range.from; i < std::min<unsigned long long>(range.to, found.size()); ++i) {
-        records.append(record(world, type, *found[i]));
+    for (auto i = range.from; i < std::min<unsigned long long>(range.to, found->size()); ++i) {
+        records.append(record(world, type, world.at(type.code, (*found)[i])));
     }
     return records;
 }
@@ -158,7 +195,7 @@ Json::Value countObjects(const World& world, const ObjectType& type, const Selec
                          const std::optional<AssociatedWith>& of)
 {
     Json::Value count(Json::objectValue);
-    count["COUNT"] = std::to_string(selected(world, type, selection, of).size());
+    count["COUNT"] = std::to_string(selected(world, type, selection, of)->size());
     return count;
 }
 

@@ -9,6 +9,8 @@
 namespace arraysim {
 namespace {
 
+constexpr std::size_t MANY = 100;
+
 std::string newDeviceId()
 {
     std::random_device random;
@@ -20,6 +22,16 @@ std::string newDeviceId()
 }
 
 } // namespace
+
+World::Lock::~Lock()
+{
+    const auto works = std::move(m_world.m_afterwards);
+    m_world.m_afterwards.clear();
+    m_held.unlock();
+    for (const auto& work : works) {
+        work();
+    }
+}
 
 World::World(Store& store) : m_store(store), m_deviceId(store.setting("deviceId"))
 {
@@ -55,6 +67,20 @@ const ObjectMap& World::all(Type type) const
     return found == m_objects.end() ? none : found->second;
 }
 
+IdList World::ids(Type type) const
+{
+    IdList& kept = m_ids[type];
+    if (!kept) {
+        std::vector<std::string> list;
+        list.reserve(all(type).size());
+        for (const auto& entry : all(type)) {
+            list.push_back(entry.first);
+        }
+        kept = std::make_shared<const std::vector<std::string>>(std::move(list));
+    }
+    return kept;
+}
+
 const IdSet& World::linked(const ObjectKey& object, Type to) const
 {
     static const IdSet none;
@@ -64,6 +90,34 @@ const IdSet& World::linked(const ObjectKey& object, Type to) const
     }
     const auto found = edges->second.of.find(object.second);
     return found == edges->second.of.end() ? none : found->second;
+}
+
+IdList World::ordered(const ObjectKey& object, Type to) const
+{
+    const IdSet& neighbours = linked(object, to);
+    const auto list = [&] {
+        return std::make_shared<const std::vector<std::string>>(neighbours.begin(), neighbours.end());
+    };
+    if (neighbours.size() < MANY) {
+        return list();
+    }
+    IdList& kept = m_edges.at({object.first, to}).ordered[object.second];
+    if (!kept) {
+        kept = list();
+    }
+    return kept;
+}
+
+void World::Edges::insert(const std::string& id, const std::string& neighbour)
+{
+    of[id].insert(neighbour);
+    ordered.erase(id);
+}
+
+void World::Edges::erase(const std::string& id, const std::string& neighbour)
+{
+    of[id].erase(neighbour);
+    ordered.erase(id);
 }
 
 const std::string* World::holder(Type type, const std::string& key, const std::string& value) const
@@ -87,7 +141,7 @@ void World::put(Type type, Object object)
     writing();
     m_store.putObject(type, object);
     countUp(type, object.id);
-    forget(type, object.id);
+    forgetUnique(type, object.id);
     remember(type, std::move(object));
 }
 
@@ -124,8 +178,8 @@ void World::unlink(const ObjectKey& owner, const ObjectKey& member)
         observer->linkChanges(owner, member);
     }
     m_store.eraseLink(owner, member);
-    m_edges[{owner.first, member.first}].of[owner.second].erase(member.second);
-    m_edges[{member.first, owner.first}].of[member.second].erase(owner.second);
+    m_edges[{owner.first, member.first}].erase(owner.second, member.second);
+    m_edges[{member.first, owner.first}].erase(member.second, owner.second);
 }
 
 bool World::stillSettling(Type type, const std::string& id)

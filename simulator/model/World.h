@@ -35,15 +35,34 @@ class World
 public:
     explicit World(Store& store);
 
-    std::unique_lock<std::mutex> lock() { return std::unique_lock<std::mutex>(m_mutex); }
+    /** Holds the world; its end does what afterwards() was given meanwhile. */
+    class Lock
+    {
+    public:
+        explicit Lock(World& world) : m_world(world), m_held(world.m_mutex) {}
+        ~Lock();
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+    private:
+        World& m_world;
+        std::unique_lock<std::mutex> m_held;
+    };
+    Lock lock() { return Lock(*this); }
+    /** Something slow that belongs to an operation, to be done without the lock. It must not throw. */
+    void afterwards(std::function<void()> work) { m_afterwards.push_back(std::move(work)); }
 
     /** Null where there is no such object. */
     const Object* find(Type type, const std::string& id) const;
     /** Throws ArrayError (OBJECT_MISSING). */
     const Object& at(Type type, const std::string& id) const;
     const ObjectMap& all(Type type) const;
+    /** The IDs of all objects of a type, to be paged through: the list is kept until one comes or goes. */
+    IdList ids(Type type) const;
     /** The objects of type to that are directly associated with the object. */
     const IdSet& linked(const ObjectKey& object, Type to) const;
+    /** The same in order, to be paged through: where they are many, the list is kept until they change. */
+    IdList ordered(const ObjectKey& object, Type to) const;
     /** The ID of the object that has this value in a unique field, or null. */
     const std::string* holder(Type type, const std::string& key, const std::string& value) const;
     /** The next ID that the array would give; IDs are not used again. */
@@ -86,11 +105,16 @@ private:
     struct Edges
     {
         std::map<std::string, IdSet, IdLess> of;
+        mutable std::map<std::string, IdList> ordered; ///< of those with many neighbours that were asked for
+
+        void insert(const std::string& id, const std::string& neighbour);
+        void erase(const std::string& id, const std::string& neighbour);
     };
 
     void writing();
     void load();
     void remember(Type type, Object object);
+    void forgetUnique(Type type, const std::string& id);
     void forget(Type type, const std::string& id);
     void connect(const ObjectKey& a, const ObjectKey& b);
     void countUp(Type type, const std::string& id);
@@ -99,10 +123,12 @@ private:
     Store& m_store;
     std::string m_deviceId;
     std::map<Type, ObjectMap> m_objects;
+    mutable std::map<Type, IdList> m_ids;
     std::map<std::pair<Type, Type>, Edges> m_edges;
     std::map<std::pair<Type, std::string>, std::unordered_map<std::string, std::string>> m_unique;
     std::map<Type, unsigned long> m_lastId;
     std::vector<LinkObserver*> m_observers;
+    std::vector<std::function<void()>> m_afterwards;
     int m_transactions = 0;
     bool m_writing = false;
 };

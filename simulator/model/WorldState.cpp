@@ -37,6 +37,7 @@ void World::load()
     m_objects.clear();
     m_edges.clear();
     m_unique.clear();
+    m_ids.clear();
     m_lastId.clear();
     m_store.readObjects([this](Type type, Object object) { remember(type, std::move(object)); });
     m_store.readLinks([this](const ObjectKey& owner, const ObjectKey& member) { connect(owner, member); });
@@ -53,10 +54,12 @@ void World::remember(Type type, Object object)
         }
     }
     const std::string id = object.id;
-    m_objects[type].insert_or_assign(id, std::move(object));
+    if (m_objects[type].insert_or_assign(id, std::move(object)).second) {
+        m_ids.erase(type);
+    }
 }
 
-void World::forget(Type type, const std::string& id)
+void World::forgetUnique(Type type, const std::string& id)
 {
     if (const Object* object = find(type, id)) {
         for (const auto& field : objectType(type).fields) {
@@ -64,14 +67,20 @@ void World::forget(Type type, const std::string& id)
                 m_unique[{type, field.key}].erase(object->value(field.key));
             }
         }
-        m_objects[type].erase(id);
     }
+}
+
+void World::forget(Type type, const std::string& id)
+{
+    forgetUnique(type, id);
+    m_objects[type].erase(id);
+    m_ids.erase(type);
 }
 
 void World::connect(const ObjectKey& a, const ObjectKey& b)
 {
-    m_edges[{a.first, b.first}].of[a.second].insert(b.second);
-    m_edges[{b.first, a.first}].of[b.second].insert(a.second);
+    m_edges[{a.first, b.first}].insert(a.second, b.second);
+    m_edges[{b.first, a.first}].insert(b.second, a.second);
 }
 
 void World::countUp(Type type, const std::string& id)

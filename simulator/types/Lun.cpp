@@ -42,6 +42,17 @@ void removeLun(World& world, const Object& lun)
     release(world, pool, decimal(lun.value("ALLOCCAPACITY")).value_or(0));
 }
 
+/** What a LUN that grows or shrinks takes of its pool. */
+void adjustLun(World& world, const Object& before, Object& after)
+{
+    if (!isThin(after)) {
+        after.values["ALLOCCAPACITY"] = after.value("CAPACITY");
+    }
+    const std::string pool = *world.linked({Type::LUN, before.id}, Type::STORAGE_POOL).begin();
+    release(world, pool, decimal(before.value("ALLOCCAPACITY")).value_or(0));
+    allocate(world, pool, decimal(after.value("ALLOCCAPACITY")).value_or(0));
+}
+
 std::vector<Field> lunFields()
 {
     return {
@@ -84,6 +95,7 @@ const ObjectType& lunType()
         luns.parent = Parent{Type::STORAGE_POOL, true, false};
         luns.complete = completeLun;
         luns.remove = removeLun;
+        luns.adjusted = adjustLun;
         return luns;
     }();
     return type;

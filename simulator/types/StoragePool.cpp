@@ -28,7 +28,7 @@ std::vector<Object> factoryPools()
 unsigned long long freeSectors(const Object& pool)
 {
     const auto total = decimal(pool.value("TOTALCAPACITY")).value_or(0);
-    return total - decimal(pool.value("ALLOCATED")).value_or(0);
+    return total - std::min(total, decimal(pool.value("ALLOCATED")).value_or(0));
 }
 
 void allocate(World& world, const std::string& poolId, unsigned long long sectors)
@@ -52,6 +52,15 @@ void release(World& world, const std::string& poolId, unsigned long long sectors
     const auto allocated = decimal(pool.value("ALLOCATED")).value_or(0);
     pool.values["ALLOCATED"] = std::to_string(allocated - std::min(allocated, sectors));
     world.put(Type::STORAGE_POOL, std::move(pool));
+}
+
+std::string addPool(World& world, const std::string& name, unsigned long long sectors)
+{
+    const std::string id = world.nextId(Type::STORAGE_POOL);
+    World::Transaction transaction(world);
+    world.put(Type::STORAGE_POOL, pool(id.c_str(), name.c_str(), sectors));
+    transaction.commit();
+    return id;
 }
 
 const ObjectType& storagePoolType()

@@ -10,6 +10,8 @@ unsigned long long freeSectors(const Object& pool);
 
 /** Takes sectors of the pool, or throws ArrayError (CAPACITY_SHORT). Within a transaction. */
 void allocate(World& world, const std::string& poolId, unsigned long long sectors);
+/** A further pool. @return its ID */
+std::string addPool(World& world, const std::string& name, unsigned long long sectors);
 void release(World& world, const std::string& poolId, unsigned long long sectors);
 
 } // namespace arraysim

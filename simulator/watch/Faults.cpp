@@ -20,6 +20,10 @@ const std::map<std::string, FaultAction>& actions()
         {"invalidJson", FaultAction::INVALID_JSON},
         {"answer", FaultAction::ANSWER},
         {"dropSession", FaultAction::DROP_SESSION},
+        {"reset", FaultAction::RESET},
+        {"slow", FaultAction::SLOW},
+        {"endless", FaultAction::ENDLESS},
+        {"redirect", FaultAction::REDIRECT},
     };
     return names;
 }
@@ -27,7 +31,8 @@ const std::map<std::string, FaultAction>& actions()
 bool performedByDefault(FaultAction action)
 {
     return action == FaultAction::DELAY || action == FaultAction::TRUNCATE ||
-           action == FaultAction::INVALID_JSON || action == FaultAction::DROP_SESSION;
+           action == FaultAction::INVALID_JSON || action == FaultAction::DROP_SESSION ||
+           action == FaultAction::SLOW;
 }
 
 bool matches(const std::string& pattern, const std::string& text)
@@ -67,8 +72,9 @@ std::string actionName(FaultAction action)
 
 unsigned Faults::add(const Json::Value& description)
 {
-    allowMembers(description, {"method", "path", "query", "skip", "count", "action", "performed", "delayMs",
-                               "code", "description", "status", "body"});
+    allowMembers(description,
+                 {"method", "path", "query", "session", "share", "seed", "skip", "count", "action",
+                  "performed", "delayMs", "code", "description", "status", "body", "location", "pieceMs"});
     Fault fault;
     const auto action = actions().find(requiredText(description, "action"));
     if (action == actions().end()) {
@@ -87,6 +93,11 @@ unsigned Faults::add(const Json::Value& description)
     takeText(description, "query", fault.query);
     takeText(description, "description", fault.description);
     takeText(description, "body", fault.body);
+    takeText(description, "location", fault.location);
+    takeNumber(description, "session", fault.session);
+    takeNumber(description, "share", fault.share);
+    takeNumber(description, "seed", fault.seed);
+    takeNumber(description, "pieceMs", fault.pieceMs);
     takeNumber(description, "skip", fault.skip);
     takeNumber(description, "count", fault.count);
     takeNumber(description, "delayMs", fault.delayMs);
@@ -95,7 +106,7 @@ unsigned Faults::add(const Json::Value& description)
 
     const std::lock_guard<std::mutex> guard(m_mutex);
     fault.id = ++m_lastId;
-    m_faults.push_back(fault);
+    m_faults.push_back({fault, std::minstd_rand(fault.seed)});
     return fault.id;
 }
 
@@ -103,12 +114,14 @@ Json::Value Faults::list()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     Json::Value all(Json::arrayValue);
-    for (const auto& fault : m_faults) {
+    for (const auto& [fault, chance] : m_faults) {
         Json::Value one(Json::objectValue);
         one["id"] = fault.id;
         one["method"] = fault.method;
         one["path"] = fault.path;
         one["query"] = fault.query;
+        one["session"] = fault.session;
+        one["share"] = fault.share;
         one["action"] = actionName(fault.action);
         one["skip"] = fault.skip;
         one["count"] = fault.count;
@@ -122,7 +135,7 @@ bool Faults::remove(unsigned id)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     const auto before = m_faults.size();
-    m_faults.remove_if([id](const Fault& fault) { return fault.id == id; });
+    m_faults.remove_if([id](const Set& set) { return set.fault.id == id; });
     return m_faults.size() != before;
 }
 
@@ -132,20 +145,24 @@ void Faults::clear()
     m_faults.clear();
 }
 
-std::optional<Fault> Faults::strike(const std::string& method, const std::string& relativeTarget)
+std::optional<Fault> Faults::strike(const Struck& request)
 {
-    const std::size_t mark = relativeTarget.find('?');
-    const std::string path = relativeTarget.substr(0, mark);
-    const std::string query = mark == std::string::npos ? std::string() : relativeTarget.substr(mark + 1);
+    const std::size_t mark = request.target.find('?');
+    const std::string path = request.target.substr(0, mark);
+    const std::string query = mark == std::string::npos ? std::string() : request.target.substr(mark + 1);
     const std::lock_guard<std::mutex> guard(m_mutex);
-    for (auto& fault : m_faults) {
+    for (auto& [fault, chance] : m_faults) {
         const bool spent = fault.count != 0 && fault.hits >= fault.count;
-        if (spent || !matches(fault.method, method) || !matches(fault.path, path) ||
+        if (spent || (fault.session != 0 && fault.session != request.session) ||
+            !matches(fault.method, request.method) || !matches(fault.path, path) ||
             !matches(fault.query, query)) {
             continue;
         }
         if (fault.skip > 0) {
             --fault.skip;
+            continue;
+        }
+        if (fault.share < 100 && chance() / 16 % 100 >= fault.share) {
             continue;
         }
         ++fault.hits;

@@ -6,6 +6,7 @@
 #include <list>
 #include <mutex>
 #include <optional>
+#include <random>
 #include <string>
 
 namespace arraysim {
@@ -19,7 +20,11 @@ enum class FaultAction
     TRUNCATE,
     INVALID_JSON,
     ANSWER,
-    DROP_SESSION
+    DROP_SESSION,
+    RESET,
+    SLOW,
+    ENDLESS,
+    REDIRECT
 };
 
 struct Fault
@@ -28,6 +33,9 @@ struct Fault
     std::string method = "*"; ///< glob
     std::string path = "*";   ///< glob on the path behind the device ID; * matches slashes too
     std::string query = "*";  ///< glob on the raw query
+    unsigned session = 0;     ///< the number of a session whose requests alone match; 0: any
+    unsigned share = 100;     ///< percent of the requests that match, drawn by chance
+    unsigned seed = 0;        ///< of the drawing: the same seed draws the same requests
     unsigned skip = 0;        ///< requests that match and pass untouched first
     unsigned count = 1;       ///< how often it strikes; 0: always
     unsigned hits = 0;
@@ -37,7 +45,17 @@ struct Fault
     int code = 1;
     std::string description = "injected fault";
     int status = 200;
-    std::string body; ///< of the action answer
+    std::string body;       ///< of the action answer
+    std::string location;   ///< of the action redirect
+    unsigned pieceMs = 100; ///< of the action slow: between one byte and the next
+};
+
+/** What a fault is matched against. */
+struct Struck
+{
+    std::string method;
+    std::string target;   ///< raw, behind the device ID
+    unsigned session = 0; ///< the number of the request's session, 0 for none
 };
 
 /** The faults that tests have set. A request meets the first one that matches and is not spent. */
@@ -49,11 +67,17 @@ public:
     Json::Value list();
     bool remove(unsigned id);
     void clear();
-    std::optional<Fault> strike(const std::string& method, const std::string& relativeTarget);
+    std::optional<Fault> strike(const Struck& request);
 
 private:
+    struct Set
+    {
+        Fault fault;
+        std::minstd_rand chance;
+    };
+
     std::mutex m_mutex;
-    std::list<Fault> m_faults;
+    std::list<Set> m_faults;
     unsigned m_lastId = 0;
 };
 

@@ -11,6 +11,29 @@ namespace arraysim {
 namespace {
 
 constexpr std::size_t KEPT_ENTRIES = 50000;
+constexpr std::size_t KEPT_BYTES = 64 * 1024 * 1024;
+
+std::size_t sizeOf(const JournalEntry& entry)
+{
+    return sizeof entry + entry.method.size() + entry.target.size() + entry.resource.size() +
+           entry.body.size() + entry.contentType.size();
+}
+
+Json::Value json(const JournalEntry& entry)
+{
+    Json::Value shown(Json::objectValue);
+    shown["number"] = Json::UInt64(entry.number);
+    shown["connection"] = Json::UInt64(entry.connection);
+    shown["session"] = entry.session;
+    shown["method"] = entry.method;
+    shown["path"] = entry.target;
+    shown["body"] = entry.body;
+    shown["contentType"] = entry.contentType;
+    shown["status"] = entry.status;
+    shown["code"] = entry.code;
+    shown["fault"] = entry.fault;
+    return shown;
+}
 
 std::string timeNow()
 {
@@ -31,7 +54,7 @@ int keepOpen(std::FILE*)
 
 } // namespace
 
-Journal::Journal(const std::string& logFile)
+Journal::Journal(const std::string& logFile, bool isReadable) : m_isReadable(isReadable)
 {
     if (logFile == "-") {
         m_file = {stderr, keepOpen};
@@ -45,22 +68,17 @@ Journal::Journal(const std::string& logFile)
 
 void Journal::add(const JournalEntry& entry)
 {
-    Json::Value kept(Json::objectValue);
-    kept["connection"] = Json::UInt64(entry.connection);
-    kept["method"] = entry.method;
-    kept["path"] = entry.target;
-    kept["body"] = entry.body;
-    kept["contentType"] = entry.contentType;
-    kept["status"] = entry.status;
-    kept["code"] = entry.code;
-    kept["fault"] = entry.fault;
-
     char took[32];
     std::snprintf(took, sizeof took, " %.3fms", entry.milliseconds);
     const std::lock_guard<std::mutex> guard(m_mutex);
-    kept["number"] = Json::UInt64(++m_lastNumber);
-    m_entries.push_back(std::move(kept));
-    if (m_entries.size() > KEPT_ENTRIES) {
+    ++m_lastNumber;
+    if (m_isReadable) {
+        m_entries.push_back(entry);
+        m_entries.back().number = m_lastNumber;
+        m_size += sizeOf(entry);
+    }
+    while (m_entries.size() > KEPT_ENTRIES || m_size > KEPT_BYTES) {
+        m_size -= sizeOf(m_entries.front());
         m_entries.pop_front();
     }
     ++m_requests[entry.method + " " + entry.resource];
@@ -81,8 +99,8 @@ Json::Value Journal::entries(unsigned long since)
     const std::lock_guard<std::mutex> guard(m_mutex);
     Json::Value all(Json::arrayValue);
     for (const auto& entry : m_entries) {
-        if (entry["number"].asUInt64() > since) {
-            all.append(entry);
+        if (entry.number > since) {
+            all.append(json(entry));
         }
     }
     return all;
@@ -102,6 +120,7 @@ void Journal::clearEntries()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     m_entries.clear();
+    m_size = 0;
 }
 
 void Journal::clearCounters()

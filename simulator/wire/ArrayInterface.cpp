@@ -9,6 +9,8 @@ namespace arraysim {
 namespace {
 
 const std::string ROOT = "/deviceManager/rest/";
+constexpr const char* SESSIONS = "/sessions";
+constexpr const char* KEEP_ALIVE = "/server/logininfo";
 
 /** Runs one operation and turns what it throws into the answer's error object. */
 template <typename Operation>
@@ -38,13 +40,12 @@ std::string resourceTemplate(const std::string& relative)
 {
     const std::string path = relative.substr(0, relative.find('?'));
     const std::size_t second = path.find('/', 1);
-    if (path.empty() || second == std::string::npos || second + 1 == path.size()) {
-        return path.substr(0, second);
+    const std::string resource = path.empty() ? path : path.substr(1, second - 1);
+    const std::string tail = second == std::string::npos ? std::string() : path.substr(second + 1);
+    if (findResource(resource) == nullptr) {
+        return path == SESSIONS || path == KEEP_ALIVE ? path : "other";
     }
-    const std::string resource = path.substr(1, second - 1);
-    const std::string tail = path.substr(second + 1);
-    const bool isObject = findResource(resource) != nullptr && !isAction(tail);
-    return isObject ? "/" + resource + "/{id}" : path;
+    return "/" + resource + (tail.empty() ? "" : isAction(tail) ? "/" + tail : "/{id}");
 }
 
 Answer ArrayInterface::handle(const ArrayRequest& request)
@@ -82,7 +83,7 @@ Answer ArrayInterface::route(const ArrayRequest& request)
         throw ArrayError(Code::METHOD_UNSUPPORTED, "Sessions are opened with POST and ended with DELETE.");
     }
     const Target relative = parseTarget(relativeTarget(request.target));
-    if (request.method == "GET" && relative.path == "/server/logininfo") {
+    if (request.method == "GET" && relative.path == KEEP_ALIVE) {
         Json::Value info(Json::objectValue);
         info["username"] = m_sessions.user();
         info["deviceid"] = segments[2];

@@ -40,7 +40,8 @@ private:
  */
 std::string relativeTarget(const std::string& target);
 
-/** A relative target with the object's ID replaced by {id}, so that counters have one entry a resource. */
+/** A relative target with the object's ID replaced by {id} for the counters; "other" for what the array does
+ * not have. */
 std::string resourceTemplate(const std::string& relative);
 
 } // namespace arraysim

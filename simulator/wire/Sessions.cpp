@@ -1,15 +1,20 @@
 #include "wire/Sessions.h"
 
 #include "base/Json.h"
+#include "wire/Target.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace arraysim {
 namespace {
+
+/** A password that is shorter stands in every other word by chance. */
+constexpr std::size_t SHORTEST_SECRET = 4;
 
 /** Compares digests, so that the time taken tells nothing about the texts or their lengths. */
 bool sameSecret(const std::string& a, const std::string& b)
@@ -82,7 +87,7 @@ Answer Sessions::login(const Json::Value& body)
     }
     const std::string token = randomHex(32);
     const std::string cookie = randomHex(32);
-    m_sessions[token] = {cookie, now()};
+    m_sessions[token] = {++m_lastNumber, cookie, now()};
 
     Json::Value session(Json::objectValue);
     session["deviceid"] = m_deviceId;
@@ -125,6 +130,49 @@ std::size_t Sessions::count()
     const std::lock_guard<std::mutex> guard(m_mutex);
     expire();
     return m_sessions.size();
+}
+
+Json::Value Sessions::list()
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    expire();
+    std::map<unsigned, Json::Value> ordered;
+    for (const auto& entry : m_sessions) {
+        Json::Value& session = ordered[entry.second.number];
+        session["number"] = entry.second.number;
+        session["user"] = m_settings.user;
+    }
+    Json::Value all(Json::arrayValue);
+    for (auto& entry : ordered) {
+        all.append(std::move(entry.second));
+    }
+    return all;
+}
+
+unsigned Sessions::number(const std::string& token)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    const auto found = m_sessions.find(token);
+    return found == m_sessions.end() ? 0 : found->second.number;
+}
+
+bool Sessions::isTold(const std::string& text)
+{
+    std::string decoded;
+    try {
+        decoded = percentDecode(text, true);
+    } catch (const ArrayError&) {
+        decoded = text;
+    }
+    const auto tells = [&](const std::string& secret) {
+        return secret.size() >= SHORTEST_SECRET &&
+               (text.find(secret) != std::string::npos || decoded.find(secret) != std::string::npos);
+    };
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    return tells(m_settings.password) ||
+           std::any_of(m_sessions.begin(), m_sessions.end(), [&](const auto& session) {
+               return tells(session.first) || tells(session.second.cookie);
+           });
 }
 
 void Sessions::advance(std::chrono::seconds by)

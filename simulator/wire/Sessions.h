@@ -40,6 +40,12 @@ public:
     void drop(const std::string& token);
     void dropAll();
     std::size_t count();
+    /** The open sessions as a test may see them: number, in the order of the logins, and user. */
+    Json::Value list();
+    /** The number of the session with this token; 0 where there is none. */
+    unsigned number(const std::string& token);
+    /** Whether a text holds the password, or a token or cookie in force, be it percent-encoded. */
+    bool isTold(const std::string& text);
     /** Lets time pass for the sessions alone, so that tests of the idle time need not wait. */
     void advance(std::chrono::seconds by);
     const std::string& user() const { return m_settings.user; }
@@ -47,6 +53,7 @@ public:
 private:
     struct Session
     {
+        unsigned number;
         std::string cookie;
         std::chrono::steady_clock::time_point lastUse;
     };
@@ -60,6 +67,7 @@ private:
     const std::string m_deviceId;
     std::chrono::seconds m_advanced{0};
     std::map<std::string, Session> m_sessions; ///< by token
+    unsigned m_lastNumber = 0;
 };
 
 /** Hexadecimal digits from the system's random source, for tokens, cookies and passwords. */

@@ -1,4 +1,5 @@
 #include "ArrayClient.h"
+#include "Codes.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -66,6 +67,38 @@ TEST_F(SimulatorExposure, ASecondWayToTheSameInitiatorIsNoNewExposure)
     EXPECT_THAT(array.log(), Not(HasSubstr("withdrew")));
     client.del("/lungroup/associate?ID=2&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + disk);
     EXPECT_THAT(array.log(), HasSubstr(line("withdrew", disk)));
+}
+
+TEST_F(SimulatorExposure, AnFcInitiatorExposesAndHoldsItsHost)
+{
+    const std::string wwpn = "21000024ff000001";
+    const std::string disk = lun("a");
+    const std::string server = host("h");
+    const std::string group = named("/lungroup/", "lg");
+    const std::string hosts = named("/hostgroup", "hg");
+    const std::string view = named("/mappingview", "v");
+    client.create("/fc_initiator", R"({"ID":")" + wwpn + R"("})");
+    associate("POST", "/lungroup/associate", group, 11, disk);
+    associate("PUT", "/mappingview/create_associate", view, 256, group);
+    associate("PUT", "/mappingview/create_associate", view, 14, hosts);
+    associate("POST", "/hostgroup/associate", hosts, 21, server);
+    EXPECT_EQ(client.get("/lun/" + disk).data()["EXPOSEDTOINITIATOR"], "false");
+
+    EXPECT_EQ(
+        client.put("/fc_initiator/" + wwpn, R"({"PARENTTYPE":21,"PARENTID":")" + server + R"("})").code(), 0);
+    EXPECT_EQ(client.get("/lun/" + disk).data()["EXPOSEDTOINITIATOR"], "true");
+    EXPECT_THAT(array.log(), HasSubstr("exposed LUN " + disk + " to " + wwpn + "\n"));
+    EXPECT_EQ(array.control("GET", "/exposures")[0]["initiator"], wwpn);
+    EXPECT_EQ(client.get("/fc_initiator/associate?ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=" + server).ids().size(),
+              1U);
+
+    client.del("/host/associate?ID=" + hosts + "&ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=" + server);
+    EXPECT_THAT(array.log(), HasSubstr("withdrew LUN " + disk + " from " + wwpn + "\n"));
+    EXPECT_EQ(client.del("/host/" + server).code(), code::OBJECT_IN_USE);
+    EXPECT_EQ(client.del("/fc_initiator/" + wwpn).code(), code::OBJECT_IN_USE);
+    EXPECT_EQ(client.put("/fc_initiator/remove_fc_from_host", R"({"ID":")" + wwpn + R"("})").code(), 0);
+    EXPECT_EQ(client.del("/host/" + server).code(), 0);
+    EXPECT_EQ(client.del("/fc_initiator/" + wwpn).code(), 0);
 }
 
 } // namespace

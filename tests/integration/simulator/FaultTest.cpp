@@ -1,6 +1,10 @@
 #include "ArrayClient.h"
 #include "Codes.h"
 
+#include <openssl/ssl.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <thread>
 
@@ -114,6 +118,111 @@ TEST_F(SimulatorFault, LoginsCanFailToo)
     EXPECT_EQ(other.login().code(), 0);
 }
 
+TEST_F(SimulatorFault, AFaultCanBeBoundToASession)
+{
+    ArrayClient other(array);
+    ASSERT_EQ(other.login().code(), 0);
+    const Json::Value sessions = array.control("GET", "/sessions");
+    ASSERT_EQ(sessions.size(), 2U);
+    EXPECT_EQ(sessions[1]["number"].asUInt(), 2U);
+    array.addFault(R"({"session":2,"action":"error","code":77,"count":0})");
+    EXPECT_EQ(client.get("/lun").code(), 0);
+    EXPECT_EQ(other.get("/lun").code(), 77);
+    EXPECT_EQ(array.journal()[2]["session"].asUInt(), 1U);
+    EXPECT_EQ(array.journal()[3]["session"].asUInt(), 2U);
+}
+
+TEST_F(SimulatorFault, AShareOfTheRequestsIsDrawnTheSameForTheSameSeed)
+{
+    const auto drawn = [&](int seed) {
+        array.clearFaults();
+        array.addFault((R"({"path":"/lun","action":"error","code":7,"count":0,"share":20,"seed":)" +
+                        std::to_string(seed) + "}")
+                           .c_str());
+        std::vector<int> codes;
+        for (int i = 0; i < 200; ++i) {
+            codes.push_back(client.get("/lun").code());
+        }
+        return codes;
+    };
+    const std::vector<int> first = drawn(1);
+    EXPECT_EQ(first, drawn(1));
+    EXPECT_NE(first, drawn(2));
+    const auto busy = std::count(first.begin(), first.end(), 7);
+    EXPECT_GT(busy, 20);
+    EXPECT_LT(busy, 70);
+}
+
+/** What a client gets from its connection in place of an answer: the errno, 0 for an ordinary end. */
+int endOfConnection(const tessel_test::ArraySim& array)
+{
+    SSL_CTX* context = SSL_CTX_new(TLS_client_method());
+    BIO* connection = BIO_new_ssl_connect(context);
+    BIO_set_conn_hostname(connection, (array.ip() + ":" + std::to_string(array.port())).c_str());
+    EXPECT_EQ(BIO_do_connect(connection), 1);
+    const std::string request = "GET /deviceManager/rest/x/lun HTTP/1.1\r\nHost: x\r\n\r\n";
+    BIO_write(connection, request.data(), static_cast<int>(request.size()));
+    char byte = 0;
+    errno = 0;
+    EXPECT_LE(BIO_read(connection, &byte, 1), 0);
+    const int reason = errno;
+    BIO_free_all(connection);
+    SSL_CTX_free(context);
+    return reason;
+}
+
+TEST_F(SimulatorFault, AConnectionCanEndWithAReset)
+{
+    array.addFault(R"({"action":"close"})");
+    EXPECT_EQ(endOfConnection(array), 0);
+    array.addFault(R"({"action":"reset"})");
+    EXPECT_EQ(endOfConnection(array), ECONNRESET);
+    EXPECT_EQ(client.get("/lun").code(), 0);
+}
+
+TEST_F(SimulatorFault, ASlowAnswerComesByteByByteAndWhole)
+{
+    array.addFault(R"({"action":"slow","pieceMs":2})");
+    const auto start = std::chrono::steady_clock::now();
+    const Reply reply = client.get("/lun");
+    EXPECT_EQ(reply.code(), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2 * reply.text.size()));
+}
+
+TEST_F(SimulatorFault, AnEndlessAnswerEndsWithTheArrayAtTheLatest)
+{
+    array.addFault(R"({"action":"endless"})");
+    httplib::SSLClient reader(array.ip(), static_cast<int>(array.port()));
+    reader.enable_server_certificate_verification(false);
+    std::size_t received = 0;
+    reader.Get("/deviceManager/rest/x/lun", [&](const char*, size_t size) {
+        received += size;
+        return received < 8U << 20;
+    });
+    EXPECT_GE(received, 8U << 20);
+    array.addFault(R"({"action":"endless"})");
+    std::thread waiting([&] {
+        httplib::SSLClient patient(array.ip(), static_cast<int>(array.port()));
+        patient.enable_server_certificate_verification(false);
+        patient.Get("/deviceManager/rest/x/lun", [](const char*, size_t) { return true; });
+    });
+    while (array.faults()[1]["hits"].asUInt() == 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(array.stop(), 0);
+    waiting.join();
+}
+
+TEST_F(SimulatorFault, ARedirectNamesAnotherPlace)
+{
+    array.addFault(R"({"action":"redirect","location":"https://elsewhere.example/"})");
+    const Reply reply = client.get("/lun");
+    EXPECT_EQ(reply.status, 302);
+    EXPECT_EQ(reply.headers.find("Location")->second, "https://elsewhere.example/");
+    array.addFault(R"({"action":"redirect","location":"/","status":307})");
+    EXPECT_EQ(client.get("/lun").status, 307);
+}
+
 TEST_F(SimulatorFault, FaultsThatAreNotUnderstoodAreRefused)
 {
     for (const char* fault :
@@ -124,6 +233,19 @@ TEST_F(SimulatorFault, FaultsThatAreNotUnderstoodAreRefused)
     const unsigned number = array.addFault(R"({"action":"close"})");
     array.control("DELETE", "/faults/" + std::to_string(number));
     EXPECT_EQ(client.get("/server/logininfo").code(), 0);
+}
+
+TEST(SimulatorLoad, AnArrayCanBeBusyAndSlowFromItsStart)
+{
+    tessel_test::ArraySimOptions options;
+    options.arguments = {"--busy", "100", "--busy-code", "17", "--answer-time", "30"};
+    const tessel_test::ArraySim array(options);
+    ArrayClient client(array);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(client.login().code(), 17);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
+    array.clearFaults();
+    EXPECT_EQ(client.login().code(), 0);
 }
 
 } // namespace

@@ -4,9 +4,11 @@
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
+#include <arpa/inet.h>
 #include <array>
 #include <cstdio>
 #include <fstream>
+#include <ifaddrs.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -42,6 +44,18 @@ std::string documentationText()
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
+}
+
+/** Whether the array's certificate has a name or an address. */
+bool isServed(const ArraySim& array, const std::string& name)
+{
+    std::FILE* file = std::fopen((array.stateDir() + "/server.pem").c_str(), "r");
+    X509* certificate = PEM_read_X509(file, nullptr, nullptr, nullptr);
+    std::fclose(file);
+    const bool served = X509_check_ip_asc(certificate, name.c_str(), 0) == 1 ||
+                        X509_check_host(certificate, name.c_str(), 0, 0, nullptr) == 1;
+    X509_free(certificate);
+    return served;
 }
 
 class SimulatorLifecycle : public ArrayTest
@@ -153,14 +167,36 @@ TEST(SimulatorAddress, TheLoopbackOfIpv6IsServedToo)
     EXPECT_THAT(array.url(), HasSubstr("https://[::1]:"));
     ArrayClient client(array);
     EXPECT_EQ(client.login().code(), 0);
-    std::FILE* file = std::fopen((array.stateDir() + "/server.pem").c_str(), "r");
-    ASSERT_NE(file, nullptr);
-    X509* certificate = PEM_read_X509(file, nullptr, nullptr, nullptr);
-    std::fclose(file);
-    EXPECT_EQ(X509_check_ip_asc(certificate, "::1", 0), 1);
-    EXPECT_EQ(X509_check_ip_asc(certificate, "127.0.0.1", 0), 1);
-    EXPECT_EQ(X509_check_ip_asc(certificate, "::2", 0), 0);
-    X509_free(certificate);
+    EXPECT_TRUE(isServed(array, "::1"));
+    EXPECT_TRUE(isServed(array, "127.0.0.1"));
+    EXPECT_FALSE(isServed(array, "::2"));
+}
+
+TEST(SimulatorAddress, OnAllAddressesTheCertificateHasTheNamesOfThisHost)
+{
+    tessel_test::ArraySimOptions options;
+    options.listen = "0.0.0.0";
+    const ArraySim array(options);
+    char name[256] = "";
+    ASSERT_EQ(::gethostname(name, sizeof name), 0);
+    EXPECT_TRUE(isServed(array, name));
+    EXPECT_TRUE(isServed(array, "localhost"));
+    ifaddrs* all = nullptr;
+    ASSERT_EQ(::getifaddrs(&all), 0);
+    int count = 0;
+    for (const ifaddrs* entry = all; entry != nullptr; entry = entry->ifa_next) {
+        if (entry->ifa_addr != nullptr && entry->ifa_addr->sa_family == AF_INET) {
+            char text[INET_ADDRSTRLEN];
+            inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr, text,
+                      sizeof text);
+            EXPECT_TRUE(isServed(array, text)) << text;
+            ++count;
+        }
+    }
+    ::freeifaddrs(all);
+    EXPECT_GT(count, 0);
+    EXPECT_FALSE(isServed(array, "0.0.0.0")) << "no client can call it so";
+    EXPECT_FALSE(isServed(array, "192.0.2.1"));
 }
 
 TEST_F(SimulatorLifecycle, FilesWithSecretsAreTheOwnersAlone)

@@ -108,4 +108,31 @@ TEST_F(SimulatorQuery, CountsAreDecimalTexts)
     EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=99").code(), code::OBJECT_MISSING);
 }
 
+TEST_F(SimulatorQuery, PagesOfALargeGroupFollowItsChanges)
+{
+    const std::string many = named("/lungroup/", "many");
+    const auto ids = array.bulkLuns(300, many);
+    const auto page = [&](int from, int to) {
+        return client
+            .get("/lun/associate?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + many + "&range=[" +
+                 std::to_string(from) + "-" + std::to_string(to) + "]")
+            .ids();
+    };
+    EXPECT_EQ(page(0, 300), ids);
+    EXPECT_EQ(page(298, 400), std::vector<std::string>(ids.end() - 2, ids.end()));
+    client.del("/lungroup/associate?ID=" + many + "&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + ids[0]);
+    EXPECT_THAT(page(0, 2), ElementsAre(ids[1], ids[2]));
+    associate("POST", "/lungroup/associate", many, 11, "1");
+    EXPECT_THAT(page(0, 2), ElementsAre("1", ids[1]));
+    EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + many).data()["COUNT"], "300");
+}
+
+TEST_F(SimulatorQuery, ANameIsFoundInItsGroupAlone)
+{
+    EXPECT_THAT(query("filter=NAME:outside&").ids(), IsEmpty());
+    EXPECT_THAT(query("filter=NAME:none&").ids(), IsEmpty());
+    EXPECT_THAT(client.get("/lun?filter=NAME:outside").ids(), ElementsAre("4"));
+    EXPECT_THAT(client.get("/lun?filter=NAME:outside%20and%20HEALTHSTATUS:2").ids(), IsEmpty());
+}
+
 } // namespace

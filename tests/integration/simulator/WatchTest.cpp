@@ -98,4 +98,45 @@ TEST_F(SimulatorWatch, ResetPutsTheFactoryStateBack)
     EXPECT_EQ(client.get("/lun/1").code(), 0);
 }
 
+TEST_F(SimulatorWatch, StatesAndSizesCanBeSet)
+{
+    lun("a");
+    const auto set = [&](const std::string& path, const char* key, unsigned value) {
+        Json::Value wanted;
+        wanted[key] = value;
+        array.control("PUT", "/state" + path, wanted);
+    };
+    set("/lun/1", "HEALTHSTATUS", 2);
+    set("/lun/1", "RUNNINGSTATUS", 28);
+    EXPECT_EQ(client.get("/lun/1").data()["HEALTHSTATUS"], "2");
+    EXPECT_EQ(client.get("/lun/1").data()["RUNNINGSTATUS"], "28");
+    set("/ETH_PORT/2", "RUNNINGSTATUS", 11);
+    EXPECT_EQ(client.get("/ETH_PORT/2").data()["RUNNINGSTATUS"], "11");
+    const auto freeBefore = std::stoull(client.get("/storagepool/0").data()["FREECAPACITY"].asString());
+    set("/lun/1", "CAPACITY", 4096);
+    EXPECT_EQ(client.get("/lun/1").data()["CAPACITY"], "4096");
+    EXPECT_EQ(client.get("/lun/1").data()["ALLOCCAPACITY"], "4096");
+    EXPECT_EQ(client.get("/storagepool/0").data()["FREECAPACITY"], std::to_string(freeBefore - 2048));
+    set("/storagepool/0", "TOTALCAPACITY", 1000);
+    EXPECT_EQ(client.get("/storagepool/0").data()["FREECAPACITY"], "0") << "less than is allocated";
+    EXPECT_EQ(client.post("/lun", R"({"NAME":"b","PARENTID":"0","CAPACITY":1})").code(),
+              code::CAPACITY_SHORT);
+    EXPECT_THROW(set("/lun/1", "WWN", 1), std::runtime_error);
+    EXPECT_THROW(set("/lun/1", "NAME", 1), std::runtime_error);
+    EXPECT_THROW(set("/lun/9", "HEALTHSTATUS", 1), std::runtime_error);
+    EXPECT_THROW(set("/luns/1", "HEALTHSTATUS", 1), std::runtime_error);
+}
+
+TEST_F(SimulatorWatch, PoolsCanBeAdded)
+{
+    Json::Value wanted;
+    wanted["NAME"] = "further";
+    wanted["TOTALCAPACITY"] = 10;
+    const std::string pool = array.control("POST", "/pools", wanted)["ID"].asString();
+    EXPECT_EQ(pool, "3");
+    EXPECT_EQ(client.post("/lun", R"({"NAME":"b","PARENTID":"3","CAPACITY":11})").code(),
+              code::CAPACITY_SHORT);
+    EXPECT_EQ(client.post("/lun", R"({"NAME":"b","PARENTID":"3","CAPACITY":10})").code(), 0);
+}
+
 } // namespace
