@@ -34,7 +34,7 @@ constexpr const char* FOOTER =
 void printCodes()
 {
     for (const auto& entry : codeTable()) {
-        std::cout << static_cast<int>(entry.code) << "  " << entry.name << "  " << entry.meaning << "\n";
+        std::cout << wireCode(entry.code) << "  " << entry.name << "  " << entry.meaning << "\n";
     }
 }
 
@@ -143,6 +143,12 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
         ->capture_default_str()
         ->type_name("N")
         ->group(behaviour);
+    app.add_option("--shift-codes", options.codeShift,
+                   "Add N to the error codes that are this array's own, for clients that must not know them")
+        ->capture_default_str()
+        ->check(CLI::Range(-1000000, 1000000))
+        ->type_name("N")
+        ->group(behaviour);
     app.add_option("--company-id", options.companyId, "The company ID in WWNs, six hexadecimal digits")
         ->capture_default_str()
         ->check([](const std::string& id) {
@@ -187,6 +193,7 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
         return false;
     }
     options.temporary = runs && app.count("--state-dir") == 0;
+    shiftOwnCodes(options.codeShift);
     if (codes) {
         printCodes();
         return false;

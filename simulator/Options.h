@@ -27,6 +27,7 @@ struct Options
     unsigned busyShare = 0; ///< percent of the requests
     int busyCode = 1077949001;
     unsigned busySeed = 1;
+    int codeShift = 0; ///< of the codes that are this array's own
     std::string companyId = "001405";
     std::string exportIscsi; ///< target of the kernel that shows what is exposed; empty: none
     std::string certificate;

@@ -1,6 +1,25 @@
 #include "base/Codes.h"
 
 namespace arraysim {
+namespace {
+
+int& ownShift()
+{
+    static int shift = 0;
+    return shift;
+}
+
+} // namespace
+
+int wireCode(Code code)
+{
+    return static_cast<int>(code) + (code > Code::OBJECT_SETTLING ? ownShift() : 0);
+}
+
+void shiftOwnCodes(int by)
+{
+    ownShift() = by;
+}
 
 const std::vector<CodeEntry>& codeTable()
 {

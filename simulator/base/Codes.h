@@ -44,6 +44,15 @@ enum class Code : int
     INTERNAL = 1077950999,
 };
 
+/**
+ * The number of a code on the wire. Those up to OBJECT_SETTLING are what clients know of every array; the
+ * rest is this array's own, and shifted by what shiftOwnCodes() was given.
+ */
+int wireCode(Code code);
+
+/** Lets this array's own codes be others from now on, for clients that must not decide by them. */
+void shiftOwnCodes(int by);
+
 struct CodeEntry
 {
     Code code;

@@ -51,6 +51,7 @@ ArrayServer::ArrayServer(ArrayInterface& array, Sessions& sessions, Faults& faul
     m_server->set_write_timeout(60);
     m_server->set_payload_max_length(LARGEST_BODY);
     m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        m_connections.headEnds(request.ssl);
         if (!carriesStrayBody(request) && !m_connections.isEnding(request.ssl)) {
             return httplib::Server::HandlerResponse::Unhandled;
         }
@@ -197,7 +198,7 @@ void ArrayServer::journalize(JournalEntry entry, const httplib::Request& request
     entry.resource = resourceTemplate(entry.target);
     entry.target = shownTarget(entry.target, told);
     if (m_journal.isReadable()) {
-        const bool isStranger = entry.code == static_cast<int>(Code::SESSION_INVALID);
+        const bool isStranger = entry.code == wireCode(Code::SESSION_INVALID);
         const std::string type = request.get_header_value("Content-Type");
         entry.body = isStranger ? sizeAlone(body) : shownBody(body, told);
         entry.contentType = told(type) ? std::string() : type;

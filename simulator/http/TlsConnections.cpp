@@ -3,6 +3,12 @@
 #include <sys/socket.h>
 
 namespace arraysim {
+namespace {
+
+/** The HTTP library bounds the lines of a head, but not their number. */
+constexpr std::size_t LARGEST_HEAD = 256 * 1024;
+
+} // namespace
 
 void TlsConnections::watch(SSL_CTX* context)
 {
@@ -20,12 +26,42 @@ void TlsConnections::onInfo(const SSL* connection, int where, int)
     auto* self = static_cast<TlsConnections*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(connection)));
     const std::lock_guard<std::mutex> guard(self->m_mutex);
     if (self->m_open.count(connection) == 0) {
-        self->m_open[connection] = {SSL_get_fd(connection), ++self->m_lastNumber, false, false};
+        self->m_open[connection] = {SSL_get_fd(connection), ++self->m_lastNumber, false, false, false, 0};
+        BIO* bio = SSL_get_rbio(connection);
+        BIO_set_callback_arg(bio, const_cast<char*>(reinterpret_cast<const char*>(connection)));
+        BIO_set_callback_ex(bio, onRead);
         if (self->m_open.size() > self->m_limit) {
             ::shutdown(SSL_get_fd(connection), SHUT_RDWR);
         } else if (self->m_stopping) {
             ::shutdown(SSL_get_fd(connection), SHUT_RD);
         }
+    }
+}
+
+long TlsConnections::onRead(BIO* bio, int operation, const char*, size_t, int, long, int result, size_t* read)
+{
+    if (operation != (BIO_CB_READ | BIO_CB_RETURN) || result <= 0 || read == nullptr) {
+        return result;
+    }
+    const auto* connection = reinterpret_cast<const SSL*>(BIO_get_callback_arg(bio));
+    auto* self = static_cast<TlsConnections*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(connection)));
+    const std::lock_guard<std::mutex> guard(self->m_mutex);
+    const auto found = self->m_open.find(connection);
+    if (found != self->m_open.end() && !found->second.hasHead) {
+        found->second.head += *read;
+        if (found->second.head > LARGEST_HEAD) {
+            ::shutdown(found->second.descriptor, SHUT_RDWR);
+        }
+    }
+    return result;
+}
+
+void TlsConnections::headEnds(const SSL* connection)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    const auto found = m_open.find(connection);
+    if (found != m_open.end()) {
+        found->second.hasHead = true;
     }
 }
 
@@ -51,6 +87,8 @@ void TlsConnections::requestEnds(const SSL* connection)
     const auto found = m_open.find(connection);
     if (found != m_open.end()) {
         found->second.busy = false;
+        found->second.hasHead = false;
+        found->second.head = 0;
         if (found->second.last) {
             ::shutdown(found->second.descriptor, SHUT_RDWR);
         } else if (m_stopping) {

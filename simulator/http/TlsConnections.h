@@ -21,6 +21,8 @@ public:
     /** Puts the hooks into the server's context. */
     void watch(SSL_CTX* context);
 
+    /** The head of a request was read: what follows is a body, which has a limit of its own. */
+    void headEnds(const SSL* connection);
     /** A request came in. @return the connection's number */
     unsigned long requestBegins(const SSL* connection);
     /** Its answer was sent. */
@@ -44,10 +46,13 @@ private:
         int descriptor;
         unsigned long number;
         bool busy;
-        bool last; ///< ends with the answer
+        bool last;        ///< ends with the answer
+        bool hasHead;     ///< the head of a request was read, and it is not answered yet
+        std::size_t head; ///< bytes that came in since the last answer
     };
 
     static void onInfo(const SSL* connection, int where, int result);
+    static long onRead(BIO* bio, int operation, const char*, size_t, int, long, int result, size_t* read);
     static void onFree(void* connection, void*, CRYPTO_EX_DATA*, int, long, void* self);
 
     const std::size_t m_limit;

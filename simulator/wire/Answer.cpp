@@ -17,7 +17,7 @@ Answer Answer::error(const ArrayError& error)
 {
     Answer answer;
     answer.status = error.code() == Code::SESSION_INVALID ? 401 : 200;
-    answer.code = static_cast<int>(error.code());
+    answer.code = wireCode(error.code());
     answer.description = error.what();
     return answer;
 }

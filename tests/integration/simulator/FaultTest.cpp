@@ -248,4 +248,17 @@ TEST(SimulatorLoad, AnArrayCanBeBusyAndSlowFromItsStart)
     EXPECT_EQ(client.login().code(), 0);
 }
 
+TEST(SimulatorCodes, ThoseOfItsOwnCanBeOthers)
+{
+    tessel_test::ArraySimOptions options;
+    options.arguments = {"--shift-codes", "5000", "--settle", "1"};
+    const tessel_test::ArraySim array(options);
+    ArrayClient client(array);
+    EXPECT_EQ(client.get("/lun").code(), code::SESSION_INVALID + 5000);
+    EXPECT_EQ(client.login().code(), 0);
+    EXPECT_EQ(client.get("/lun/1").code(), code::OBJECT_MISSING + 5000);
+    client.create("/hostgroup", R"({"NAME":"g"})");
+    EXPECT_EQ(client.get("/hostgroup/1").code(), code::OBJECT_SETTLING) << "known of every array";
+}
+
 } // namespace

@@ -1,6 +1,8 @@
 #include "ArrayClient.h"
 #include "Codes.h"
 
+#include <openssl/ssl.h>
+
 #include <fstream>
 
 using testing::HasSubstr;
@@ -67,6 +69,24 @@ TEST_F(SimulatorLimit, AnEndlessBodyCostsNoMemory)
     const unsigned long before = peakKib(array.pid());
     EXPECT_NE(sendChunked(array, client, std::string(256 * MIB, ' ')), 200);
     EXPECT_LT(peakKib(array.pid()), before + 16 * 1024);
+    EXPECT_EQ(client.get("/lun").code(), 0);
+}
+
+TEST_F(SimulatorLimit, AnEndlessHeadEndsTheConnection)
+{
+    SSL_CTX* context = SSL_CTX_new(TLS_client_method());
+    BIO* connection = BIO_new_ssl_connect(context);
+    BIO_set_conn_hostname(connection, (array.ip() + ":" + std::to_string(array.port())).c_str());
+    ASSERT_EQ(BIO_do_connect(connection), 1);
+    std::string piece = "GET / HTTP/1.1\r\n";
+    std::size_t sent = 0;
+    while (sent < 64 * MIB && BIO_write(connection, piece.data(), static_cast<int>(piece.size())) > 0) {
+        sent += piece.size();
+        piece = "X-" + std::to_string(sent) + ": " + std::string(4000, 'x') + "\r\n";
+    }
+    BIO_free_all(connection);
+    SSL_CTX_free(context);
+    EXPECT_LT(sent, 64 * MIB);
     EXPECT_EQ(client.get("/lun").code(), 0);
 }
 
