@@ -21,6 +21,9 @@ enum USERTYPE : int
  *
  * Instances may be created and released from any thread; one instance and its handlers are used by one thread
  * at a time. The session operations never throw; they return false and write the reason to the run log.
+ *
+ * No call is a cancellation point: a thread that is cancelled (pthread_cancel) inside one ends behind it, at
+ * the program's next cancellation point.
  */
 class TESSEL_API CDeviceManager
 {

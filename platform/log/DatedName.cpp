@@ -89,11 +89,11 @@ std::optional<Date> dateOfName(std::string_view prefix, std::string_view name)
 unsigned removeOldFiles(const std::string& directory, std::string_view prefix, const Date& today, int days)
 {
     unsigned removed = 0;
-    const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::unique_ptr<DIR, CloseDirectory> listing(descriptor < 0 ? nullptr : fdopendir(descriptor));
+    const std::unique_ptr<DIR, CloseDirectory> listing(opendir(directory.c_str()));
     if (!listing) {
         return removed;
     }
+    const int descriptor = dirfd(listing.get());
     while (const dirent* entry = readdir(listing.get())) {
         const std::optional<Date> date = dateOfName(prefix, entry->d_name);
         struct stat status = {};

@@ -1,6 +1,6 @@
 #include "LineText.h"
 
-#include "../text/Utf8.h"
+#include <ovra/text/Utf8.h>
 
 #include <algorithm>
 

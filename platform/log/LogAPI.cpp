@@ -1,4 +1,5 @@
 #include <ovra/log/LogAPI.h>
+#include <ovra/threads/NoCancellation.h>
 
 #include "LogService.h"
 
@@ -13,10 +14,11 @@ const char* text(const char* given)
     return given == nullptr ? "" : given;
 }
 
-/// Runs one call; neither an exception nor a change of errno reaches the caller.
+/// Runs one call whole; neither an exception nor a change of errno reaches the caller.
 template <class Call>
 int contained(Call call)
 {
+    const ovra::NoCancellation whole;
     const int before = errno;
     int result = -1;
     try {

@@ -1,7 +1,7 @@
 #ifndef OVRA_REST_ANSWER_H
 #define OVRA_REST_ANSWER_H
 
-#include "../text/Secret.h"
+#include <ovra/text/Secret.h>
 
 #include <json/value.h>
 

@@ -1,7 +1,7 @@
 #ifndef OVRA_REST_HEADERLINES_H
 #define OVRA_REST_HEADERLINES_H
 
-#include "../text/Secret.h"
+#include <ovra/text/Secret.h>
 
 #include <string>
 #include <string_view>

@@ -3,9 +3,8 @@
 
 #include "ServerAddress.h"
 
-#include "../text/Secret.h"
-
 #include <ovra/rest/RestRequest.h>
+#include <ovra/text/Secret.h>
 
 #include <optional>
 #include <string>

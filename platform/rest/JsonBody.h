@@ -1,7 +1,7 @@
 #ifndef OVRA_REST_JSONBODY_H
 #define OVRA_REST_JSONBODY_H
 
-#include "../text/Secret.h"
+#include <ovra/text/Secret.h>
 
 #include <string>
 #include <utility>

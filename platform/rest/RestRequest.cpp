@@ -1,4 +1,5 @@
 #include <ovra/rest/RestRequest.h>
+#include <ovra/threads/NoCancellation.h>
 
 #include "JsonBody.h"
 #include "RequestTarget.h"
@@ -74,6 +75,7 @@ const char* headerName(HTTP_HEADER_E header)
 template <class Send>
 int guarded(std::vector<std::string>& headers, std::optional<Answer>& answer, Send send)
 {
+    const ovra::NoCancellation whole;
     answer.reset();
     headers.clear();
     try {

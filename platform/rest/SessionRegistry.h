@@ -1,9 +1,8 @@
 #ifndef OVRA_REST_SESSIONREGISTRY_H
 #define OVRA_REST_SESSIONREGISTRY_H
 
-#include "../text/Secret.h"
-
 #include <ovra/rest/UserManager.h>
+#include <ovra/text/Secret.h>
 
 #include <map>
 #include <memory>

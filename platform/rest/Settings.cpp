@@ -4,6 +4,7 @@
 #include "LibraryLock.h"
 
 #include <ovra/log/LogAPI.h>
+#include <ovra/threads/NoCancellation.h>
 
 #include <atomic>
 #include <charconv>
@@ -114,6 +115,7 @@ RestSettings RestGetSettings()
 
 void RestSetSettings(const RestSettings& settings)
 {
+    const ovra::NoCancellation whole;
     ovra::rest::settingsInForce(&settings);
     ovra::rest::ConnectionPool::instance().clear();
 }

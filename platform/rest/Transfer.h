@@ -6,6 +6,7 @@
 #include "HttpRequest.h"
 
 #include <ovra/rest/RestSettings.h>
+#include <ovra/text/Secret.h>
 
 #include <chrono>
 

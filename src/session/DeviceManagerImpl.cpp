@@ -5,6 +5,7 @@
 #include "session/SessionKeys.h"
 
 #include <ovra/rest/UserManager.h>
+#include <ovra/threads/NoCancellation.h>
 
 #include <cstdint>
 #include <memory>
@@ -58,7 +59,12 @@ CDeviceManagerImpl* CDeviceManagerImpl::createInstance(unsigned int retryTimes,
         unusable.push_back(std::move(deviceManager));
         deviceManager = std::make_unique<CDeviceManagerImpl>();
     }
-    initial(retryTimes, retrySleepMicroSeconds);
+    try {
+        initial(retryTimes, retrySleepMicroSeconds);
+    } catch (...) {
+        SessionKeys::release(sessionKey(deviceManager.get()));
+        throw;
+    }
     return deviceManager.release();
 }
 
@@ -73,6 +79,7 @@ void CDeviceManagerImpl::destroyInstance(CDeviceManagerImpl* p)
 
 void CDeviceManagerImpl::initial(unsigned int retryTimes, unsigned int retrySleepMicroSeconds)
 {
+    const ovra::NoCancellation whole;
     const MutexLock lock(m_mutex);
     COMMLOG(OS_LOG_INFO, "enter CDeviceManagerImpl::initial()!");
     if (iniCnt == 0) {
@@ -86,6 +93,7 @@ void CDeviceManagerImpl::initial(unsigned int retryTimes, unsigned int retrySlee
 
 void CDeviceManagerImpl::uninitial()
 {
+    const ovra::NoCancellation whole;
     const MutexLock lock(m_mutex);
     COMMLOG(OS_LOG_INFO, "enter CDeviceManagerImpl::uninitial()!");
     if (--iniCnt == 0) {

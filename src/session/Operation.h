@@ -7,6 +7,7 @@
 #include "session/Retry.h"
 
 #include <ovra/rest/RestRequest.h>
+#include <ovra/threads/NoCancellation.h>
 #include <tessel/Exception.h>
 
 #include <initializer_list>
@@ -99,6 +100,7 @@ public:
     template <class Body>
     static auto run(const Frame& frame, CDeviceManagerImpl* deviceManager, Body&& body)
     {
+        const NoCancellation whole; // a thread that is cancelled meanwhile ends behind the operation
         Operation op(frame, deviceManager);
         try {
             if constexpr (std::is_void_v<decltype(body(op))>) {

@@ -4,6 +4,7 @@
 #include "session/InterfaceRecord.h"
 
 #include <ovra/rest/RestResponse.h>
+#include <ovra/threads/NoCancellation.h>
 
 #include <cxxabi.h>
 #include <string>
@@ -28,6 +29,7 @@ public:
     template <class Body>
     bool run(Body body) const
     {
+        const NoCancellation whole; // a thread that is cancelled meanwhile ends behind the call
         try {
             body();
             record(RESULT_SUCCESS);

@@ -1,10 +1,34 @@
 #include "LogFixture.h"
 
 #include <csignal>
+#include <dirent.h>
+#include <dlfcn.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+
+thread_local bool listingsFail = false;
+
+template <class Function>
+Function* real(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// In the place of the C library's, so that no directory can be listed where a test wants it so.
+extern "C" DIR* opendir(const char* path)
+{
+    return listingsFail ? nullptr : real<DIR*(const char*)>("opendir")(path);
+}
+extern "C" DIR* fdopendir(int descriptor)
+{
+    return listingsFail ? nullptr : real<DIR*(int)>("fdopendir")(descriptor);
+}
 
 namespace ovra::log {
 namespace {
@@ -241,6 +265,21 @@ TEST_F(LogFiles, AreNotInheritedByCommands)
     run("text");
     const std::string command = "ls -l /proc/self/fd | grep -q " + folder.string();
     EXPECT_NE(0, system(command.c_str()));
+}
+
+TEST_F(LogFiles, ADirectoryThatCannotBeListedCostsNoDescriptor)
+{
+    ASSERT_EQ(0, start());
+    const auto lowestFree = [] {
+        const int descriptor = dup(STDIN_FILENO);
+        close(descriptor);
+        return descriptor;
+    };
+    const int before = lowestFree();
+    listingsFail = true;
+    EXPECT_EQ(0U, removeOldFiles(logs().string(), "Tessel_run_", Date::of(now), 30));
+    listingsFail = false;
+    EXPECT_EQ(before, lowestFree());
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include <JsonBody.h>
 #include <SessionRegistry.h>
 #include <Transfer.h>
-#include <text/Secret.h>
+#include <ovra/text/Secret.h>
 
 #include <gtest/gtest.h>
 
