@@ -1,6 +1,6 @@
 #include "text/Display.h"
 
-#include <text/Utf8.h>
+#include <ovra/text/Utf8.h>
 
 #include <array>
 #include <cstdio>

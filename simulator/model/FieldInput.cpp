@@ -3,6 +3,8 @@
 #include "base/Codes.h"
 #include "base/Text.h"
 
+#include <ovra/text/Utf8.h>
+
 namespace arraysim {
 namespace {
 
@@ -65,27 +67,6 @@ std::string code(const Field& field, const Json::Value& member)
     return std::to_string(*value);
 }
 
-/** How many continuation bytes follow a lead byte, and the smallest code point that needs as many. */
-struct Sequence
-{
-    int follow;
-    unsigned smallest;
-};
-
-Sequence sequence(unsigned char lead)
-{
-    if (lead < 0x80) {
-        return {0, 0};
-    }
-    if ((lead & 0xe0) == 0xc0) {
-        return {1, 0x80};
-    }
-    if ((lead & 0xf0) == 0xe0) {
-        return {2, 0x800};
-    }
-    return (lead & 0xf8) == 0xf0 ? Sequence{3, 0x10000} : Sequence{-1, 0};
-}
-
 } // namespace
 
 std::string inputText(const Field& field, const Json::Value& member)
@@ -104,26 +85,14 @@ std::string inputText(const Field& field, const Json::Value& member)
     return {};
 }
 
-bool isPlainUtf8(const std::string& text)
+bool isPlainUtf8(std::string_view text)
 {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const Sequence expected = sequence(lead);
-        if (expected.follow < 0 || lead < 0x20 || lead == 0x7f) {
+    while (!text.empty()) {
+        const auto [code, length] = ovra::utf8Character(text);
+        if (length == 0 || code < 0x20 || (code >= 0x7f && code < 0xa0)) {
             return false;
         }
-        unsigned point = expected.follow == 0 ? lead : lead & (0x3fU >> expected.follow);
-        for (int k = 0; k < expected.follow; ++k) {
-            const auto next = ++i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
-            if ((next & 0xc0) != 0x80) {
-                return false;
-            }
-            point = (point << 6) | (next & 0x3fU);
-        }
-        const bool surrogate = point >= 0xd800 && point <= 0xdfff;
-        if (point < expected.smallest || point > 0x10ffff || surrogate || (point >= 0x80 && point < 0xa0)) {
-            return false;
-        }
+        text.remove_prefix(length);
     }
     return true;
 }

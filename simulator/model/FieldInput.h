@@ -5,6 +5,8 @@
 
 #include <json/json.h>
 
+#include <string_view>
+
 namespace arraysim {
 
 /**
@@ -14,7 +16,7 @@ namespace arraysim {
 std::string inputText(const Field& field, const Json::Value& member);
 
 /** Whether the bytes are UTF-8 without control characters. */
-bool isPlainUtf8(const std::string& text);
+bool isPlainUtf8(std::string_view text);
 
 } // namespace arraysim
 
