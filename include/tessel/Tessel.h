@@ -4,6 +4,7 @@
 /** @file
  * Everything that the SDK exports. */
 
+#include <tessel/Access.h>
 #include <tessel/Array.h>
 #include <tessel/DeviceManager.h>
 #include <tessel/DiskAttach.h>

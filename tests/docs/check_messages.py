@@ -9,10 +9,11 @@ import sys
 from manual import ROOT, blocks_and_prose
 
 PAGES = ("errors.md", "logs.md")
-SOURCES = ("src", os.path.join("platform", "rest"), os.path.join("platform", "log"))
+SOURCES = ("src", os.path.join("include", "tessel"), os.path.join("platform", "rest"), os.path.join("platform", "log"))
 LITERAL = re.compile(r'"(?:[^"\\\n]|\\.)*"(?:\s*"(?:[^"\\\n]|\\.)*")*')
 NO_MESSAGE = re.compile(r"""
-    ^\s*(ls|lsscsi|echo|timeout|kxRescan|which|rescan-scsi-bus\.sh|multipath)\b[^!]*$   # commands
+    ^Shows\ disks\ to\ one\ host # a description
+    | ^\s*(ls|lsscsi|echo|timeout|kxRescan|which|rescan-scsi-bus\.sh|multipath)\b[^!]*$   # commands
     | ^\ \|\ grep | kxRescan\ 2> | ^%Y | ^Content-Type | ^:\ $ | ^\ and\ $ | ^enter\ $ | ^leave\ $ | ^(enter\ )?%s%s?\ successfully
     | ^%s\ \[%s\]$ | ^libcurl\ lacks # never written""", re.VERBOSE)
 MADE_OF_PARTS = re.compile(r"^(the|add) (lun|snapshot)(?= )")

@@ -1,0 +1,83 @@
+#include "job/Showing.h"
+
+#include <tessel/Access.h>
+
+namespace ovra::tessel {
+namespace {
+
+void checkArguments(const StorageObject& object, const HostInitiator& initiator, const std::string& operation)
+{
+    if (object.type != MO_LUN && object.type != MO_SNAPSHOT) {
+        throw OvraAPIException("the object is no LUN and no snapshot! " + operation);
+    }
+    if (object.id.empty()) {
+        throw OvraAPIException("the object's ID is empty! " + operation);
+    }
+    if (initiator.id.empty()) {
+        throw OvraAPIException("the initiator's ID is empty! " + operation);
+    }
+}
+
+/** Takes the object out of a LUN group and reads back whether it left; removing tells no failure. */
+void takeOut(const AccessMap& map, const StorageObject& object, const LunGroupMO& group,
+             const AccessOptions& options, AccessResult& result)
+{
+    const LunGroups groups = map.array().lunGroups();
+    Tries tries(options);
+    do {
+        if (object.type == MO_LUN) {
+            groups->removeLunFromLunGroup(object.id, group.ID);
+        } else {
+            groups->removeSnapshotFromLunGroup(object.id, group.ID);
+        }
+        if (!hasId(map.lunGroupsNamed(group.NAME), group.ID)) {
+            result.leftFrom.push_back(named(MO_LUNGROUP, group));
+            return;
+        }
+    } while (tries.another());
+    throw OvraAPIException("the object stays in the LUN group " + group.NAME +
+                           "; the run log says why! ensureHidden");
+}
+
+} // namespace
+
+AccessResult ensureVisible(CDeviceManager& manager, const StorageObject& object,
+                           const HostInitiator& initiator, const AccessOptions& options)
+{
+    checkArguments(object, initiator, "ensureVisible");
+    const AccessMap map(manager, object, initiator, options);
+    return Showing(map, object, initiator, options).run();
+}
+
+AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
+                          const HostInitiator& initiator, const AccessOptions& options)
+{
+    checkArguments(object, initiator, "ensureHidden");
+    const AccessMap map(manager, object, initiator, options);
+    AccessResult result;
+    result.hostID = map.hostID();
+    if (result.hostID.empty()) {
+        return result;
+    }
+    const AccessNames names = AccessNames::ofHost(result.hostID);
+    for (const LunGroupMO& group : map.lunGroupsNamed(names.at(0))) {
+        takeOut(map, object, group, options, result);
+    }
+    result.isVisible = map.isVisible(result.hostID);
+    if (!result.isVisible) {
+        return result;
+    }
+    // Rare: a LUN group of the host's own with a suffix, or groups of others.
+    for (const LunGroupMO& group : map.lunGroups()) {
+        const std::vector<AccessPath> paths = map.paths(group, result.hostID);
+        if (names.has(group.NAME) || (options.evenThroughOthers && !paths.empty())) {
+            takeOut(map, object, group, options, result);
+        } else {
+            result.others.insert(result.others.end(), paths.begin(), paths.end());
+        }
+    }
+    result.isVisible = map.isVisible(result.hostID);
+    return result;
+}
+
+} // namespace ovra::tessel

@@ -1,0 +1,44 @@
+#include "job/Tries.h"
+
+#include <algorithm>
+#include <random>
+#include <thread>
+#include <unistd.h>
+
+namespace ovra::tessel {
+namespace {
+
+constexpr int NOT_YET_READABLE = 1077949006;
+constexpr int LUN_GROUP_NOT_YET_READABLE = 1077949001;
+
+/** Between half of a pause and all of it; other processes, forked ones too, draw another one. */
+std::chrono::milliseconds spread(std::chrono::milliseconds pause)
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    std::minstd_rand random(static_cast<std::minstd_rand::result_type>(now) ^
+                            static_cast<std::minstd_rand::result_type>(getpid()) << 16);
+    random.discard(1);
+    using Count = std::chrono::milliseconds::rep;
+    return std::chrono::milliseconds(
+        std::uniform_int_distribution<Count>(pause.count() / 2, pause.count())(random));
+}
+
+} // namespace
+
+bool Tries::another()
+{
+    if (m_left <= 1) {
+        return false;
+    }
+    --m_left;
+    std::this_thread::sleep_for(spread(m_pause));
+    m_pause = std::min(2 * m_pause, m_longest);
+    return true;
+}
+
+bool isBusy(const OvraAPIExceptionWithErrCode& error)
+{
+    return error.getErrCode() == NOT_YET_READABLE || error.getErrCode() == LUN_GROUP_NOT_YET_READABLE;
+}
+
+} // namespace ovra::tessel
