@@ -3,6 +3,7 @@
 #include "disk/HostFiles.h"
 
 #include <ovra/disk/Files.h>
+#include <ovra/disk/Nodes.h>
 #include <ovra/disk/RescanScript.h>
 
 #include <linux/capability.h>
@@ -62,18 +63,36 @@ Findings checkTools(Context&)
     return findings;
 }
 
+namespace {
+
+/** While one is not running, no scan removes disks that are gone. */
+void lookForDisksAway(Findings& findings)
+{
+    for (const auto& disk : ovra::disk::disksNotRunning(hostPath(""))) {
+        findings.push_back({Verdict::warning, "disks", disk,
+                            "scans run without -r until it runs again or is removed, and dead disks stay"});
+    }
+}
+
+} // namespace
+
 Findings checkRescanScript(Context&)
 {
+    Findings findings;
+    lookForDisksAway(findings);
     if (findProgram(ovra::disk::RESCAN_SCRIPT).empty() || findProgram("sg_inq").empty()) {
-        return {};
+        return findings;
     }
     const std::string harmful = ovra::disk::harmfulRescanScript();
-    if (!harmful.empty()) {
-        return {{Verdict::warning, "rescan-scsi-bus.sh -r",
-                 "removes healthy disks: " + harmful + " looks for words that sg_inq does not print",
-                 "install sg3-utils 1.48 or later; until then scans run without -r and dead disks stay"}};
+    if (harmful.empty()) {
+        findings.push_back({Verdict::ok, "rescan-scsi-bus.sh -r", "understands what sg_inq prints", ""});
+    } else {
+        findings.push_back(
+            {Verdict::warning, "rescan-scsi-bus.sh -r",
+             "removes healthy disks: " + harmful + " looks for words that sg_inq does not print",
+             "install sg3-utils 1.48 or later; until then scans run without -r and dead disks stay"});
     }
-    return {{Verdict::ok, "rescan-scsi-bus.sh -r", "understands what sg_inq prints", ""}};
+    return findings;
 }
 
 Findings checkKorvex(Context&)

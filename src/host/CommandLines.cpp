@@ -12,6 +12,7 @@ namespace ovra::tessel {
 namespace {
 
 constexpr size_t LINE_SIZE = 1024;
+constexpr size_t TOLD = 100; // characters of a line that is left out
 
 bool isText(const std::string& line)
 {
@@ -72,8 +73,8 @@ std::string CommandLines::readPiece() const
 
 void CommandLines::drop(std::string& line) const
 {
-    COMMLOG(OS_LOG_WARN, "a line of [%.200s] is not looked at, it is not a whole line of text: [%.100s]",
-            m_command.c_str(), line.c_str());
+    COMMLOG(OS_LOG_WARN, "a line of [%s] is not looked at, it is not a whole line of text: [%s]",
+            m_command.c_str(), line.substr(0, TOLD).c_str());
     line.clear();
 }
 

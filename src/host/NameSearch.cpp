@@ -12,6 +12,8 @@ namespace ovra::tessel {
 
 namespace {
 
+constexpr size_t TOLD = 300; // characters of a line that is left out
+
 /** True when the device that a line of the listing names is the one with this WWN. */
 bool isDevice(const disk::ByIdLink& link, const std::string& wwn)
 {
@@ -36,7 +38,8 @@ std::optional<disk::ByIdLink> parseLink(const std::string& line)
 {
     const std::optional<disk::ByIdLink> link = disk::ByIdLink::parse(line);
     if (!link && disk::ByIdLink::isLink(line)) {
-        COMMLOG(OS_LOG_WARN, "a link to a device of an unusual name is not looked at [%.400s]", line.c_str());
+        COMMLOG(OS_LOG_WARN, "a link to a device of an unusual name is not looked at [%s]",
+                line.substr(0, TOLD).c_str());
     }
     return link;
 }

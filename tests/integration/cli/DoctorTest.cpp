@@ -52,6 +52,49 @@ TEST_F(HostTest, DoctorRecognisesTheRescanScriptThatRemovesHealthyDisks)
     EXPECT_EQ(checkOf(cli.json({"doctor"}), "rescan-scsi-bus.sh -r")["verdict"], "ok");
 }
 
+TEST_F(HostTest, DoctorJudgesTheScriptsOfTheCorpusAsAScanDoes)
+{
+    int judged = 0;
+    for (const auto& script :
+         std::filesystem::directory_iterator(TESSELCTL_SOURCE "/../tests/fuzz/corpus/rescan_script")) {
+        const std::string name = script.path().filename();
+        const bool isHarmful = name.rfind("harmful", 0) == 0;
+        if (isHarmful || name.rfind("sound", 0) == 0) {
+            std::filesystem::copy_file(script.path(), folder.path() + "/bin/rescan-scsi-bus.sh",
+                                       std::filesystem::copy_options::overwrite_existing);
+            std::filesystem::permissions(folder.path() + "/bin/rescan-scsi-bus.sh",
+                                         std::filesystem::perms(0755));
+            EXPECT_EQ(checkOf(cli.json({"doctor"}), "rescan-scsi-bus.sh -r")["verdict"],
+                      isHarmful ? "warning" : "ok")
+                << name;
+            ++judged;
+        }
+    }
+    EXPECT_GE(judged, 7);
+}
+
+TEST_F(HostTest, DoctorNamesADiskThatIsAway)
+{
+    folder.write("sys/block/sda/device/state", "transport-offline\n");
+    EXPECT_THAT(expect(0, {"doctor"}).out, HasSubstr("warning  disks: sda is transport-offline"));
+}
+
+TEST_F(HostTest, DoctorWarnsOfALockThatAnotherUserMadeOrThatHasTheIdZero)
+{
+    cli.prepare = [] {
+        if (unshare(CLONE_NEWIPC) != 0 || seteuid(65534) != 0) {
+            _exit(126);
+        }
+        semget(RESCAN_KEY, 1, IPC_CREAT | 0600); // the first one of all
+        if (seteuid(0) != 0) {
+            _exit(126);
+        }
+    };
+    const std::string told = expect(0, {"doctor"}).out;
+    EXPECT_THAT(told, HasSubstr("its ID is 0"));
+    EXPECT_THAT(told, HasSubstr("made by user 65534"));
+}
+
 TEST_F(HostTest, DoctorTellsWhoHoldsTheRescanLock)
 {
     cli.prepare = [] {
