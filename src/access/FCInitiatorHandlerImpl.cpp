@@ -1,16 +1,14 @@
 #include "access/FCInitiatorHandlerImpl.h"
 
 #include "access/FCInitiatorFields.h"
-#include "session/Operation.h"
 #include "session/Texts.h"
-#include "session/Url.h"
 
 using namespace ovra::tessel;
 
 FCInitiatorMO CFCInitiatorHandlerImpl::createFCInitiator(FCInitiatorMO& initiator)
 {
-    return Operation::run("createFCInitiator", m_pDeviceManager, [&](Operation& op) {
-        op.require(!initiator.ID.empty(), texts::FC_INITIATOR_ID_EMPTY);
+    return run("createFCInitiator", [&](Operation& op) {
+        op.requireId(initiator.ID, texts::FC_INITIATOR_ID_EMPTY);
         op.add("ID", initiator.ID);
         if (!initiator.PARENTID.empty()) {
             op.add("PARENTID", initiator.PARENTID);
@@ -23,16 +21,16 @@ FCInitiatorMO CFCInitiatorHandlerImpl::createFCInitiator(FCInitiatorMO& initiato
 
 void CFCInitiatorHandlerImpl::deleteFCInitiator(const std::string& fcInitiatorID)
 {
-    Operation::run("deleteFCInitiator", m_pDeviceManager, [&](Operation& op) {
-        op.require(!fcInitiatorID.empty(), texts::FC_INITIATOR_ID_EMPTY);
+    run("deleteFCInitiator", [&](Operation& op) {
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
         op.del("/fc_initiator/" + urlValue(fcInitiatorID));
     });
 }
 
 FCInitiatorMO CFCInitiatorHandlerImpl::getFCInitiator(const std::string& fcInitiatorID)
 {
-    return Operation::run("getFCInitiator", m_pDeviceManager, [&](Operation& op) {
-        op.require(!fcInitiatorID.empty(), texts::FC_INITIATOR_ID_EMPTY);
+    return run("getFCInitiator", [&](Operation& op) {
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
         return op.get("/fc_initiator/" + urlValue(fcInitiatorID)).readAny<FCInitiatorMO>();
     });
 }
@@ -40,9 +38,9 @@ FCInitiatorMO CFCInitiatorHandlerImpl::getFCInitiator(const std::string& fcIniti
 void CFCInitiatorHandlerImpl::addFCInitiatorToHost(const std::string& fcInitiatorID,
                                                    const std::string& hostID)
 {
-    Operation::run("addFCInitiatorToHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!fcInitiatorID.empty(), texts::FC_INITIATOR_ID_EMPTY);
-        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+    run("addFCInitiatorToHost", [&](Operation& op) {
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID_EMPTY);
         op.add("PARENTTYPE", int{MO_HOST});
         op.add("PARENTID", hostID);
         op.put("/fc_initiator/" + urlValue(fcInitiatorID));
@@ -51,8 +49,8 @@ void CFCInitiatorHandlerImpl::addFCInitiatorToHost(const std::string& fcInitiato
 
 void CFCInitiatorHandlerImpl::removeFCInitiatorFromHost(const std::string& fcInitiatorID)
 {
-    Operation::run("removeFCInitiatorFromHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!fcInitiatorID.empty(), texts::FC_INITIATOR_ID_EMPTY);
+    run("removeFCInitiatorFromHost", [&](Operation& op) {
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
         op.add("ID", fcInitiatorID);
         op.put("/fc_initiator/remove_fc_from_host");
     });

@@ -15,6 +15,9 @@ struct FieldTable<HostGroupMO>
                         fields::read("NAME", &HostGroupMO::NAME, readers::asText),
                         fields::read("DESCRIPTION", &HostGroupMO::DESCRIPTION, readers::asText),
                         fields::read("ISADD2MAPPINGVIEW", &HostGroupMO::ISADD2MAPPINGVIEW, readers::asFlag));
+    static constexpr MOType TYPE = MO_HOSTGROUP;
+    static constexpr const char* LIST = "/hostgroup/associate?";
+    static constexpr auto filter = std::make_tuple(&HostGroupMO::ID, &HostGroupMO::NAME);
 };
 
 } // namespace ovra::tessel

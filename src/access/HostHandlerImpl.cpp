@@ -1,15 +1,14 @@
 #include "access/HostHandlerImpl.h"
 
 #include "access/HostFields.h"
-#include "session/Operation.h"
+#include "session/Retry.h"
 #include "session/Texts.h"
-#include "session/Url.h"
 
 using namespace ovra::tessel;
 
 HostMO CHostHandlerImpl::createHost(HostMO& host)
 {
-    return Operation::run("createHost", m_pDeviceManager, [&](Operation& op) {
+    return run("createHost", [&](Operation& op) {
         op.addIfSet("ID", host.ID);
         op.add("TYPE", int{MO_HOST});
         op.require(!host.NAME.empty(), "Host name is empty! ");
@@ -32,8 +31,8 @@ HostMO CHostHandlerImpl::createHost(HostMO& host)
 
 HostMO CHostHandlerImpl::getHost(const std::string& hostID)
 {
-    return Operation::run("getHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+    return run("getHost", [&](Operation& op) {
+        op.requireId(hostID, texts::HOST_ID_EMPTY);
         return op.get("/host/" + urlValue(hostID)).read<HostMO>();
     });
 }

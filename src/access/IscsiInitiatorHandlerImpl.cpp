@@ -1,16 +1,14 @@
 #include "access/IscsiInitiatorHandlerImpl.h"
 
 #include "access/IscsiInitiatorFields.h"
-#include "session/Operation.h"
 #include "session/Texts.h"
-#include "session/Url.h"
 
 using namespace ovra::tessel;
 
 namespace {
 
-const char* const NO_CHAP = "0";
-const char* const MUTUAL_CHAP = "2";
+constexpr const char* NO_CHAP = "0";
+constexpr const char* MUTUAL_CHAP = "2";
 
 bool isChapOn(const IscsiInitiatorMO& initiator)
 {
@@ -77,8 +75,8 @@ IscsiInitiatorMO CIscsiInitiatorHandlerImpl::createIscsiInitiator(IscsiInitiator
 {
     // Create and modify close with their enter text, on purpose.
     const Frame frame = Frame("createIscsiInitiator").closingAsEntered();
-    return Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
-        op.require(!initiator.ID.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
+    return run(frame, [&](Operation& op) {
+        op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID_EMPTY);
         op.add("ID", initiator.ID);
         op.addIfSet("PARENTID", initiator.PARENTID);
         if (initiator.PARENTTYPE != 0) {
@@ -92,9 +90,9 @@ IscsiInitiatorMO CIscsiInitiatorHandlerImpl::createIscsiInitiator(IscsiInitiator
 
 void CIscsiInitiatorHandlerImpl::modifyIscsiInitiator(IscsiInitiatorMO& initiator)
 {
-    Operation::run(Frame("modifyIscsiInitiator").closingAsEntered(), m_pDeviceManager, [&](Operation& op) {
+    run(Frame("modifyIscsiInitiator").closingAsEntered(), [&](Operation& op) {
         const IscsiInitiatorMO current = getIscsiInitiator(initiator.ID);
-        op.require(!initiator.ID.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
+        op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID_EMPTY);
         op.add("ID", initiator.ID);
         addChapOnModify(op, initiator, current);
         op.addIfSet("NAME", initiator.NAME);
@@ -108,16 +106,16 @@ void CIscsiInitiatorHandlerImpl::modifyIscsiInitiator(IscsiInitiatorMO& initiato
 
 IscsiInitiatorMO CIscsiInitiatorHandlerImpl::getIscsiInitiator(const std::string& iscsiInitiatorID)
 {
-    return Operation::run("getIscsiInitiator", m_pDeviceManager, [&](Operation& op) {
-        op.require(!iscsiInitiatorID.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
+    return run("getIscsiInitiator", [&](Operation& op) {
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
         return op.get("/iscsi_initiator/" + urlValue(iscsiInitiatorID)).readAny<IscsiInitiatorMO>();
     });
 }
 
 void CIscsiInitiatorHandlerImpl::deleteIscsiInitiator(const std::string& iscsiInitiatorID)
 {
-    Operation::run("deleteIscsiInitiator", m_pDeviceManager, [&](Operation& op) {
-        op.require(!iscsiInitiatorID.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
+    run("deleteIscsiInitiator", [&](Operation& op) {
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
         op.del("/iscsi_initiator/" + urlValue(iscsiInitiatorID));
     });
 }
@@ -125,9 +123,9 @@ void CIscsiInitiatorHandlerImpl::deleteIscsiInitiator(const std::string& iscsiIn
 void CIscsiInitiatorHandlerImpl::addIscsiInitiatorToHost(const std::string& iscsiInitiatorID,
                                                          const std::string& hostID)
 {
-    Operation::run("addIscsiInitiatorToHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!iscsiInitiatorID.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
-        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+    run("addIscsiInitiatorToHost", [&](Operation& op) {
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID_EMPTY);
         op.add("PARENTTYPE", int{MO_HOST});
         op.add("PARENTID", hostID);
         op.put("/iscsi_initiator/" + urlValue(iscsiInitiatorID));
@@ -136,8 +134,8 @@ void CIscsiInitiatorHandlerImpl::addIscsiInitiatorToHost(const std::string& iscs
 
 void CIscsiInitiatorHandlerImpl::removeIscsiInitiatorFromHost(const std::string& iscsiInitiatorID)
 {
-    Operation::run("removeIscsiInitiatorFromHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!iscsiInitiatorID.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
+    run("removeIscsiInitiatorFromHost", [&](Operation& op) {
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
         op.add("ID", iscsiInitiatorID);
         op.put("/iscsi_initiator/remove_iscsi_from_host");
     });

@@ -15,6 +15,9 @@ struct FieldTable<MappingViewMO>
         fields::read("NAME", &MappingViewMO::NAME, readers::asText),
         fields::read("DESCRIPTION", &MappingViewMO::DESCRIPTION, readers::asText),
         fields::read("ENABLEINBANDCOMMAND", &MappingViewMO::ENABLEINBANDCOMMAND, readers::asFlag));
+    static constexpr MOType TYPE = MO_MAPPINGVIEW;
+    static constexpr const char* LIST = "/mappingview/associate?";
+    static constexpr auto filter = std::make_tuple(&MappingViewMO::ID, &MappingViewMO::NAME);
 };
 
 } // namespace ovra::tessel

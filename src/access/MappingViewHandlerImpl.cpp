@@ -1,15 +1,14 @@
 #include "access/MappingViewHandlerImpl.h"
 
 #include "access/MappingViewFields.h"
-#include "session/Operation.h"
+#include "session/Retry.h"
 #include "session/Texts.h"
-#include "session/Url.h"
 
 using namespace ovra::tessel;
 
 MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingView)
 {
-    return Operation::run("createMappingView", m_pDeviceManager, [&](Operation& op) {
+    return run("createMappingView", [&](Operation& op) {
         op.addIfSet("ID", mappingView.ID);
         op.add("TYPE", int{MO_MAPPINGVIEW});
         op.require(!mappingView.NAME.empty(), "MappingView name is empty! ");
@@ -23,16 +22,16 @@ MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingV
 
 void CMappingViewHandlerImpl::deleteMappingView(const std::string& mappingViewID)
 {
-    Operation::run("deleteMappingView", m_pDeviceManager, [&](Operation& op) {
-        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+    run("deleteMappingView", [&](Operation& op) {
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
         op.del("/mappingview/" + urlValue(mappingViewID));
     });
 }
 
 MappingViewMO CMappingViewHandlerImpl::getMappingView(const std::string& mappingViewID)
 {
-    return Operation::run("getMappingView", m_pDeviceManager, [&](Operation& op) {
-        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+    return run("getMappingView", [&](Operation& op) {
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
         return op.get("/mappingview/" + urlValue(mappingViewID)).read<MappingViewMO>();
     });
 }
@@ -40,9 +39,9 @@ MappingViewMO CMappingViewHandlerImpl::getMappingView(const std::string& mapping
 void CMappingViewHandlerImpl::addLunGroupToMappingView(const std::string& lunGroupID,
                                                        const std::string& mappingViewID)
 {
-    Operation::run("addLunGroupToMappingView", m_pDeviceManager, [&](Operation& op) {
-        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
-        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+    run("addLunGroupToMappingView", [&](Operation& op) {
+        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
         associateWithMaskingView(lunGroupID, mappingViewID, MO_LUNGROUP, op.name());
     });
 }
@@ -50,9 +49,9 @@ void CMappingViewHandlerImpl::addLunGroupToMappingView(const std::string& lunGro
 void CMappingViewHandlerImpl::removeLunGroupFromMappingView(const std::string& lunGroupID,
                                                             const std::string& mappingViewID)
 {
-    Operation::run("removeLunGroupFromMappingView", m_pDeviceManager, [&](Operation& op) {
-        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
-        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+    run("removeLunGroupFromMappingView", [&](Operation& op) {
+        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
         removeAssociateFromMappingView(lunGroupID, mappingViewID, MO_LUNGROUP, op.name());
     });
 }
@@ -60,9 +59,9 @@ void CMappingViewHandlerImpl::removeLunGroupFromMappingView(const std::string& l
 void CMappingViewHandlerImpl::addHostGroupToMappingView(const std::string& hostGroupID,
                                                         const std::string& mappingViewID)
 {
-    Operation::run("addHostGroupToMappingView", m_pDeviceManager, [&](Operation& op) {
-        op.require(!hostGroupID.empty(), texts::HOSTGROUP_ID_EMPTY);
-        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+    run("addHostGroupToMappingView", [&](Operation& op) {
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
         associateWithMaskingView(hostGroupID, mappingViewID, MO_HOSTGROUP, op.name());
     });
 }
@@ -70,9 +69,9 @@ void CMappingViewHandlerImpl::addHostGroupToMappingView(const std::string& hostG
 void CMappingViewHandlerImpl::removeHostGroupFromMappingView(const std::string& hostGroupID,
                                                              const std::string& mappingViewID)
 {
-    Operation::run("removeHostGroupFromMappingView", m_pDeviceManager, [&](Operation& op) {
-        op.require(!hostGroupID.empty(), texts::HOSTGROUP_ID_EMPTY);
-        op.require(!mappingViewID.empty(), texts::MAPPINGVIEW_ID_EMPTY);
+    run("removeHostGroupFromMappingView", [&](Operation& op) {
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
         removeAssociateFromMappingView(hostGroupID, mappingViewID, MO_HOSTGROUP, op.name());
     });
 }
@@ -80,8 +79,8 @@ void CMappingViewHandlerImpl::removeHostGroupFromMappingView(const std::string& 
 std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByLunGroup(const std::string& lunGroupID,
                                                                              MappingViewQuery& query)
 {
-    return Operation::run("getMappingViewByLunGroup", m_pDeviceManager, [&](Operation& op) {
-        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+    return run("getMappingViewByLunGroup", [&](Operation& op) {
+        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
         return getMappingViewByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
     });
 }
@@ -89,8 +88,8 @@ std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByLunGroup(con
 std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByHostGroup(const std::string& hostGroupID,
                                                                               MappingViewQuery& query)
 {
-    return Operation::run("getMappingViewByHostGroup", m_pDeviceManager, [&](Operation& op) {
-        op.require(!hostGroupID.empty(), texts::HOSTGROUP_ID_EMPTY);
+    return run("getMappingViewByHostGroup", [&](Operation& op) {
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
         return getMappingViewByCondition(hostGroupID, MO_HOSTGROUP, query, op.name());
     });
 }
@@ -100,7 +99,7 @@ void CMappingViewHandlerImpl::associateWithMaskingView(const std::string& objID,
                                                        unsigned long objType, const std::string& callerName)
 {
     const Frame frame = Frame("associateWithMaskingView").errorsAs(callerName);
-    Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
+    run(frame, [&](Operation& op) {
         op.add("TYPE", int{MO_MAPPINGVIEW});
         op.add("ID", mappingViewID);
         op.add("ASSOCIATEOBJTYPE", objType);
@@ -115,7 +114,7 @@ void CMappingViewHandlerImpl::removeAssociateFromMappingView(const std::string& 
                                                              const std::string& callerName)
 {
     const Frame frame = Frame("removeAssociateFromMappingView").errorsAs(callerName);
-    Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
+    run(frame, [&](Operation& op) {
         op.add("ID", mappingViewID); // ahead of "TYPE" here, behind it when adding
         op.add("TYPE", int{MO_MAPPINGVIEW});
         op.add("ASSOCIATEOBJTYPE", objType);
@@ -130,11 +129,7 @@ std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByCondition(co
                                                                               const std::string& callerName)
 {
     const Frame frame = Frame("getMappingViewByCondition").errorsAs(callerName);
-    return Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
-        const std::string filter = filterOf(query.filter, &MappingViewMO::ID, &MappingViewMO::NAME);
-        return op
-            .get("/mappingview/associate?" + filter + associationOf(MO_MAPPINGVIEW, objType, objID) +
-                 rangeOf(query.start, query.count, "&"))
-            .readEach([&](const std::string& id) { return getMappingView(id); });
+    return run(frame, [&](Operation& op) {
+        return list(op, objType, objID, query, &CMappingViewHandler::getMappingView);
     });
 }

@@ -4,10 +4,8 @@
 #include <tessel/Host.h>
 #include <tessel/HostGroup.h>
 #include <tessel/IscsiInitiator.h>
-#include <tessel/Lun.h>
 #include <tessel/LunGroup.h>
 #include <tessel/MappingView.h>
-#include <tessel/Snapshot.h>
 
 #include <map>
 
@@ -30,8 +28,12 @@ public:
         }
     }
 
-    CLunHandler& lun() const { return as<CLunHandler>(LUN_HANDLER); }
-    CSnapshotHandler& snapshot() const { return as<CSnapshotHandler>(SNAPSHOT_HANDLER); }
+    /** The handler of LUNs or of snapshots. */
+    template <class Kind>
+    typename Kind::Handler& of() const
+    {
+        return as<typename Kind::Handler>(Kind::HANDLER);
+    }
     CLunGroupHandler& lunGroup() const { return as<CLunGroupHandler>(LUNGROUP_HANDLER); }
     CHostHandler& host() const { return as<CHostHandler>(HOST_HANDLER); }
     CHostGroupHandler& hostGroup() const { return as<CHostGroupHandler>(HOSTGROUP_HANDLER); }

@@ -1,7 +1,7 @@
 #include "host/DiskAttachHandlerImpl.h"
 
-#include "host/AttachKinds.h"
-#include "session/Operation.h"
+#include "host/AttachHandlers.h"
+#include "storage/DiskKinds.h"
 
 #include <ctime>
 #include <cxxabi.h>
@@ -10,24 +10,56 @@ using namespace ovra::tessel;
 
 namespace {
 
-const char* const EVERY_HOST = "0";
-const char* const INITIATOR_NOT_VALID = "The iscsiInitiatorID is not valid! ";
-const int ALREADY_MAPPED = 1;
-const int DONE = 0;
+constexpr const char* EVERY_HOST = "0";
+constexpr const char* INITIATOR_NOT_VALID = "The iscsiInitiatorID is not valid! ";
+constexpr int ALREADY_MAPPED = 1;
+constexpr int DONE = 0;
+constexpr unsigned long WHOLE_RANGE = 65535; // a page that no group outgrows
+
+/** The orders are the callers' to rely on: the first handler that is missing is the one named. */
+template <class Kind>
+struct Order;
+
+template <>
+struct Order<LunKind>
+{
+    static constexpr HANDLERTYPE ATTACH[] = {LUN_HANDLER,  LUNGROUP_HANDLER,  ISCSIINITIATOR_HANDLER,
+                                             HOST_HANDLER, HOSTGROUP_HANDLER, MAPPINGVIEW_HANDLER};
+    static constexpr HANDLERTYPE DETACH[] = {LUN_HANDLER,  HOSTGROUP_HANDLER,   LUNGROUP_HANDLER,
+                                             HOST_HANDLER, MAPPINGVIEW_HANDLER, ISCSIINITIATOR_HANDLER};
+};
+
+template <>
+struct Order<SnapshotKind>
+{
+    static constexpr HANDLERTYPE ATTACH[] = {SNAPSHOT_HANDLER, LUNGROUP_HANDLER,    ISCSIINITIATOR_HANDLER,
+                                             HOST_HANDLER,     MAPPINGVIEW_HANDLER, HOSTGROUP_HANDLER};
+    static constexpr HANDLERTYPE DETACH[] = {MAPPINGVIEW_HANDLER, SNAPSHOT_HANDLER,       HOSTGROUP_HANDLER,
+                                             HOST_HANDLER,        ISCSIINITIATOR_HANDLER, LUNGROUP_HANDLER};
+};
+
+/** Asks for one object among those of a host or LUN group. */
+template <class Kind>
+typename Kind::Query only(const std::string& id)
+{
+    typename Kind::Object filter;
+    filter.ID = id;
+    return {filter, 0, WHOLE_RANGE};
+}
 
 template <class Kind>
 void checkArguments(Operation& op, const std::string& id, const std::string& initiatorId,
                     const CDeviceManagerImpl* deviceManager)
 {
-    op.require(!id.empty(), Kind::ID_EMPTY);
-    op.require(!initiatorId.empty(), texts::ISCSI_INITIATOR_ID_EMPTY);
+    op.requireId(id, Kind::ID_EMPTY);
+    op.requireId(initiatorId, texts::ISCSI_INITIATOR_ID_EMPTY);
     op.require(deviceManager != nullptr, texts::NO_DEVICE_MANAGER);
 }
 
 template <class Kind>
 auto readObject(Operation& op, const AttachHandlers& handlers, const std::string& id)
 {
-    auto object = Kind::read(handlers, id);
+    auto object = (handlers.of<Kind>().*Kind::GET)(id);
     op.require(!object.ID.empty(), Kind::NOT_VALID);
     return object;
 }
@@ -58,21 +90,22 @@ template <class Kind>
 int attach(CDiskAttachHandlerImpl& self, CDeviceManagerImpl* deviceManager, const std::string& id,
            const std::string& initiatorId, const std::string& hostIp)
 {
-    return Operation::run(Kind::ATTACH, deviceManager, [&](Operation& op) {
+    return Operation::run(Kind::ATTACH_NAME, deviceManager, [&](Operation& op) {
         checkArguments<Kind>(op, id, initiatorId, deviceManager);
-        const AttachHandlers handlers(op, *deviceManager, Kind::ATTACH_ORDER);
+        const AttachHandlers handlers(op, *deviceManager, Order<Kind>::ATTACH);
         const auto object = readObject<Kind>(op, handlers, id);
         const IscsiInitiatorMO initiator = readInitiator(op, handlers, initiatorId);
         const HostMO host = hostOf(handlers, initiator, self.getBuildedName("host"), hostIp);
 
-        if (!Kind::ofHost(handlers, host.ID, Kind::only(id)).empty()) {
-            op.stop("The MappingView was already existed! ", RESULT_BAD_ARGUMENT);
+        typename Kind::Query wanted = only<Kind>(id);
+        if (!(handlers.of<Kind>().*Kind::OF_HOST)(host.ID, wanted).empty()) {
+            op.close("The MappingView was already existed! ", RESULT_BAD_ARGUMENT);
             return ALREADY_MAPPED;
         }
         LunGroupMO lunGroup;
         lunGroup.NAME = self.getBuildedName("lungroup");
         lunGroup = handlers.lunGroup().createLunGroup(lunGroup);
-        Kind::add(handlers, object.ID, lunGroup.ID);
+        (handlers.lunGroup().*Kind::ADD)(object.ID, lunGroup.ID);
 
         HostGroupMO hostGroup;
         hostGroup.NAME = self.getBuildedName("hostgroup");
@@ -91,7 +124,7 @@ int attach(CDiskAttachHandlerImpl& self, CDeviceManagerImpl* deviceManager, cons
 template <class Kind>
 bool removeFromLunGroup(const AttachHandlers& handlers, const std::string& id, const std::string& lunGroupId)
 {
-    Kind::remove(handlers, id, lunGroupId);
+    (handlers.lunGroup().*Kind::REMOVE)(id, lunGroupId);
     return handlers.lunGroup().getObjNOFromLunGroup(lunGroupId) == 0;
 }
 
@@ -105,7 +138,8 @@ int detachFromView(const AttachHandlers& handlers, const std::string& id, const 
         return 0;
     }
     int matches = 0;
-    for (const auto& member : Kind::ofLunGroup(handlers, lunGroup.ID, Kind::only(id))) {
+    typename Kind::Query wanted = only<Kind>(id);
+    for (const auto& member : (handlers.of<Kind>().*Kind::OF_LUNGROUP)(lunGroup.ID, wanted)) {
         if (member.ID != id) {
             continue;
         }
@@ -124,7 +158,7 @@ void detachFromHost(Operation& op, const AttachHandlers& handlers, const std::st
 {
     const IscsiInitiatorMO initiator = readInitiator(op, handlers, initiatorId);
     if (initiator.PARENTID.empty()) {
-        op.stop("Host was not existed! ", RESULT_BAD_ARGUMENT);
+        op.close("Host was not existed! ", RESULT_BAD_ARGUMENT);
         return;
     }
     const HostMO host = handlers.host().getHost(initiator.PARENTID);
@@ -138,16 +172,17 @@ void detachFromHost(Operation& op, const AttachHandlers& handlers, const std::st
         }
     }
     if (matches == 0) {
-        op.stop("MappingView was not existed! ", RESULT_BAD_ARGUMENT);
+        op.close("MappingView was not existed! ", RESULT_BAD_ARGUMENT);
     }
 }
 
 template <class Kind>
 void detachEverywhere(Operation& op, const AttachHandlers& handlers, const std::string& id)
 {
-    const auto lunGroups = Kind::lunGroupsOf(handlers, id);
+    LunGroupQuery allGroups;
+    const auto lunGroups = (handlers.lunGroup().*Kind::LUNGROUPS)(id, allGroups);
     if (lunGroups.empty()) {
-        op.stop("LunGroup do not exist! ", RESULT_BAD_ARGUMENT);
+        op.close("LunGroup do not exist! ", RESULT_BAD_ARGUMENT);
         return;
     }
     for (const LunGroupMO& lunGroup : lunGroups) {
@@ -167,9 +202,9 @@ void detachEverywhere(Operation& op, const AttachHandlers& handlers, const std::
 template <class Kind>
 int detach(CDeviceManagerImpl* deviceManager, const std::string& id, const std::string& initiatorId)
 {
-    return Operation::run(Kind::DETACH, deviceManager, [&](Operation& op) {
+    return Operation::run(Kind::DETACH_NAME, deviceManager, [&](Operation& op) {
         checkArguments<Kind>(op, id, initiatorId, deviceManager);
-        const AttachHandlers handlers(op, *deviceManager, Kind::DETACH_ORDER);
+        const AttachHandlers handlers(op, *deviceManager, Order<Kind>::DETACH);
         readObject<Kind>(op, handlers, id);
         if (initiatorId == EVERY_HOST) {
             detachEverywhere<Kind>(op, handlers, id);

@@ -23,7 +23,7 @@ bool endIfInterrupted(Operation& op)
     }
     COMMLOG(OS_LOG_ERROR, "A command of the host was ended by signal %d: the steps after it are not run.",
             lastScanSignal());
-    op.end(RESULT_BAD_ARGUMENT);
+    op.close(RESULT_BAD_ARGUMENT);
     return true;
 }
 
@@ -46,7 +46,7 @@ std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std:
         }
         if (!path) {
             COMMLOG(OS_LOG_ERROR, "Get Lock Failed");
-            op.end(RESULT_BAD_ARGUMENT);
+            op.close(RESULT_BAD_ARGUMENT);
         } else if (path->empty()) {
             COMMLOG(OS_LOG_WARN, "%s", Object::NOT_FOUND);
         }
@@ -72,7 +72,7 @@ void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const 
         }
         const bool listed = untilInterrupted([&] { return removeDevices(Object::LABEL, {object->WWN, id}); });
         if (!endIfInterrupted(op) && !listed) {
-            op.end(RESULT_BAD_ARGUMENT);
+            op.close(RESULT_BAD_ARGUMENT);
             COMMLOG(OS_LOG_ERROR, "lsscsi command is not enable!");
         }
     });

@@ -30,6 +30,7 @@ struct FieldTable<ETHPortMO>
         fields::read("IPV4ADDRESS", &MO::IPV4ADDRESS, readers::asText),
         fields::read("IPV6MASK", &MO::IPV6MASK, readers::asText),
         fields::read("IPV6ADDRESS", &MO::IPV6ADDRESS, readers::asText));
+    static constexpr auto filter = std::make_tuple(&MO::ID, &MO::NAME, &MO::LOGICTYPE);
 };
 
 } // namespace ovra::tessel

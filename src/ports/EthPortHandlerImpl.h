@@ -1,14 +1,14 @@
 #ifndef PORTS_ETHPORTHANDLERIMPL_H
 #define PORTS_ETHPORTHANDLERIMPL_H
 
-#include "session/HandlerOf.h"
+#include "ports/PortHandlerOf.h"
 
 #include <tessel/ETHPort.h>
 
-class CEthPortHandlerImpl : public ovra::tessel::HandlerOf<CETHPortHandler>
+class CEthPortHandlerImpl : public ovra::tessel::PortHandlerOf<CETHPortHandler, ETHPortMO, ETHPortQuery>
 {
 public:
-    using HandlerOf::HandlerOf;
+    using PortHandlerOf::PortHandlerOf;
 
     ETHPortMO getETHPort(const std::string& ethPortID) override;
     std::vector<ETHPortMO> getETHPortBatch(ETHPortQuery& query) override;

@@ -29,6 +29,7 @@ struct FieldTable<FCPortMO>
         fields::read("STARTTIME", &MO::STARTTIME, readers::asUl),
         fields::read("FLOGINDELAYTIMES", &MO::FLOGINDELAYTIMES, readers::asUl),
         fields::read("MAXSUPPORTSPEED", &MO::MAXSUPPORTSPEED, readers::asUl));
+    static constexpr auto filter = std::make_tuple(&MO::ID, &MO::NAME, &MO::LOGICTYPE);
 };
 
 } // namespace ovra::tessel

@@ -1,14 +1,14 @@
 #ifndef PORTS_FCPORTHANDLERIMPL_H
 #define PORTS_FCPORTHANDLERIMPL_H
 
-#include "session/HandlerOf.h"
+#include "ports/PortHandlerOf.h"
 
 #include <tessel/FCPort.h>
 
-class CFCPortHandlerImpl : public ovra::tessel::HandlerOf<CFCPortHandler>
+class CFCPortHandlerImpl : public ovra::tessel::PortHandlerOf<CFCPortHandler, FCPortMO, FCPortQuery>
 {
 public:
-    using HandlerOf::HandlerOf;
+    using PortHandlerOf::PortHandlerOf;
 
     FCPortMO getFCPort(const std::string& fcPortID) override;
     std::vector<FCPortMO> getFCPortBatch(FCPortQuery& query) override;

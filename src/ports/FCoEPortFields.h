@@ -25,6 +25,7 @@ struct FieldTable<FCoEPortMO>
         fields::read("OVERFLOWEDPACKETS", &MO::OVERFLOWEDPACKETS, readers::asUl),
         fields::read("STARTTIME", &MO::STARTTIME, readers::asUl),
         fields::read("VLANID", &MO::VLANID, readers::asText));
+    static constexpr auto filter = std::make_tuple(&MO::ID, &MO::NAME, &MO::LOGICTYPE);
 };
 
 } // namespace ovra::tessel

@@ -110,13 +110,28 @@ unsigned int CDeviceManagerImpl::sessionKey(const CDeviceManagerImpl* p)
 bool CDeviceManagerImpl::adopt(const std::string& ip, unsigned int port, const std::string& deviceId,
                                const std::string& token, const std::string& cookie, bool loggedIn)
 {
-    m_refused = !CUserManager::getInstance()->addUser(this, deviceId, ip, port, token, cookie, loggedIn);
-    if (!m_refused) {
-        m_ip = ip;
-        m_port = port;
-        m_token = token;
-        m_cookie = cookie;
-        m_deviceId = deviceId;
+    if (!CUserManager::getInstance()->addUser(this, deviceId, ip, port, token, cookie, loggedIn)) {
+        if (m_registration == Registration::NONE) {
+            m_registration = Registration::REFUSED;
+        }
+        return false;
     }
-    return !m_refused;
+    m_registration = Registration::IN_FORCE;
+    m_ip = ip;
+    m_port = port;
+    m_token = token;
+    m_cookie = cookie;
+    m_deviceId = deviceId;
+    return true;
+}
+
+ovra::tessel::Answer CDeviceManagerImpl::send(const CDeviceManagerImpl* deviceManager, RestRequest& request,
+                                              REST_REQUEST_MODE_E mode, const std::string& url)
+{
+    if (deviceManager != nullptr && deviceManager->m_registration == Registration::REFUSED) {
+        return Answer(REST_NO_SESSION);
+    }
+    return Answer::to([&](RestResponse& response, std::vector<std::string>& headers) {
+        return request.SendRequest(sessionKey(deviceManager), url, mode, response, headers, true);
+    });
 }

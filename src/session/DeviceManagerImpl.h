@@ -1,6 +1,9 @@
 #ifndef SESSION_DEVICEMANAGERIMPL_H
 #define SESSION_DEVICEMANAGERIMPL_H
 
+#include "session/Answer.h"
+
+#include <ovra/rest/RestRequest.h>
 #include <tessel/DeviceManager.h>
 
 #include <pthread.h>
@@ -44,11 +47,21 @@ public:
     /** What requests name the session by: the low 32 bits of the device manager's address. */
     static unsigned int sessionKey(const CDeviceManagerImpl* p);
 
-    /** True when the registry refused this device manager: its key is another one's, so it may not send by
-     * it. */
-    bool isRefused() const { return m_refused; }
+    /** Sends a request by the session key of a device manager, which may be null. */
+    static ovra::tessel::Answer send(const CDeviceManagerImpl* deviceManager, RestRequest& request,
+                                     REST_REQUEST_MODE_E mode, const std::string& url);
 
 private:
+    /** What the registry knows of this device manager. */
+    enum class Registration : unsigned int
+    {
+        NONE,
+        IN_FORCE,
+        REFUSED ///< the key is another one's: nothing may be sent by it
+    };
+
+    /** Makes a session the one that requests are sent on; false, and nothing is changed, when it is refused.
+     */
     bool adopt(const std::string& ip, unsigned int port, const std::string& deviceId,
                const std::string& token, const std::string& cookie, bool loggedIn);
 
@@ -57,6 +70,7 @@ private:
 
     std::string m_ip;
     unsigned int m_port = 0;
+    Registration m_registration = Registration::NONE; ///< in the hole behind the port, where it moves nothing
     std::string m_token;
     std::string m_cookie;
     std::string m_deviceId;
@@ -73,7 +87,6 @@ private:
     CFCPortHandlerImpl* m_pFCPortHandler = nullptr;
     CFCoEPortHandlerImpl* m_pFCoEPortHandler = nullptr;
     CDiskScannerHandlerImpl* m_pDiskScannerHandler = nullptr;
-    bool m_refused = false;
 };
 
 #endif

@@ -30,22 +30,32 @@ struct Field
     bool secret = false;
 };
 
-/** Specialised for every record with a static constexpr tuple "fields", in the order of the record's members.
+/**
+ * Specialised for every record with a static constexpr tuple "fields", in the order of the record's members.
+ * A record that can be listed has the tuple "filter" too, of the members that select; one that is listed by
+ * what it is associated with, its TYPE and the path LIST.
  */
 template <class Record>
 struct FieldTable;
+
+/** The number, or the largest that its type holds. */
+template <class T>
+T saturated(uint64_t value)
+{
+    return static_cast<T>(std::min<uint64_t>(value, std::numeric_limits<T>::max()));
+}
+
+/** Never wraps: a count that is too large is not a small one. */
+inline uint64_t saturatedSum(uint64_t a, uint64_t b)
+{
+    return a > UINT64_MAX - b ? UINT64_MAX : a + b;
+}
 
 namespace readers {
 
 inline std::string text(Json::Value& record, const char* key)
 {
     return record[key].asString();
-}
-
-template <class T>
-T saturated(uint64_t value)
-{
-    return static_cast<T>(std::min<uint64_t>(value, std::numeric_limits<T>::max()));
 }
 
 inline void asText(std::string& out, Json::Value& record, const char* key)

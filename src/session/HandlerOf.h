@@ -1,7 +1,7 @@
 #ifndef SESSION_HANDLEROF_H
 #define SESSION_HANDLEROF_H
 
-class CDeviceManagerImpl;
+#include "session/Operation.h"
 
 namespace ovra::tessel {
 
@@ -15,6 +15,35 @@ public:
     ~HandlerOf() override { m_pDeviceManager = nullptr; }
 
 protected:
+    /** Reads one object in full by its ID. */
+    template <class Record>
+    using Read = Record (Interface::*)(const std::string&);
+
+    template <class Body>
+    auto run(const Frame& frame, Body&& body)
+    {
+        return Operation::run(frame, m_pDeviceManager, body);
+    }
+
+    /** The objects that an answer names, each read in full. */
+    template <class Record>
+    std::vector<Record> expand(const Answer& answer, Read<Record> read)
+    {
+        return answer.readEach([&](const std::string& id) { return (this->*read)(id); });
+    }
+
+    /** The objects that are associated with another one, each read in full. */
+    template <class Record, class Query>
+    std::vector<Record> list(Operation& op, unsigned long otherType, const std::string& otherId,
+                             const Query& query, Read<Record> read)
+    {
+        using Table = FieldTable<Record>;
+        return expand(op.get(Table::LIST + op.filter(query.filter) +
+                             associationOf(Table::TYPE, otherType, otherId) +
+                             rangeOf(query.start, query.count, "&")),
+                      read);
+    }
+
     CDeviceManagerImpl* m_pDeviceManager = nullptr; ///< not owned
 };
 

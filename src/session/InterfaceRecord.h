@@ -7,8 +7,8 @@
 namespace ovra::tessel {
 
 /** Result codes that the SDK itself gives; the others are the REST library's and the array's. */
-const int RESULT_SUCCESS = 0;
-const int RESULT_BAD_ARGUMENT = 1;
+constexpr int RESULT_SUCCESS = 0;
+constexpr int RESULT_BAD_ARGUMENT = 1;
 
 /** The record that a call leaves in the interface log; its start time is taken when it is made. */
 class InterfaceRecord

@@ -12,53 +12,23 @@ namespace {
 // that it passes through write the same code into their records.
 thread_local int t_failure = RESULT_SUCCESS;
 
-const char* const NO_ANSWER = "url error or internet error ";
+/** Says that a call begins and takes its start time, in the order that its frame gives. */
+InterfaceRecord enter(const Frame& frame)
+{
+    std::optional<InterfaceRecord> record;
+    if (frame.timeFirst) {
+        record.emplace(frame.record);
+    }
+    COMMLOG(OS_LOG_INFO, "%s", frame.enter.c_str());
+    return record ? *record : InterfaceRecord(frame.record);
+}
 
 } // namespace
 
-Frame Frame::loggedAs(const char* name) const
-{
-    Frame frame(*this);
-    frame.logged = name;
-    return frame;
-}
-
-Frame Frame::errorsAs(const std::string& name) const
-{
-    Frame frame(*this);
-    frame.errors = name;
-    return frame;
-}
-
-Frame Frame::closingAsEntered() const
-{
-    Frame frame(*this);
-    frame.close = "enter ";
-    return frame;
-}
-
-Frame Frame::recordedLast() const
-{
-    Frame frame(*this);
-    frame.recordLast = true;
-    return frame;
-}
-
-Answer::Answer(Operation& op, REST_REQUEST_MODE_E mode, const std::string& url)
-{
-    op.exchange(mode, url, m_response);
-}
-
-std::string Answer::id(unsigned long index)
-{
-    return index < count() ? m_response[index]["ID"].asString() : std::string();
-}
-
 Operation::Operation(const Frame& frame, CDeviceManagerImpl* deviceManager)
-    : m_frame(frame), m_deviceManager(deviceManager), m_record(frame.record)
+    : m_frame(frame), m_deviceManager(deviceManager), m_record(enter(frame))
 {
     t_failure = RESULT_SUCCESS;
-    COMMLOG(OS_LOG_INFO, "enter %s successfully!", frame.logged.c_str());
 }
 
 RestRequest& Operation::request()
@@ -76,6 +46,13 @@ void Operation::addIfSet(const char* key, const std::string& value)
     }
 }
 
+void Operation::addMember(const std::string& groupId, MOType type, const std::string& id)
+{
+    add("ID", groupId);
+    add("ASSOCIATEOBJTYPE", int{type});
+    add("ASSOCIATEOBJID", id);
+}
+
 OvraAPIException Operation::failure(int result, const std::string& message)
 {
     COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
@@ -83,76 +60,104 @@ OvraAPIException Operation::failure(int result, const std::string& message)
     return OvraAPIException(message);
 }
 
-void Operation::fail(int result, const std::string& message)
-{
-    throw failure(result, message);
-}
-
-void Operation::require(bool holds, const char* text)
+void Operation::require(bool holds, const char* text, int result)
 {
     if (!holds) {
-        fail(RESULT_BAD_ARGUMENT, text + m_frame.errors);
+        throw failure(result, text + m_frame.errors);
     }
+}
+
+void Operation::requireId(const std::string& id, const char* textIfEmpty)
+{
+    require(!id.empty(), textIfEmpty);
+    require(id != "." && id != "..", "The ID is . or .., which no object has! ");
+}
+
+void Operation::requireOneCondition(const std::string& value)
+{
+    require(!addsCondition(value), "A filter value holds a condition of its own, which cannot be sent! ");
 }
 
 void Operation::requireReadable(bool holds)
 {
     if (!holds) {
-        fail(REST_ANSWER_UNREADABLE, NO_ANSWER + m_frame.errors);
+        throw failure(REST_ANSWER_UNREADABLE, m_frame.noAnswer);
     }
+}
+
+void Operation::refuse(const std::string& description, int result)
+{
+    throw failure(result, m_frame.refusal(result, description));
 }
 
 void Operation::expect(bool holds, const char* text)
 {
     if (!holds) {
         COMMLOG(OS_LOG_ERROR, "%s%s", text, m_frame.errors.c_str());
-        m_record.write(RESULT_BAD_ARGUMENT);
+        record(RESULT_BAD_ARGUMENT);
     }
 }
 
-void Operation::stop(const char* text, int result)
+void Operation::close(int result)
+{
+    record(result);
+    m_closed = true;
+}
+
+void Operation::close(const char* text, int result)
 {
     COMMLOG(OS_LOG_ERROR, "%s%s", text, m_frame.errors.c_str());
-    end(result);
+    close(result);
 }
 
-void Operation::end(int result)
+bool Operation::closeUnless(bool holds, const char* text)
 {
-    m_record.write(result);
-    m_stopped = true;
+    if (!holds) {
+        close(text, RESULT_BAD_ARGUMENT);
+    }
+    return !holds;
 }
 
-void Operation::exchange(REST_REQUEST_MODE_E mode, const std::string& url, RestResponse& response)
+Answer Operation::send(REST_REQUEST_MODE_E mode, const std::string& url)
 {
-    std::vector<std::string> headers;
-    const bool refused = m_deviceManager != nullptr && m_deviceManager->isRefused();
-    const int sent = refused ? REST_NO_SESSION
-                             : request().SendRequest(CDeviceManagerImpl::sessionKey(m_deviceManager), url,
-                                                     mode, response, headers, true);
-    if (sent != 0) {
-        fail(sent, NO_ANSWER + m_frame.errors);
+    return checked(CDeviceManagerImpl::send(m_deviceManager, request(), mode, url));
+}
+
+Answer Operation::checked(Answer answer)
+{
+    if (answer.reason() != 0) {
+        throw failure(answer.reason(), m_frame.noAnswer);
     }
     std::string description;
-    const int code = response.getResponseCode(description);
+    const int code = answer.code(description);
     if (code != 0) {
-        const std::string message = "get error response, error code:" + std::to_string(code) +
-                                    ", description:" + description + " " + m_frame.errors;
+        const std::string message = m_frame.refusal(code, description);
         COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
         throw OvraAPIExceptionWithErrCode(code, message);
+    }
+    return answer;
+}
+
+void Operation::record(int result) const
+{
+    if (!m_frame.record.empty()) {
+        m_record.write(result);
     }
 }
 
 void Operation::succeeded()
 {
-    if (m_stopped) {
+    if (m_closed) {
         return;
     }
     if (!m_frame.recordLast) {
-        m_record.write(RESULT_SUCCESS);
+        record(RESULT_SUCCESS);
     }
-    COMMLOG(OS_LOG_INFO, "%s%s successfully!", m_frame.close, m_frame.logged.c_str());
+    if (!m_frame.leave.empty()) {
+        COMMLOG(OS_LOG_INFO, "%s", m_frame.leave.c_str());
+    }
     if (m_frame.recordLast) {
-        m_record.write(RESULT_SUCCESS);
+        record(RESULT_SUCCESS);
     }
 }
 
@@ -161,17 +166,17 @@ void Operation::failed()
     try {
         throw;
     } catch (const OvraAPIExceptionWithErrCode& e) {
-        m_record.write(e.getErrCode());
+        record(e.getErrCode());
         throw;
     } catch (const OvraAPIException&) {
-        m_record.write(t_failure != RESULT_SUCCESS ? t_failure : RESULT_BAD_ARGUMENT);
+        record(t_failure != RESULT_SUCCESS ? t_failure : RESULT_BAD_ARGUMENT);
         throw;
     } catch (const abi::__forced_unwind&) {
         throw; // the thread is being cancelled: nothing may stop that
     } catch (...) {
         // The answer has a field of a type that it cannot be read as, or the host is out of memory.
-        const OvraAPIException unreadable = failure(REST_ANSWER_UNREADABLE, NO_ANSWER + m_frame.errors);
-        m_record.write(REST_ANSWER_UNREADABLE);
+        const OvraAPIException unreadable = failure(REST_ANSWER_UNREADABLE, m_frame.noAnswer);
+        record(REST_ANSWER_UNREADABLE);
         throw unreadable;
     }
 }

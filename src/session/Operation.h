@@ -1,94 +1,23 @@
 #ifndef SESSION_OPERATION_H
 #define SESSION_OPERATION_H
 
-#include "session/FieldTable.h"
+#include "session/Answer.h"
+#include "session/Frame.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
-#include "session/Retry.h"
+#include "session/Url.h"
 
 #include <ovra/rest/RestRequest.h>
 #include <ovra/threads/NoCancellation.h>
 #include <tessel/Exception.h>
 
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <type_traits>
-#include <unistd.h>
-#include <vector>
 
 class CDeviceManagerImpl;
 
 namespace ovra::tessel {
-
-class Operation;
-
-/** Under which names an operation shows itself; for most of them all are the same. */
-class Frame
-{
-public:
-    Frame(const char* operation) : Frame(std::string(operation)) {}
-    explicit Frame(const std::string& operation) : record(operation), logged(operation), errors(operation) {}
-
-    /** Names the operation otherwise in its enter and leave lines. */
-    Frame loggedAs(const char* name) const;
-    /** Names the operation otherwise behind its messages. */
-    Frame errorsAs(const std::string& name) const;
-    /** Closes with the enter text once more in place of the leave text. */
-    Frame closingAsEntered() const;
-    /** Writes the interface record behind the leave line in place of before it. */
-    Frame recordedLast() const;
-
-    std::string record;
-    std::string logged;
-    std::string errors;
-    const char* close = "leave ";
-    bool recordLast = false;
-};
-
-/** What the array answered to a request that succeeded. */
-class Answer
-{
-public:
-    Answer(Operation& op, REST_REQUEST_MODE_E mode, const std::string& url);
-
-    unsigned long count() { return m_response.count(); }
-    Json::Value& operator[](unsigned long index) { return m_response[index]; }
-
-    bool hasObject(unsigned long index = 0) { return index < count() && m_response[index].isMember("ID"); }
-    /** The ID of a record; empty without one. */
-    std::string id(unsigned long index = 0);
-
-    /** Record 0, or the defaults when there is none, or none with an ID. */
-    template <class Record>
-    Record read()
-    {
-        return hasObject() ? readRecord<Record>(m_response[0]) : Record();
-    }
-
-    /** Record 0 with or without an ID, or the defaults when there is none. */
-    template <class Record>
-    Record readAny()
-    {
-        return count() != 0 ? readRecord<Record>(m_response[0]) : Record();
-    }
-
-    /** Reads every object in full by its ID, in the array's order; records without an ID are skipped. */
-    template <class Read>
-    auto readEach(Read readObject)
-    {
-        std::vector<decltype(readObject(std::string()))> objects;
-        for (unsigned long i = 0; i < count(); ++i) {
-            if (hasObject(i)) {
-                objects.push_back(readObject(id(i)));
-            }
-        }
-        return objects;
-    }
-
-private:
-    RestResponse m_response;
-};
 
 /**
  * One call of a public operation: the enter line, the checks, the request, the interface record on every way
@@ -116,25 +45,36 @@ public:
         }
     }
 
-    /** Ends the operation as an argument error unless the condition holds; text ends in a blank, the name
-     * follows. */
-    void require(bool holds, const char* text);
+    /** As run, for calls that tell of a failure by their result alone. */
+    template <class Body>
+    static bool succeeds(const Frame& frame, CDeviceManagerImpl* deviceManager, Body&& body)
+    {
+        try {
+            run(frame, deviceManager, body);
+            return true;
+        } catch (const std::exception&) {
+            return false;
+        }
+    }
+
+    /** Ends the operation with the text and its name unless the condition holds; texts end in a blank. */
+    void require(bool holds, const char* text, int result = RESULT_BAD_ARGUMENT);
+    /** The same for an ID, which must not be empty, nor "." or "..": a server takes these for another path.
+     */
+    void requireId(const std::string& id, const char* textIfEmpty);
     /** As require, but only says so, with a record of its own: the operation goes on. */
     void expect(bool holds, const char* text);
     /** Ends the operation as one that got no answer unless the answer holds what it must. */
     void requireReadable(bool holds);
-    /** Ends the operation without an exception: the error line, the record with result, no leave line. */
-    void stop(const char* text, int result);
-    /** As require, but ends the operation without an exception; true when it did. */
-    bool refused(bool holds, const char* text)
-    {
-        if (!holds) {
-            stop(text, RESULT_BAD_ARGUMENT);
-        }
-        return !holds;
-    }
-    /** Ends the operation as stop does, without a line: the caller has said or will say why. */
-    void end(int result);
+    /** Ends the operation as one that the array refused, with a description and a result of our own. */
+    [[noreturn]] void refuse(const std::string& description, int result);
+
+    /** Writes the record now; the operation goes on, without a leave line. */
+    void close(int result);
+    /** Says why, as an error, and closes. */
+    void close(const char* text, int result);
+    /** Says why and closes as an argument error unless the condition holds; true when it did. */
+    bool closeUnless(bool holds, const char* text);
 
     /** Adds a member to the request's body; the order of the calls is the order on the wire. */
     template <class T>
@@ -144,26 +84,39 @@ public:
     }
     void add(const char* key, const char* value) { add(key, std::string(value)); }
     void addIfSet(const char* key, const std::string& value);
+    /** The body that puts an object into a group. */
+    void addMember(const std::string& groupId, MOType type, const std::string& id);
 
-    Answer get(const std::string& url) { return Answer(*this, REST_GET, url); }
-    Answer post(const std::string& url) { return Answer(*this, REST_POST, url); }
-    Answer put(const std::string& url) { return Answer(*this, REST_PUT, url); }
-    Answer del(const std::string& url) { return Answer(*this, REST_DELETE, url); }
+    Answer get(const std::string& url) { return send(REST_GET, url); }
+    Answer post(const std::string& url) { return send(REST_POST, url); }
+    Answer put(const std::string& url) { return send(REST_PUT, url); }
+    Answer del(const std::string& url) { return send(REST_DELETE, url); }
 
+    /** The answer, when it is one and tells no error; else the operation ends. */
+    Answer checked(Answer answer);
+
+    /** The filter of a list, whose values must not add a condition: the grammar knows no quoting. */
+    template <class Record>
+    std::string filter(const Record& record)
+    {
+        const std::string conditions =
+            filterOf(record, [this](const std::string& value) { requireOneCondition(value); });
+        return conditions.empty() ? conditions : "filter=" + conditions + "&";
+    }
+
+    RestRequest& request();
     const std::string& name() const { return m_frame.errors; }
 
 private:
-    friend class Answer;
-
     Operation(const Frame& frame, CDeviceManagerImpl* deviceManager);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    RestRequest& request();
-    void exchange(REST_REQUEST_MODE_E mode, const std::string& url, RestResponse& response);
+    Answer send(REST_REQUEST_MODE_E mode, const std::string& url);
+    void requireOneCondition(const std::string& value);
     /** Says what ended the operation; for the caller to throw. */
     static OvraAPIException failure(int result, const std::string& message);
-    [[noreturn]] static void fail(int result, const std::string& message);
+    void record(int result) const;
     void succeeded();
     [[noreturn]] void failed();
 
@@ -171,33 +124,8 @@ private:
     CDeviceManagerImpl* m_deviceManager;
     InterfaceRecord m_record;
     std::optional<RestRequest> m_request;
-    bool m_stopped = false;
+    bool m_closed = false;
 };
-
-/**
- * Calls until it succeeds, at most gRetryTimes times more, as long as the array answers with one of the
- * codes. Any other error of the array, or the last of these, ends it quietly: the operation before it did
- * succeed.
- */
-template <class Call>
-auto retryWhile(std::initializer_list<int> codes, const char* retryLine, Call call) -> decltype(call())
-{
-    for (unsigned int left = gRetryTimes;; --left) {
-        try {
-            return call();
-        } catch (const OvraAPIExceptionWithErrCode& e) {
-            bool again = false;
-            for (const int code : codes) {
-                again = again || e.getErrCode() == code;
-            }
-            if (!again || left == 0) {
-                return decltype(call())();
-            }
-        }
-        COMMLOG(OS_LOG_INFO, "%s", retryLine);
-        usleep(gRetrySleepTimeMicroSeconds);
-    }
-}
 
 } // namespace ovra::tessel
 

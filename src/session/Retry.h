@@ -1,6 +1,14 @@
 #ifndef SESSION_RETRY_H
 #define SESSION_RETRY_H
 
+#include "session/Log.h"
+
+#include <tessel/Exception.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <unistd.h>
+
 /** How many times a create reads its new object again; set by the first device manager. */
 extern unsigned int gRetryTimes;
 
@@ -10,8 +18,29 @@ extern unsigned int gRetrySleepTimeMicroSeconds;
 namespace ovra::tessel {
 
 /** The array's answers while a new object is not yet readable, or a LUN group is busy. */
-const int NOT_YET_READABLE = 1077949006;
-const int LUNGROUP_BUSY = 1077949001;
+constexpr int NOT_YET_READABLE = 1077949006;
+constexpr int LUNGROUP_BUSY = 1077949001;
+
+/**
+ * Calls until it succeeds, at most gRetryTimes times more, as long as the array answers with one of the
+ * codes. Any other error of the array, or the last of these, ends it quietly: the operation before it did
+ * succeed.
+ */
+template <class Call>
+auto retryWhile(std::initializer_list<int> codes, const char* retryLine, Call call) -> decltype(call())
+{
+    for (unsigned int left = gRetryTimes;; --left) {
+        try {
+            return call();
+        } catch (const OvraAPIExceptionWithErrCode& e) {
+            if (left == 0 || std::find(codes.begin(), codes.end(), e.getErrCode()) == codes.end()) {
+                return decltype(call())();
+            }
+        }
+        COMMLOG(OS_LOG_INFO, "%s", retryLine);
+        usleep(gRetrySleepTimeMicroSeconds);
+    }
+}
 
 } // namespace ovra::tessel
 

@@ -1,32 +1,41 @@
 #include "session/DeviceManagerImpl.h"
-#include "session/Log.h"
-#include "session/SessionCall.h"
+#include "session/Operation.h"
 
 #include <ovra/rest/OvraTool.h>
-#include <ovra/rest/RestRequest.h>
 #include <ovra/rest/UserManager.h>
-
-#include <vector>
 
 using namespace ovra::tessel;
 
 namespace {
 
-const unsigned int MAX_PORT = 65535;
-const char* const REST_ROOT = "/deviceManager/rest/";
-const char* const NOT_REGISTERED = "token or cookie hold a line break, or another live session of this "
-                                   "process has the same key: release it first";
+constexpr unsigned int MAX_PORT = 65535;
+constexpr const char* NOT_REGISTERED = "token or cookie hold a line break, or another live session of this "
+                                       "process has the same key: release it first";
+constexpr const char* NO_SESSION_IN_ANSWER = "the answer holds no device ID or no token";
 
-const SessionCall::Texts LOGIN = {"loginDevice", "Login device start...",
-                                  "Login device fail, please check network or device is OK",
-                                  "Login device fail,err msg:"};
-const SessionCall::Texts LOGOUT = {"logoutDevice", "Logout device start...", "Logout device fail",
-                                   "Logout device fail err msg:"};
-const SessionCall::Texts KEEP_ALIVE = {nullptr, "Keep alive start...", "Keep alive fail!",
-                                       "Keep alive fail err msg:"};
-const SessionCall::Texts USE_CONNECTION = {"useConnection", "Use existed connection start...",
-                                           "Use existed connection fail",
-                                           "Use existed connection fail,err msg:"};
+Frame loginFrame()
+{
+    return {"loginDevice", "Login device start...", "Login device OK",
+            "Login device fail, please check network or device is OK", "Login device fail,err msg:"};
+}
+
+Frame logoutFrame()
+{
+    const Frame frame("logoutDevice", "Logout device start...", "Logout device OK", "Logout device fail",
+                      "Logout device fail err msg:");
+    return frame.timedFirst();
+}
+
+Frame keepAliveFrame()
+{
+    return {"", "Keep alive start...", "", "Keep alive fail!", "Keep alive fail err msg:"};
+}
+
+Frame useConnectionFrame()
+{
+    return {"useConnection", "Use existed connection start...", "Use existed connection successfully!",
+            "Use existed connection fail", "Use existed connection fail,err msg:"};
+}
 
 /** The cookie is what stands before the first ";" of the first such line, leading blank included. */
 std::string findCookie(const std::vector<std::string>& headers)
@@ -44,22 +53,54 @@ std::string findCookie(const std::vector<std::string>& headers)
     return std::string();
 }
 
-std::string serverUrl(const std::string& ip, unsigned int port)
+/** Of a device ID; these two would make another path of the one that it stands in. */
+bool isUsable(const std::string& deviceId)
 {
-    return "https://" + ip + ":" + std::to_string(port);
+    return !deviceId.empty() && deviceId != "." && deviceId != "..";
 }
 
-/** A request of the session itself, which carries token and cookie but does not go through the registry. */
-int sendOnSession(const std::string& server, const std::string& token, const std::string& cookie,
-                  const std::string& path, REST_REQUEST_MODE_E mode, RestResponse& response)
+/** A request to the server itself. */
+Answer sendTo(const std::string& ip, unsigned int port, RestRequest& request, REST_REQUEST_MODE_E mode,
+              const std::string& path, bool flag)
 {
-    RestRequest request;
-    request.HeaderAddProperty(HTTP_HEADER_TOKEN, token);
-    request.HeaderAddProperty(HTTP_HEADER_COOKIE, cookie);
-    request.SetServerUrl(server);
-    std::vector<std::string> headers;
-    return request.SendRequest(REST_ROOT + path, mode, response, headers, false);
+    request.SetServerUrl("https://" + ip + ":" + std::to_string(port));
+    return Answer::to([&](RestResponse& response, std::vector<std::string>& headers) {
+        return request.SendRequest("/deviceManager/rest/" + path, mode, response, headers, flag);
+    });
 }
+
+/** A session on the array. */
+struct OpenSession
+{
+    const std::string& ip;
+    const unsigned int port;
+    const std::string& deviceId;
+    const std::string& token;
+    const std::string& cookie;
+
+    /** A request about the session itself, which does not go through the registry. */
+    Answer send(REST_REQUEST_MODE_E mode, const char* resource, bool withToken = true,
+                bool withCookie = true) const
+    {
+        RestRequest request;
+        if (withToken) {
+            request.HeaderAddProperty(HTTP_HEADER_TOKEN, token);
+        }
+        if (withCookie) {
+            request.HeaderAddProperty(HTTP_HEADER_COOKIE, cookie);
+        }
+        return sendTo(ip, port, request, mode, urlValue(deviceId) + resource, false);
+    }
+
+    /** Ends it though it was opened for nothing: where one of its headers cannot be sent, by the other. */
+    void abandon() const
+    {
+        if (send(REST_DELETE, "/sessions").reason() == REST_BAD_REQUEST &&
+            send(REST_DELETE, "/sessions", false, true).reason() == REST_BAD_REQUEST) {
+            send(REST_DELETE, "/sessions", true, false);
+        }
+    }
+};
 
 } // namespace
 
@@ -67,59 +108,45 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
                                      const std::string& userName, const std::string& password,
                                      const USERTYPE& scope)
 {
-    const SessionCall call(LOGIN);
-    return call.run([&] {
-        call.require(!ip.empty() && !userName.empty() && !password.empty(), "Invalid Parameter!");
-        call.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
-        call.require(port != 0 && port <= MAX_PORT, "Invalid port!");
+    return Operation::succeeds(loginFrame(), this, [&](Operation& op) {
+        op.require(!ip.empty() && !userName.empty() && !password.empty(), "Invalid Parameter!");
+        op.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
+        op.require(port != 0 && port <= MAX_PORT, "Invalid port!");
+        op.add("username", userName);
+        op.add("password", password);
+        op.add("scope", static_cast<int>(scope));
+        // "xxxx" stands in the path as it is: the device ID is what the login is to tell.
+        const Answer answer = op.checked(sendTo(ip, port, op.request(), REST_POST, "xxxx/sessions", true));
 
-        RestRequest request;
-        request.SetServerUrl(serverUrl(ip, port));
-        request.BodyAddProperty("username", userName);
-        request.BodyAddProperty("password", password);
-        request.BodyAddProperty("scope", static_cast<int>(scope));
-        RestResponse response;
-        std::vector<std::string> headers;
-        // "xxxx" stands in the path as it is: the device id is what the login is to tell.
-        call.checkAnswer(
-            request.SendRequest("/deviceManager/rest/xxxx/sessions", REST_POST, response, headers, true),
-            response);
-
-        const std::string deviceId = response[0]["deviceid"].asString();
-        const std::string token = response[0]["iBaseToken"].asString();
-        const std::string cookie = findCookie(headers);
-        call.require(!cookie.empty(), "Get cookie Err");
-        call.require(!deviceId.empty() && !token.empty(), LOGIN.noAnswer, REST_ANSWER_UNREADABLE);
-        if (!adopt(ip, port, deviceId, token, cookie, true)) {
-            RestResponse ignored; // the session was opened for nothing: the array is to forget it again
-            sendOnSession(serverUrl(ip, port), token, cookie, deviceId + "/sessions", REST_DELETE, ignored);
-            call.refuse(NOT_REGISTERED, REST_NO_SESSION);
+        const std::string deviceId = answer[0]["deviceid"].asString();
+        const std::string token = answer[0]["iBaseToken"].asString();
+        const std::string cookie = findCookie(answer.headers());
+        op.require(!cookie.empty(), "Get cookie Err");
+        if (!isUsable(deviceId) || token.empty()) {
+            op.refuse(NO_SESSION_IN_ANSWER, REST_ANSWER_UNREADABLE);
         }
-        COMMLOG(OS_LOG_INFO, "Login device OK");
+        if (!adopt(ip, port, deviceId, token, cookie, true)) {
+            OpenSession{ip, port, deviceId, token, cookie}.abandon();
+            op.refuse(NOT_REGISTERED, REST_NO_SESSION);
+        }
     });
 }
 
 bool CDeviceManagerImpl::logoutDevice()
 {
-    const SessionCall call(LOGOUT);
-    return call.run([&] {
-        RestResponse response;
-        const int sent = sendOnSession(serverUrl(m_ip, m_port), m_token, m_cookie, m_deviceId + "/sessions",
-                                       REST_DELETE, response);
-        call.checkAnswer(sent, response);
+    return Operation::succeeds(logoutFrame(), this, [&](Operation& op) {
+        const OpenSession session{m_ip, m_port, m_deviceId, m_token, m_cookie};
+        op.checked(session.send(REST_DELETE, "/sessions"));
         CUserManager::getInstance()->removeUser(this);
-        COMMLOG(OS_LOG_INFO, "Logout device OK");
+        m_registration = Registration::NONE;
     });
 }
 
 bool CDeviceManagerImpl::keepAlive()
 {
-    const SessionCall call(KEEP_ALIVE);
-    return call.run([&] {
-        RestResponse response;
-        const int sent = sendOnSession(serverUrl(m_ip, m_port), m_token, m_cookie,
-                                       m_deviceId + "/server/logininfo", REST_GET, response);
-        call.checkAnswer(sent, response);
+    return Operation::succeeds(keepAliveFrame(), this, [&](Operation& op) {
+        const OpenSession session{m_ip, m_port, m_deviceId, m_token, m_cookie};
+        op.checked(session.send(REST_GET, "/server/logininfo"));
     });
 }
 
@@ -127,14 +154,12 @@ bool CDeviceManagerImpl::useConnection(const std::string& ip, const unsigned int
                                        const std::string& deviceId, const std::string& token,
                                        const std::string& cookie)
 {
-    const SessionCall call(USE_CONNECTION);
-    return call.run([&] {
-        call.require(!ip.empty() && !deviceId.empty() && !token.empty() && !cookie.empty(),
-                     "Invalid Parameter!");
-        call.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
+    return Operation::succeeds(useConnectionFrame(), this, [&](Operation& op) {
+        op.require(!ip.empty() && isUsable(deviceId) && !token.empty() && !cookie.empty(),
+                   "Invalid Parameter!");
+        op.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
         if (!adopt(ip, port, deviceId, token, cookie, false)) {
-            call.refuse(NOT_REGISTERED, REST_NO_SESSION);
+            op.refuse(NOT_REGISTERED, REST_NO_SESSION);
         }
-        COMMLOG(OS_LOG_INFO, "Use existed connection successfully!");
     });
 }

@@ -1,12 +1,13 @@
 #include "session/Url.h"
 
 #include <cstring>
+#include <regex>
 
 namespace ovra::tessel {
 
 std::string urlValue(const std::string& text)
 {
-    static const char HEX[] = "0123456789ABCDEF";
+    static constexpr char HEX[] = "0123456789ABCDEF";
     std::string encoded;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
@@ -19,9 +20,20 @@ std::string urlValue(const std::string& text)
     return encoded;
 }
 
+bool addsCondition(const std::string& value)
+{
+    static const std::regex CONDITION(" and +[A-Za-z_][A-Za-z0-9_]*:");
+    return std::regex_search(value, CONDITION);
+}
+
 std::string associatedWith(unsigned long otherType, const std::string& otherId)
 {
     return "ASSOCIATEOBJTYPE=" + std::to_string(otherType) + "&ASSOCIATEOBJID=" + urlValue(otherId);
+}
+
+std::string memberOf(const std::string& groupId, MOType type, const std::string& id)
+{
+    return "ID=" + urlValue(groupId) + "&" + associatedWith(type, id);
 }
 
 std::string associationOf(MOType ownType, unsigned long otherType, const std::string& otherId)
@@ -34,8 +46,8 @@ std::string rangeOf(unsigned long start, unsigned long count, const char* separa
     if (count == 0) {
         return std::string();
     }
-    return std::string(separator) + "range=[" + std::to_string(start) + "-" + std::to_string(start + count) +
-           "]";
+    return std::string(separator) + "range=[" + std::to_string(start) + "-" +
+           std::to_string(saturatedSum(start, count)) + "]";
 }
 
 } // namespace ovra::tessel

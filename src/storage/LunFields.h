@@ -57,6 +57,11 @@ struct FieldTable<LunMO>
         fields::read("OWNINGCONTROLLER", &LunMO::OWNINGCONTROLLER, readers::asText),
         fields::read("WORKINGCONTROLLER", &LunMO::WORKINGCONTROLLER, readers::asText),
         fields::read("ISADD2LUNGROUP", &LunMO::ISADD2LUNGROUP, readers::asFlag));
+    static constexpr MOType TYPE = MO_LUN;
+    static constexpr const char* LIST = "/lun/associate?";
+    static constexpr auto filter =
+        std::make_tuple(&LunMO::ID, &LunMO::NAME, &LunMO::PARENTID, &LunMO::ALLOCTYPE, &LunMO::RUNNINGSTATUS,
+                        &LunMO::HEALTHSTATUS, &LunMO::ISADD2LUNGROUP);
 };
 
 } // namespace ovra::tessel

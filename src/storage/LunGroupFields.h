@@ -17,6 +17,10 @@ struct FieldTable<LunGroupMO>
                         fields::read("ISADD2MAPPINGVIEW", &LunGroupMO::ISADD2MAPPINGVIEW, readers::asFlag),
                         fields::read("APPTYPE", &LunGroupMO::APPTYPE, readers::asUl),
                         fields::read("GROUPTYPE", &LunGroupMO::GROUPTYPE, readers::asUl));
+    static constexpr MOType TYPE = MO_LUNGROUP;
+    static constexpr const char* LIST = "/lungroup/associate?";
+    static constexpr auto filter = std::make_tuple(&LunGroupMO::ID, &LunGroupMO::NAME,
+                                                   &LunGroupMO::ISADD2MAPPINGVIEW, &LunGroupMO::APPTYPE);
 };
 
 } // namespace ovra::tessel

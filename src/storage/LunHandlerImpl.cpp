@@ -1,18 +1,17 @@
 #include "storage/LunHandlerImpl.h"
 
-#include "session/Operation.h"
+#include "session/Retry.h"
 #include "session/Texts.h"
-#include "session/Url.h"
 #include "storage/LunFields.h"
 
 using namespace ovra::tessel;
 
 namespace {
 
-const unsigned int SECTOR_SHIFT = 9; // 512-byte sectors
-const uint32_t THIN = 1;
-const uint64_t MAX_USAGE_PERCENT = 100;
-const useconds_t SETTLE_MICROSECONDS = 200000; // a new LUN is seldom readable earlier
+constexpr unsigned int SECTOR_SHIFT = 9; // 512-byte sectors
+constexpr uint32_t THIN = 1;
+constexpr uint64_t MAX_USAGE_PERCENT = 100;
+constexpr useconds_t SETTLE_MICROSECONDS = 200000; // a new LUN is seldom readable earlier
 
 void addCapacities(Operation& op, const LunMO& lun)
 {
@@ -46,7 +45,7 @@ void addTuning(Operation& op, const LunMO& lun)
 
 LunMO CLunHandlerImpl::createLun(LunMO& lun)
 {
-    return Operation::run("createLun", m_pDeviceManager, [&](Operation& op) {
+    return run("createLun", [&](Operation& op) {
         op.addIfSet("ID", lun.ID);
         op.add("TYPE", int{MO_LUN});
         op.require(!lun.NAME.empty(), "Lun name is empty! ");
@@ -66,24 +65,24 @@ LunMO CLunHandlerImpl::createLun(LunMO& lun)
 
 LunMO CLunHandlerImpl::getLun(const std::string& lunID)
 {
-    return Operation::run("getLun", m_pDeviceManager, [&](Operation& op) {
-        op.require(!lunID.empty(), texts::LUN_ID_EMPTY);
+    return run("getLun", [&](Operation& op) {
+        op.requireId(lunID, texts::LUN_ID_EMPTY);
         return op.get("/lun/" + urlValue(lunID)).read<LunMO>();
     });
 }
 
 std::vector<LunMO> CLunHandlerImpl::getLunByLunGroup(const std::string& lunGroupID, LunQuery& query)
 {
-    return Operation::run("getLunByLunGroup", m_pDeviceManager, [&](Operation& op) {
-        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+    return run("getLunByLunGroup", [&](Operation& op) {
+        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
         return getLunByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
     });
 }
 
 std::vector<LunMO> CLunHandlerImpl::getLunByHost(const std::string& hostID, LunQuery& query)
 {
-    return Operation::run("getLunByHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+    return run("getLunByHost", [&](Operation& op) {
+        op.requireId(hostID, texts::HOST_ID_EMPTY);
         return getLunByCondition(hostID, MO_HOST, query, op.name());
     });
 }
@@ -92,13 +91,7 @@ std::vector<LunMO> CLunHandlerImpl::getLunByCondition(const std::string& associa
                                                       MOType associateObjType, LunQuery& query,
                                                       const std::string&)
 {
-    return Operation::run("getLunByCondition", m_pDeviceManager, [&](Operation& op) {
-        const std::string filter =
-            filterOf(query.filter, &LunMO::ID, &LunMO::NAME, &LunMO::PARENTID, &LunMO::ALLOCTYPE,
-                     &LunMO::RUNNINGSTATUS, &LunMO::HEALTHSTATUS, &LunMO::ISADD2LUNGROUP);
-        return op
-            .get("/lun/associate?" + filter + associationOf(MO_LUN, associateObjType, associateObjID) +
-                 rangeOf(query.start, query.count, "&"))
-            .readEach([&](const std::string& id) { return getLun(id); });
+    return run("getLunByCondition", [&](Operation& op) {
+        return list(op, associateObjType, associateObjID, query, &CLunHandler::getLun);
     });
 }

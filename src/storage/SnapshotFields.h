@@ -22,6 +22,10 @@ struct FieldTable<SnapshotMO>
                         fields::read("USERCAPACITY", &SnapshotMO::USERCAPACITY, readers::asUll),
                         fields::read("CONSUMEDCAPACITY", &SnapshotMO::CONSUMEDCAPACITY, readers::asUll),
                         fields::read("WWN", &SnapshotMO::WWN, readers::asText));
+    static constexpr MOType TYPE = MO_SNAPSHOT;
+    static constexpr const char* LIST = "/snapshot/associate?";
+    static constexpr auto filter = std::make_tuple(&SnapshotMO::ID, &SnapshotMO::NAME, &SnapshotMO::PARENTID,
+                                                   &SnapshotMO::RUNNINGSTATUS, &SnapshotMO::HEALTHSTATUS);
 };
 
 } // namespace ovra::tessel

@@ -1,26 +1,24 @@
 #include "storage/SnapshotHandlerImpl.h"
 
-#include "session/Operation.h"
 #include "session/Texts.h"
-#include "session/Url.h"
 #include "storage/SnapshotFields.h"
 
 using namespace ovra::tessel;
 
 SnapshotMO CSnapshotHandlerImpl::getSnapshot(const std::string& snapshotID)
 {
-    return Operation::run("getSnapshot", m_pDeviceManager, [&](Operation& op) {
-        op.require(!snapshotID.empty(), texts::SNAPSHOT_ID_EMPTY);
-        return op.get("/SNAPSHOT/" + urlValue(snapshotID))
-            .read<SnapshotMO>(); // capitals here, not in the search
+    return run("getSnapshot", [&](Operation& op) {
+        op.requireId(snapshotID, texts::SNAPSHOT_ID_EMPTY);
+        // Capitals here, not in the search: so the array has it.
+        return op.get("/SNAPSHOT/" + urlValue(snapshotID)).read<SnapshotMO>();
     });
 }
 
 std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByLunGroup(const std::string& lunGroupID,
                                                                     SnapshotQuery& query)
 {
-    return Operation::run("getSnapshotByLunGroup", m_pDeviceManager, [&](Operation& op) {
-        op.require(!lunGroupID.empty(), texts::LUNGROUP_ID_EMPTY);
+    return run("getSnapshotByLunGroup", [&](Operation& op) {
+        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
         return getSnapshotByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
     });
 }
@@ -28,8 +26,8 @@ std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByLunGroup(const std::s
 std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByHost(const std::string& hostID,
                                                                 SnapshotQuery& query)
 {
-    return Operation::run("getSnapshotByHost", m_pDeviceManager, [&](Operation& op) {
-        op.require(!hostID.empty(), texts::HOST_ID_EMPTY);
+    return run("getSnapshotByHost", [&](Operation& op) {
+        op.requireId(hostID, texts::HOST_ID_EMPTY);
         return getSnapshotByCondition(hostID, MO_HOST, query, op.name());
     });
 }
@@ -40,13 +38,7 @@ std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByCondition(const std::
 {
     // Recorded under the operation that it works for.
     const Frame frame = Frame(interfaceName).loggedAs("getSnapshotByCondition");
-    return Operation::run(frame, m_pDeviceManager, [&](Operation& op) {
-        const std::string filter =
-            filterOf(query.filter, &SnapshotMO::ID, &SnapshotMO::NAME, &SnapshotMO::PARENTID,
-                     &SnapshotMO::RUNNINGSTATUS, &SnapshotMO::HEALTHSTATUS);
-        return op
-            .get("/snapshot/associate?" + filter + associationOf(MO_SNAPSHOT, objType, objID) +
-                 rangeOf(query.start, query.count, "&"))
-            .readEach([&](const std::string& id) { return getSnapshot(id); });
+    return run(frame, [&](Operation& op) {
+        return list(op, objType, objID, query, &CSnapshotHandler::getSnapshot);
     });
 }

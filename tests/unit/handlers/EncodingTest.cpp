@@ -28,74 +28,76 @@ TEST(UrlValue, EncodesWhatWouldEndItOrBeginSomethingElseAndNothingMore)
     EXPECT_EQ(urlValue(""), "");
 }
 
-/** A call with ODD as every ID, and the path that it asks for. */
+/** A call with one text as every ID, and the path that it asks for. */
 struct OddCall
 {
     std::string path; ///< "*" stands for the encoded ID
-    void (*call)(CDeviceManagerImpl&);
+    void (*call)(CDeviceManagerImpl&, const std::string& id);
 };
 
+using Id = const std::string&;
+
 const OddCall ODD_CALLS[] = {
-    {"/lun/*", [](M m) { lun(m).getLun(ODD); }},
+    {"/lun/*", [](M m, Id id) { lun(m).getLun(id); }},
     {"/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=*",
-     [](M m) {
+     [](M m, Id id) {
          LunQuery q;
-         lun(m).getLunByLunGroup(ODD, q);
+         lun(m).getLunByLunGroup(id, q);
      }},
     {"/lun/associate?TYPE=11&ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=*",
-     [](M m) {
+     [](M m, Id id) {
          LunQuery q;
-         lun(m).getLunByHost(ODD, q);
+         lun(m).getLunByHost(id, q);
      }},
-    {"/lungroup/*", [](M m) { lunGroup(m).deleteLunGroup(ODD); }},
-    {"/lungroup/*", [](M m) { lunGroup(m).getLunGroup(ODD); }},
+    {"/lungroup/*", [](M m, Id id) { lunGroup(m).deleteLunGroup(id); }},
+    {"/lungroup/*", [](M m, Id id) { lunGroup(m).getLunGroup(id); }},
     {"/lungroup/associate?ID=*&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=*",
-     [](M m) { lunGroup(m).removeLunFromLunGroup(ODD, ODD); }},
+     [](M m, Id id) { lunGroup(m).removeLunFromLunGroup(id, id); }},
     {"/lungroup/associate?ID=*&ASSOCIATEOBJTYPE=27&ASSOCIATEOBJID=*",
-     [](M m) { lunGroup(m).removeSnapshotFromLunGroup(ODD, ODD); }},
+     [](M m, Id id) { lunGroup(m).removeSnapshotFromLunGroup(id, id); }},
     {"/lungroup/associate?TYPE=256&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=*",
-     [](M m) {
+     [](M m, Id id) {
          LunGroupQuery q;
-         lunGroup(m).getLunGroupByLun(ODD, q);
+         lunGroup(m).getLunGroupByLun(id, q);
      }},
     {"/lungroup/associate?ASSOCIATEOBJTYPE=245&ASSOCIATEOBJID=*",
-     [](M m) { lunGroup(m).getLunGroupByMappingView(ODD); }},
+     [](M m, Id id) { lunGroup(m).getLunGroupByMappingView(id); }},
     {"/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=*",
-     [](M m) { outcomeOf([&] { lunGroup(m).getCountByAssociate(ODD, "lun"); }); }},
-    {"/SNAPSHOT/*", [](M m) { snapshot(m).getSnapshot(ODD); }},
+     [](M m, Id id) { outcomeOf([&] { lunGroup(m).getCountByAssociate(id, "lun"); }); }},
+    {"/SNAPSHOT/*", [](M m, Id id) { snapshot(m).getSnapshot(id); }},
     {"/snapshot/associate?TYPE=27&ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=*",
-     [](M m) {
+     [](M m, Id id) {
          SnapshotQuery q;
-         snapshot(m).getSnapshotByHost(ODD, q);
+         snapshot(m).getSnapshotByHost(id, q);
      }},
-    {"/host/*", [](M m) { host(m).getHost(ODD); }},
-    {"/hostgroup/*", [](M m) { hostGroup(m).deleteHostGroup(ODD); }},
-    {"/hostgroup/*", [](M m) { hostGroup(m).getHostGroup(ODD); }},
+    {"/host/*", [](M m, Id id) { host(m).getHost(id); }},
+    {"/hostgroup/*", [](M m, Id id) { hostGroup(m).deleteHostGroup(id); }},
+    {"/hostgroup/*", [](M m, Id id) { hostGroup(m).getHostGroup(id); }},
     {"/hostgroup/associate?TYPE=14&ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=*",
-     [](M m) {
+     [](M m, Id id) {
          HostGroupQuery q;
-         hostGroup(m).getHostGroupByHost(ODD, q);
+         hostGroup(m).getHostGroupByHost(id, q);
      }},
     {"/hostgroup/associate?ASSOCIATEOBJTYPE=245&ASSOCIATEOBJID=*",
-     [](M m) { hostGroup(m).getHostGroupByMappingView(ODD); }},
+     [](M m, Id id) { hostGroup(m).getHostGroupByMappingView(id); }},
     {"/host/associate?ID=*&ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=*",
-     [](M m) { hostGroup(m).removeHostFromHostGroup(ODD, ODD); }},
-    {"/iscsi_initiator/*", [](M m) { iscsi(m).getIscsiInitiator(ODD); }},
-    {"/iscsi_initiator/*", [](M m) { iscsi(m).deleteIscsiInitiator(ODD); }},
-    {"/iscsi_initiator/*", [](M m) { iscsi(m).addIscsiInitiatorToHost(ODD, "3"); }},
-    {"/fc_initiator/*", [](M m) { fc(m).getFCInitiator(ODD); }},
-    {"/fc_initiator/*", [](M m) { fc(m).deleteFCInitiator(ODD); }},
-    {"/fc_initiator/*", [](M m) { fc(m).addFCInitiatorToHost(ODD, "3"); }},
-    {"/mappingview/*", [](M m) { mappingView(m).getMappingView(ODD); }},
-    {"/mappingview/*", [](M m) { mappingView(m).deleteMappingView(ODD); }},
+     [](M m, Id id) { hostGroup(m).removeHostFromHostGroup(id, id); }},
+    {"/iscsi_initiator/*", [](M m, Id id) { iscsi(m).getIscsiInitiator(id); }},
+    {"/iscsi_initiator/*", [](M m, Id id) { iscsi(m).deleteIscsiInitiator(id); }},
+    {"/iscsi_initiator/*", [](M m, Id id) { iscsi(m).addIscsiInitiatorToHost(id, "3"); }},
+    {"/fc_initiator/*", [](M m, Id id) { fc(m).getFCInitiator(id); }},
+    {"/fc_initiator/*", [](M m, Id id) { fc(m).deleteFCInitiator(id); }},
+    {"/fc_initiator/*", [](M m, Id id) { fc(m).addFCInitiatorToHost(id, "3"); }},
+    {"/mappingview/*", [](M m, Id id) { mappingView(m).getMappingView(id); }},
+    {"/mappingview/*", [](M m, Id id) { mappingView(m).deleteMappingView(id); }},
     {"/mappingview/associate?TYPE=245&ASSOCIATEOBJTYPE=14&ASSOCIATEOBJID=*",
-     [](M m) {
+     [](M m, Id id) {
          MappingViewQuery q;
-         mappingView(m).getMappingViewByHostGroup(ODD, q);
+         mappingView(m).getMappingViewByHostGroup(id, q);
      }},
-    {"/FC_PORT/*", [](M m) { fcPort(m).getFCPort(ODD); }},
-    {"/FCoE_PORT/*", [](M m) { fcoePort(m).getFCoEPort(ODD); }},
-    {"/ETH_PORT/*", [](M m) { ethPort(m).getETHPort(ODD); }},
+    {"/FC_PORT/*", [](M m, Id id) { fcPort(m).getFCPort(id); }},
+    {"/FCoE_PORT/*", [](M m, Id id) { fcoePort(m).getFCoEPort(id); }},
+    {"/ETH_PORT/*", [](M m, Id id) { ethPort(m).getETHPort(id); }},
 };
 
 TEST_F(HandlerTest, NoIdLeavesItsPlaceInAPath)
@@ -105,8 +107,66 @@ TEST_F(HandlerTest, NoIdLeavesItsPlaceInAPath)
         for (size_t star = path.find('*'); star != std::string::npos; star = path.find('*')) {
             path.replace(star, 1, ENCODED);
         }
-        odd.call(manager);
+        odd.call(manager, ODD);
         EXPECT_EQ(platform.requests().back().path, path);
+    }
+}
+
+TEST_F(HandlerTest, NoIdIsAStepInsideAPath)
+{
+    for (const OddCall& odd : ODD_CALLS) {
+        if (odd.path.compare(0, 10, "/lun/count") == 0) {
+            continue; // a worker, which checks nothing of its own; the ID is no step there
+        }
+        for (const char* const id : {".", ".."}) {
+            platform.reset();
+            const Outcome outcome = outcomeOf([&] { odd.call(manager, id); });
+            EXPECT_EQ(outcome.kind, Outcome::FAILED) << odd.path;
+            EXPECT_THAT(platform.requests(), testing::IsEmpty());
+            EXPECT_THAT(platform.lines("error: The ID is . or .., which no object has! "),
+                        testing::SizeIs(1));
+            EXPECT_THAT(platform.lines("record"), testing::ElementsAre(testing::EndsWith(" 1")));
+        }
+        odd.call(manager, "...");
+        EXPECT_THAT(platform.requests(), testing::SizeIs(1));
+    }
+}
+
+TEST_F(HandlerTest, IdsOutOfAnswersAreNoStepsEither)
+{
+    platform.reply(Reply::list(R"([{"ID":".."}])"));
+    LunQuery query;
+    EXPECT_EQ(outcomeOf([&] { lun(manager).getLunByHost("3", query); }).kind, Outcome::FAILED);
+    EXPECT_THAT(platform.requests(), testing::SizeIs(1));
+}
+
+TEST_F(HandlerTest, AFilterValueThatHoldsAConditionOfItsOwnIsRefused)
+{
+    const std::string text = "A filter value holds a condition of its own, which cannot be sent! ";
+    for (const char* const value : {"x and NAME:y", "a and b:c", " and  ALLOCTYPE:1", "x and _y1:"}) {
+        platform.reset();
+        LunMO mo;
+        mo.NAME = value;
+        LunQuery query(mo, 0, 0);
+        EXPECT_EQ(outcomeOf([&] { lun(manager).getLunByHost("3", query); }),
+                  Outcome::failed(text + "getLunByCondition"))
+            << value;
+        EXPECT_THAT(platform.requests(), testing::IsEmpty());
+        EXPECT_THAT(platform.lines("record"),
+                    testing::ElementsAre("record! getLunByCondition 1", "record! getLunByHost 1"));
+        FCPortMO port;
+        port.ID = value;
+        FCPortQuery ports(port, 0, 0);
+        EXPECT_EQ(outcomeOf([&] { fcPort(manager).getFCPortBatch(ports); }),
+                  Outcome::failed(text + "getFCPortBatch"));
+    }
+    for (const char* const value :
+         {"tom and jerry", "sand and: x", "x andNAME:y", "xand NAME:y", "x and 1:2"}) {
+        LunGroupMO mo;
+        mo.NAME = value;
+        LunGroupQuery query(mo, 0, 0);
+        EXPECT_EQ(outcomeOf([&] { lunGroup(manager).getLunGroupByLun("3", query); }), Outcome::returned())
+            << value;
     }
 }
 

@@ -71,6 +71,9 @@ std::vector<Listing> luns()
         kind.with(
             "LargeNumbers", [](LunMO&) {}, "", MOST - 1, 1,
             "&range=[18446744073709551614-18446744073709551615]"),
+        kind.with(
+            "AnEndBeyondAllNumbers", [](LunMO&) {}, "", MOST - 1, 3,
+            "&range=[18446744073709551614-18446744073709551615]"),
     };
 }
 
@@ -89,6 +92,8 @@ std::vector<Listing> lunGroups()
                 mo.APPTYPE = 0;
             },
             "filter=NAME:lg1 and APPTYPE:0&", 0, 10, "&range=[0-10]"),
+        kind.with(
+            "ALaterPage", [](LunGroupMO&) {}, "", 7, 2, "&range=[7-9]"),
         kind.with(
             "NotInAView", [](LunGroupMO& mo) { mo.ISADD2MAPPINGVIEW = 0; }, "filter=ISADD2MAPPINGVIEW:0&"),
         kind.with(
@@ -121,6 +126,8 @@ std::vector<Listing> snapshots()
         kind.with(
             "NameAndPage", [](SnapshotMO& mo) { mo.NAME = "snap01"; }, "filter=NAME:snap01&", 0, 100,
             "&range=[0-100]"),
+        kind.with(
+            "ALaterPage", [](SnapshotMO&) {}, "", 200, 100, "&range=[200-300]"),
         kind.with(
             "HealthAlone", [](SnapshotMO& mo) { mo.HEALTHSTATUS = 1; }, "filter=HEALTHSTATUS:1&"),
         kind.with(

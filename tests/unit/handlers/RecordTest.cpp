@@ -155,6 +155,17 @@ TEST_F(HandlerTest, ALunOf2048SectorsOf512BytesHolds1048576Bytes)
     EXPECT_EQ(lun.ALLOCCAPACITYRAW, 3u);
 }
 
+TEST_F(HandlerTest, ACapacityBeyond64BitsReadsAsUnsetAndNeverAsASmallOne)
+{
+    platform.reply(Reply::object(
+        R"({"ID":"1","SECTORSIZE":"512","CAPACITY":"36028797018963968","ALLOCCAPACITY":"36028797018963967"})"));
+    const LunMO lun = handlers::lun(manager).getLun("1");
+    EXPECT_EQ(lun.CAPACITY, UINT64_MAX) << "2 to the power of 64 bytes";
+    EXPECT_EQ(lun.ALLOCCAPACITY, UINT64_MAX - 511);
+    platform.reply(Reply::object(R"({"ID":"1","SECTORSIZE":"1","CAPACITY":"99999999999999999999"})"));
+    EXPECT_EQ(handlers::lun(manager).getLun("1").CAPACITY, UINT64_MAX);
+}
+
 TEST_F(HandlerTest, ASpeedThatIsNoNumberReadsAs0)
 {
     const std::map<std::string, int64_t> speeds = {

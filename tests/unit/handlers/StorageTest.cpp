@@ -223,4 +223,11 @@ TEST_F(Snapshots, AFailureOfOneReadEndsTheSearch)
                             "record! getSnapshotByLunGroup 28"));
 }
 
+TEST_F(HandlerTest, TwoCountsThatExceedAllNumbersAreNeverAnEmptyLunGroup)
+{
+    platform.reply(Reply::object(R"({"COUNT":"18446744073709551615"})"));
+    platform.reply(Reply::object(R"({"COUNT":"1"})"));
+    EXPECT_EQ(lunGroup(manager).getObjNOFromLunGroup("5"), UINT64_MAX);
+}
+
 } // namespace

@@ -121,11 +121,26 @@ TEST_F(Session, LoginWithoutARecordOrACookieMissesTheCookie)
     EXPECT_THAT(platform.lines("error"), ElementsAre("error: Get cookie Err"));
 }
 
-TEST_F(Session, LoginWhoseAnswerHasNoSessionInItFailsLikeNoAnswer)
+TEST_F(Session, LoginWhoseAnswerHasNoSessionInItSaysSo)
 {
     for (const char* const record :
-         {"{}", R"({"deviceid":"2102"})", R"({"iBaseToken":"T"})", R"({"deviceid":["x"],"iBaseToken":"T"})",
-          R"({"deviceid":"2102","iBaseToken":{}})"}) {
+         {"{}", R"({"deviceid":"2102"})", R"({"iBaseToken":"T"})", R"({"deviceid":".","iBaseToken":"T"})",
+          R"({"deviceid":"..","iBaseToken":"T"})"}) {
+        platform.reset();
+        platform.reply(loggedIn({"Set-Cookie: a=1;"}, record));
+        EXPECT_FALSE(login()) << record;
+        EXPECT_THAT(platform.journal(),
+                    ElementsAre("info: Login device start...", post,
+                                "error: Login device fail,err msg:the answer holds no device ID or no token",
+                                "record! loginDevice 10003"))
+            << record;
+    }
+}
+
+TEST_F(Session, LoginWhoseAnswerCannotBeReadFailsLikeNoAnswer)
+{
+    for (const char* const record :
+         {R"({"deviceid":["x"],"iBaseToken":"T"})", R"({"deviceid":"2102","iBaseToken":{}})"}) {
         platform.reset();
         platform.reply(loggedIn({"Set-Cookie: a=1;"}, record));
         EXPECT_FALSE(login()) << record;
@@ -183,6 +198,48 @@ TEST_F(Session, HandlersOfARefusedDeviceManagerFailWithoutARequestUntilItIsAccep
                 ElementsAreArray(journal::broken("getLun", 10001, "error: " + journal::noAnswer("getLun"))));
     EXPECT_TRUE(manager.useConnection("192.0.2.7", 8088, "2102", "T", "C"));
     EXPECT_EQ(outcomeOf([&] { luns.getLun("7"); }), Outcome::returned());
+}
+
+TEST_F(Session, ALoginWhoseTokenOrCookieCannotBeSentIsEndedByTheOther)
+{
+    const auto token = testing::Pair(47, "T0K"), cookie = testing::Pair(8, " session=abc");
+    platform.acceptUsers = false;
+    platform.reply(loggedIn());
+    platform.reply(Reply::noAnswer(10002));
+    EXPECT_FALSE(login());
+    ASSERT_THAT(platform.requests(), testing::SizeIs(3));
+    EXPECT_THAT(platform.requests()[1].headers, ElementsAre(token, cookie));
+    EXPECT_THAT(platform.requests()[2].headers, ElementsAre(cookie));
+
+    platform.reset();
+    platform.acceptUsers = false;
+    platform.reply(loggedIn());
+    platform.reply(Reply::noAnswer(10002));
+    platform.reply(Reply::noAnswer(10002));
+    EXPECT_FALSE(login());
+    EXPECT_EQ(platform.requests().back().text(), "DELETE /deviceManager/rest/2102/sessions");
+    EXPECT_THAT(platform.requests().back().headers, ElementsAre(token));
+    EXPECT_THAT(platform.lines("record"), ElementsAre("record! loginDevice 10001"));
+}
+
+TEST_F(Session, ARefusedLoginOrAdoptionLeavesTheSessionInForceUntouched)
+{
+    loginAndForget();
+    auto& luns = static_cast<CLunHandlerImpl&>(*manager.getHandler(LUN_HANDLER));
+    platform.acceptUsers = false;
+    EXPECT_FALSE(manager.useConnection("192.0.2.9", 9, "other", "other", "other"));
+    EXPECT_EQ(outcomeOf([&] { luns.getLun("7"); }), Outcome::returned());
+    platform.reply(loggedIn({"Set-Cookie: a=1;"}, R"({"deviceid":"other","iBaseToken":"other"})"));
+    EXPECT_FALSE(login(9));
+    EXPECT_EQ(outcomeOf([&] { luns.getLun("7"); }), Outcome::returned());
+    EXPECT_TRUE(manager.keepAlive());
+    EXPECT_EQ(platform.requests().back().server, "https://192.0.2.7:8088");
+    EXPECT_EQ(platform.requests().back().path, "/deviceManager/rest/2102/server/logininfo");
+
+    // Once it is over, a refusal leaves nothing that could be sent on.
+    EXPECT_TRUE(manager.logoutDevice());
+    EXPECT_FALSE(manager.useConnection("192.0.2.9", 9, "other", "other", "other"));
+    EXPECT_EQ(outcomeOf([&] { luns.getLun("7"); }), Outcome::failed(journal::noAnswer("getLun")));
 }
 
 } // namespace

@@ -40,8 +40,9 @@ TEST(Members, OfADeviceManager)
                       &M::m_pHostHandler, &M::m_pHostGroupHandler, &M::m_pMappingViewHandler,
                       &M::m_pDiskAttachHandler, &M::m_pSnapshotHandler, &M::m_pFCInitiatorHandler,
                       &M::m_pEthPortHandler, &M::m_pFCPortHandler, &M::m_pFCoEPortHandler,
-                      &M::m_pDiskScannerHandler, &M::m_refused),
-              "s u32=0 s s s p p p p p p p p p p p p p b=0");
+                      &M::m_pDiskScannerHandler),
+              "s u32=0 s s s p p p p p p p p p p p p p");
+    EXPECT_EQ(offsetOf(&M::m_registration), offsetOf(&M::m_port) + sizeof(M::m_port)) << "not in the hole";
     static_assert(std::is_same_v<decltype(M::iniCnt), int>);
     static_assert(std::is_same_v<decltype(M::m_mutex), pthread_mutex_t>);
     EXPECT_EQ(M::iniCnt, 0);

@@ -111,4 +111,18 @@ TEST_F(Session, AdoptingRefusesEmptyTextsThenAWrongAddress)
                 ElementsAreArray(join(empty, empty, empty, empty, refused("Invalid ip address!"))));
 }
 
+TEST_F(Session, ADeviceIdIsDataInThePathAndNeverAnotherPath)
+{
+    for (const char* const deviceId : {".", ".."}) {
+        EXPECT_FALSE(manager.useConnection("192.0.2.7", 1, deviceId, "T", "C"));
+    }
+    EXPECT_THAT(platform.lines("error"),
+                ElementsAre("error: Invalid Parameter!", "error: Invalid Parameter!"));
+    EXPECT_TRUE(manager.useConnection("192.0.2.7", 1, "../a?b", "T", "C"));
+    EXPECT_TRUE(manager.keepAlive());
+    EXPECT_EQ(platform.requests().back().path, "/deviceManager/rest/..%2Fa%3Fb/server/logininfo");
+    EXPECT_TRUE(manager.logoutDevice());
+    EXPECT_EQ(platform.requests().back().path, "/deviceManager/rest/..%2Fa%3Fb/sessions");
+}
+
 } // namespace
