@@ -1,4 +1,5 @@
 #include "attach/Attachable.h"
+#include "attach/DetachEffect.h"
 #include "attach/Devices.h"
 #include "disk/HostFiles.h"
 #include "disk/Initiator.h"
@@ -24,7 +25,7 @@ Json::Value resultOf(const char* action, const Attachable& object, const std::st
 
 IscsiInitiatorMO readInitiator(Context& context, const std::string& initiator)
 {
-    return mustRead("iSCSI initiator", initiator, [&](const std::string& id) {
+    return mustRead(context.session(), "iSCSI initiator", initiator, [&](const std::string& id) {
         return context.handler<CIscsiInitiatorHandler>().getIscsiInitiator(id);
     });
 }
@@ -97,6 +98,11 @@ void detach(Context& context, const Attachable& object)
     Session& session = context.session();
     const bool wasVisible =
         all ? !object.groups(session, id).empty() : !host.empty() && object.isSeenByHost(session, id, host);
+    const DetachEffect effect =
+        wasVisible ? effectOfDetach(session, object, id, all ? "" : host) : DetachEffect();
+    if (!context.has("--force")) {
+        refuseSideEffects(effect, object.called(id));
+    }
     Json::Value result = resultOf("detach", object, id, all ? "" : initiator);
     std::string text;
     if (context.has("--remove-devices")) {
@@ -112,10 +118,10 @@ void detach(Context& context, const Attachable& object)
     const std::string where = all            ? "any host"
                               : host.empty() ? "initiator " + initiator + ", which has no host"
                                              : "host " + host;
-    context.printer().result(text + object.called(id) +
-                                 (wasVisible ? " is no longer visible to " : " was not visible to ") + where +
-                                 "\n",
-                             result);
+    text += object.called(id) + (wasVisible ? " is no longer visible to " : " was not visible to ") + where +
+            "\n";
+    text += tellEffect(session, effect, result);
+    context.printer().result(text, result);
 }
 
 } // namespace
@@ -129,7 +135,10 @@ Commands attachCommands()
     std::vector<Option> detaching = initiatorOptions();
     detaching.push_back({"--all-hosts", "", "take it away from every host"});
     detaching.push_back({"--remove-devices", "", "remove its devices from this host before"});
-    detaching.push_back(forceOption());
+    detaching.push_back(
+        {"--force", "",
+         "even when other hosts lose it, a group that no attach has made is deleted, or devices "
+         "to be removed are in use"});
     Commands commands = forEachAttachable("attach", "make visible to a host", attaching, attach);
     for (const auto& command : forEachAttachable("detach", "take away from a host", detaching, detach)) {
         commands.push_back(command);

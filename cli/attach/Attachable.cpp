@@ -12,7 +12,7 @@ auto field(const char* title, Record (Handler::*get)(const std::string&), std::s
         const auto read = [&](const std::string& wanted) {
             return (session.handler<Handler>().*get)(wanted);
         };
-        return mustRead(title, id, read).*member;
+        return mustRead(session, title, id, read).*member;
     };
 }
 

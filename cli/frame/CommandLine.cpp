@@ -80,6 +80,16 @@ int endUnread()
     return 128 + SIGPIPE;
 }
 
+/** No code is known that every array gives for a request whose session is over; its keep-alive tells. */
+void tellSessionOver(Session& session, const OvraAPIExceptionWithErrCode& error)
+{
+    if (!session.keepAlive()) {
+        throw Failure(outcomeOf(error).message +
+                          "; the keep-alive fails too: if the session is over, log in again",
+                      ExitCode::ARRAY_ERROR, error.getErrCode());
+    }
+}
+
 /** False where the line asks for help or the version, which is printed then. */
 bool parse(Parser& parser, int argc, char** argv, Printer& printer)
 {
@@ -103,6 +113,9 @@ ExitCode runCommand(const Parser& parser, Printer& printer)
     Context context(values, printer);
     try {
         parser.command()->run(context);
+    } catch (const OvraAPIExceptionWithErrCode& error) {
+        tellSessionOver(context.session(), error);
+        throw;
     } catch (const OvraAPIException& error) {
         if (isTransportFailure(error)) {
             tellUnreached(context.session().address());

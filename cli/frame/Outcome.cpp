@@ -4,20 +4,14 @@
 
 #include <tessel/Exception.h>
 
-#include <algorithm>
-#include <array>
+#include <string_view>
 
 namespace tesselctl {
 namespace {
 
-/** The array's answers for an ID that it does not know. */
-constexpr std::array<int, 1> UNKNOWN_ID = {1077950001};
-/** Its answer to a request whose session is over or was never open. */
-constexpr int NO_SESSION = 1077950102;
-
-const std::string FRAME = "Exception:";
-const std::string TRANSPORT_FAILURE = "url error or internet error ";
-const std::string DESCRIPTION_MARK = ", description:";
+constexpr std::string_view FRAME = "Exception:";
+constexpr std::string_view TRANSPORT_FAILURE = "url error or internet error ";
+constexpr std::string_view DESCRIPTION_MARK = ", description:";
 
 std::string withoutFrame(const std::string& text)
 {
@@ -47,12 +41,9 @@ Outcome errorAnswer(const OvraAPIExceptionWithErrCode& error)
     Outcome outcome;
     outcome.hasArrayCode = true;
     outcome.arrayCode = error.getErrCode();
-    outcome.exitCode = saysNotFound(outcome.arrayCode) ? ExitCode::NOT_FOUND : ExitCode::ARRAY_ERROR;
+    outcome.exitCode = ExitCode::ARRAY_ERROR;
     outcome.message = (what.empty() ? "no description" : what) + " (error code " +
                       std::to_string(outcome.arrayCode) + " of the array, " + operation + ")";
-    if (outcome.arrayCode == NO_SESSION) {
-        outcome.message += "; the session is over: log in again";
-    }
     return outcome;
 }
 
@@ -79,11 +70,6 @@ bool isTransportFailure(const std::exception& error)
     return withoutFrame(error.what()).compare(0, TRANSPORT_FAILURE.size(), TRANSPORT_FAILURE) == 0;
 }
 
-bool saysNotFound(int arrayCode)
-{
-    return std::find(UNKNOWN_ID.begin(), UNKNOWN_ID.end(), arrayCode) != UNKNOWN_ID.end();
-}
-
 Outcome outcomeOf(const std::exception& error)
 {
     if (const auto* answer = dynamic_cast<const OvraAPIExceptionWithErrCode*>(&error)) {
@@ -96,12 +82,10 @@ Outcome outcomeOf(const std::exception& error)
     outcome.message = error.what();
     if (const auto* failure = dynamic_cast<const Failure*>(&error)) {
         outcome.exitCode = failure->code();
-    }
-    const auto* notFound = dynamic_cast<const NotFound*>(&error);
-    if (notFound != nullptr && notFound->arrayCode() != 0) {
-        outcome.hasArrayCode = true;
-        outcome.arrayCode = notFound->arrayCode();
-        outcome.message += " (error code " + std::to_string(outcome.arrayCode) + ")";
+        outcome.hasArrayCode = failure->arrayCode() != 0;
+        outcome.arrayCode = failure->arrayCode();
+        const bool isTold = !outcome.hasArrayCode || outcome.exitCode == ExitCode::ARRAY_ERROR;
+        outcome.message += isTold ? "" : " (error code " + std::to_string(outcome.arrayCode) + ")";
     }
     return outcome;
 }

@@ -30,9 +30,6 @@ int tell(Printer& printer, const std::exception& error);
 /** Whether the SDK got no answer, or none that can be read. */
 bool isTransportFailure(const std::exception& error);
 
-/** Whether the array's answer means that there is no object with the ID asked for. */
-bool saysNotFound(int arrayCode);
-
 } // namespace tesselctl
 
 #endif

@@ -11,24 +11,6 @@ Node node(Layer layer, const char* type, const Record& record)
     return {layer, type, record.ID, record.NAME};
 }
 
-/** Everything that a list operation of the SDK gives for one object. */
-template <class Handler, class Record, class Query>
-std::vector<Record> listed(Session& session, const char* title,
-                           std::vector<Record> (Handler::*list)(const std::string&, Query&),
-                           const std::string& id)
-{
-    std::vector<Record> all;
-    Progress progress(std::string("reading ") + title + "s");
-    readPages<Record>(
-        Query(), std::numeric_limits<size_t>::max(),
-        [&](Query& page) { return (session.handler<Handler>().*list)(id, page); },
-        [&](const std::vector<Record>& page, size_t soFar) {
-            all.insert(all.end(), page.begin(), page.end());
-            progress.update(std::to_string(soFar) + " so far");
-        });
-    return all;
-}
-
 } // namespace
 
 bool isIscsiName(const std::string& id)
@@ -46,11 +28,11 @@ size_t ArrayWalk::fromInitiator(const std::string& id, Members members)
         start = m_graph.add(node(Layer::INITIATOR, type, initiator));
     };
     if (isIscsiName(id)) {
-        add("initiator", mustRead("iSCSI initiator", id, [&](const std::string& wanted) {
+        add("initiator", mustRead(m_session, "iSCSI initiator", id, [&](const std::string& wanted) {
                 return m_session.handler<CIscsiInitiatorHandler>().getIscsiInitiator(wanted);
             }));
     } else {
-        add("FC initiator", mustRead("FC initiator", id, [&](const std::string& wanted) {
+        add("FC initiator", mustRead(m_session, "FC initiator", id, [&](const std::string& wanted) {
                 return m_session.handler<CFCInitiatorHandler>().getFCInitiator(wanted);
             }));
     }
@@ -62,7 +44,7 @@ size_t ArrayWalk::fromInitiator(const std::string& id, Members members)
 
 size_t ArrayWalk::fromHost(const std::string& id, Members members)
 {
-    const HostMO host = mustRead("host", id, [&](const std::string& wanted) {
+    const HostMO host = mustRead(m_session, "host", id, [&](const std::string& wanted) {
         return m_session.handler<CHostHandler>().getHost(wanted);
     });
     const size_t start = m_graph.add(node(Layer::HOST, "host", host));

@@ -14,21 +14,25 @@ enum class ExitCode : int
     FAILURE = 1,
     USAGE = 2,
     ARRAY_ERROR = 3,
-    NOT_FOUND = 4
+    NOT_FOUND = 4,
+    INTERRUPTED = 130 ///< as shells tell of an end by SIGINT
 };
 
 /** Ends a command: one line that tells the administrator what to do, and how the process exits. */
 class Failure : public std::runtime_error
 {
 public:
-    explicit Failure(const std::string& message, ExitCode code = ExitCode::FAILURE)
-        : std::runtime_error(message), m_code(code)
+    /** @param arrayCode the array's error code; 0 where it gave none. */
+    explicit Failure(const std::string& message, ExitCode code = ExitCode::FAILURE, int arrayCode = 0)
+        : std::runtime_error(message), m_code(code), m_arrayCode(arrayCode)
     {
     }
     ExitCode code() const { return m_code; }
+    int arrayCode() const { return m_arrayCode; }
 
 private:
     ExitCode m_code;
+    int m_arrayCode;
 };
 
 class UsageError : public Failure
@@ -40,15 +44,10 @@ public:
 class NotFound : public Failure
 {
 public:
-    /** @param arrayCode the array's error code for it; 0 when the array answered without the object. */
     explicit NotFound(const std::string& message, int arrayCode = 0)
-        : Failure(message, ExitCode::NOT_FOUND), m_arrayCode(arrayCode)
+        : Failure(message, ExitCode::NOT_FOUND, arrayCode)
     {
     }
-    int arrayCode() const { return m_arrayCode; }
-
-private:
-    int m_arrayCode;
 };
 
 /** Standard output takes no more. */

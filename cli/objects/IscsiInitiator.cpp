@@ -86,7 +86,7 @@ void modify(Context& context, const ObjectKind& kind)
     Handler& handler = context.handler<Handler>();
     const std::string id = context.text(kind.idName);
     const auto read = [&](const std::string& wanted) { return handler.getIscsiInitiator(wanted); };
-    Record record = mustRead(kind.title, id, read);
+    Record record = mustRead(context.session(), kind.title, id, read);
     record.PARENTID.clear();
     apply(changes(), context.values(), record);
     settle(record);
@@ -97,7 +97,7 @@ void modify(Context& context, const ObjectKind& kind)
         throw UsageError("a new --mutual-chap-name needs its --mutual-chap-secret-file");
     }
     handler.modifyIscsiInitiator(record);
-    context.printer().record(fieldsOf(mustRead(kind.title, id, read)));
+    context.printer().record(fieldsOf(mustRead(context.session(), kind.title, id, read)));
 }
 
 Command modifyCommand(const ObjectKind& kind)

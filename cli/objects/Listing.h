@@ -29,7 +29,8 @@ Source<Record, Query> by(const char* option, const char* value, const char* of,
 {
     return {{option, value, std::string("those of this ") + of},
             [=](Session& session, const std::string& id, Query& query) {
-                return (session.handler<Handler>().*list)(id, query);
+                return withObjects(session, {{of, id}},
+                                   [&] { return (session.handler<Handler>().*list)(id, query); });
             }};
 }
 
@@ -40,7 +41,8 @@ Source<Record, Query> byOne(const char* option, const char* value, const char* o
 {
     return {{option, value, std::string("the one of this ") + of},
             [=](Session& session, const std::string& id, Query&) {
-                const Record record = (session.handler<Handler>().*get)(id);
+                const Record record =
+                    withObjects(session, {{of, id}}, [&] { return (session.handler<Handler>().*get)(id); });
                 return record.ID.empty() ? std::vector<Record>{} : std::vector<Record>{record};
             },
             false};
@@ -86,6 +88,24 @@ void readPages(Query query, size_t limit, ReadPage readPage, Use use)
         more = !fresh.empty() && page.size() >= query.count && seen.size() < limit;
         use(fresh, seen.size());
     }
+}
+
+/** Everything that a list operation of the SDK gives for one object. */
+template <class Handler, class Record, class Query>
+std::vector<Record> listed(Session& session, const char* title,
+                           std::vector<Record> (Handler::*list)(const std::string&, Query&),
+                           const std::string& id)
+{
+    std::vector<Record> all;
+    Progress progress(std::string("reading ") + title + "s");
+    readPages<Record>(
+        Query(), std::numeric_limits<size_t>::max(),
+        [&](Query& page) { return (session.handler<Handler>().*list)(id, page); },
+        [&](const std::vector<Record>& page, size_t soFar) {
+            all.insert(all.end(), page.begin(), page.end());
+            progress.update(std::to_string(soFar) + " so far");
+        });
+    return all;
 }
 
 constexpr const char* START_OPTION = "--start";

@@ -58,7 +58,10 @@ Command countCommand()
             {},
             [](Context& context) {
                 const std::string id = context.text(kind().idName);
-                const uint64_t count = context.handler<CLunGroupHandler>().getObjNOFromLunGroup(id);
+                const auto read = [&] {
+                    return context.handler<CLunGroupHandler>().getObjNOFromLunGroup(id);
+                };
+                const uint64_t count = withObjects(context.session(), {{kind().title, id}}, read);
                 Json::Value more(Json::objectValue);
                 more["count"] = Json::UInt64(count);
                 tellAction(context, kind(), id, "count", std::to_string(count), more);

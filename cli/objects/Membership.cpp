@@ -10,16 +10,33 @@ void change(Context& context, const ObjectKind& owner, const Member& member, boo
     const std::string ownerId = context.text(owner.idName);
     const std::string memberId = context.text(member.option.name);
     Session& session = context.session();
-    (adding ? member.add : member.remove)(session, memberId, ownerId);
     const std::string both =
         member.title + " " + memberId + (adding ? " to " : " from ") + owner.title + " " + ownerId;
-    if (member.holds && member.holds(session, memberId, ownerId) != adding) {
-        throw Failure(std::string("the array did not ") + (adding ? "add " : "remove ") + both +
-                      "; its words are in the run log, " + logDirectory());
-    }
     Json::Value more(Json::objectValue);
     more["member"] = member.title;
     more["memberId"] = memberId;
+    more["wasMember"] = !adding;
+    // What is to be done may be the case already; the SDK does not tell.
+    const auto isDone = [&] { return member.holds && member.holds(session, memberId, ownerId) == adding; };
+    const auto work = [&] {
+        if (isDone()) {
+            more["wasMember"] = adding;
+        } else {
+            (adding ? member.add : member.remove)(session, memberId, ownerId);
+        }
+    };
+    withObjects(session, {{owner.title, ownerId}, {member.title, memberId}}, work);
+    if (more["wasMember"] == adding) {
+        tellAction(context, owner, ownerId, adding ? "add" : "remove",
+                   member.title + " " + memberId + (adding ? " was in " : " was not in ") + owner.title +
+                       " " + ownerId + (adding ? " already" : ""),
+                   more);
+        return;
+    }
+    if (member.holds && !isDone()) {
+        throw Failure(std::string("the array did not ") + (adding ? "add " : "remove ") + both +
+                      "; its words are in the run log, " + logDirectory());
+    }
     tellAction(context, owner, ownerId, adding ? "add" : "remove", (adding ? "added " : "removed ") + both,
                more);
 }

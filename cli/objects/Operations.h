@@ -13,7 +13,8 @@ Command showCommand(const ObjectKind& kind, Record (Handler::*get)(const std::st
         kind.command("show"), "show one " + kind.title, {kind.idArgument()}, {}, {}, [=](Context& context) {
             Handler& handler = context.handler<Handler>();
             const auto read = [&](const std::string& id) { return (handler.*get)(id); };
-            context.printer().record(fieldsOf(mustRead(kind.title, context.text(kind.idName), read)));
+            context.printer().record(
+                fieldsOf(mustRead(context.session(), kind.title, context.text(kind.idName), read)));
         }};
 }
 
@@ -63,7 +64,8 @@ Command actionCommand(const ObjectKind& kind, const std::string& action, const s
 {
     return {kind.command(action), summary, {kind.idArgument()}, {}, {}, [=](Context& context) {
                 const std::string id = context.text(kind.idName);
-                (context.handler<Handler>().*operation)(id);
+                withObjects(context.session(), {{kind.title, id}},
+                            [&] { (context.handler<Handler>().*operation)(id); });
                 tellAction(context, kind, id, action, kind.title + " " + id + " " + done);
             }};
 }
@@ -80,7 +82,8 @@ Command bindCommand(const ObjectKind& kind, void (Handler::*bind)(const std::str
             {},
             [=](Context& context) {
                 const std::string id = context.text(kind.idName);
-                (context.handler<Handler>().*bind)(id, context.text(host.name));
+                withObjects(context.session(), {{kind.title, id}, {"host", context.text(host.name)}},
+                            [&] { (context.handler<Handler>().*bind)(id, context.text(host.name)); });
                 Json::Value more(Json::objectValue);
                 more["hostId"] = context.text(host.name);
                 tellAction(context, kind, id, "add",

@@ -45,7 +45,7 @@ TEST_P(DiskInUse, IsNotRemovedAndWhatHoldsItIsNamed)
     const Outcome outcome = expect(1, {"remove", "lun", lun});
     EXPECT_THAT(outcome.err, HasSubstr(GetParam().said));
     EXPECT_THAT(outcome.err, HasSubstr("--force"));
-    bindAll();
+    expect(0, {"attach", "lun", lun});
     expect(1, {"detach", "lun", lun, "--remove-devices"});
     EXPECT_TRUE(diskIsThere());
     EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json().size(), 1U) << "nothing was detached";
@@ -120,7 +120,7 @@ TEST_F(HostTest, ADiskThatStaysAfterItsRemovalIsAFailure)
 
 TEST_F(HostTest, DetachRemovesTheDevicesFirstWhenAskedTo)
 {
-    bindAll();
+    expect(0, {"attach", "lun", lun});
     addLunDisk();
     EXPECT_THAT(expect(0, {"detach", "lun", lun, "--remove-devices"}).out, HasSubstr("removed sdc"));
     EXPECT_FALSE(diskIsThere());
@@ -129,7 +129,7 @@ TEST_F(HostTest, DetachRemovesTheDevicesFirstWhenAskedTo)
 
 TEST_F(HostTest, ADetachThatLeavesDevicesBehindSaysSo)
 {
-    bindAll();
+    expect(0, {"attach", "lun", lun});
     addLunDisk();
     EXPECT_THAT(expect(0, {"detach", "lun", lun}).err, HasSubstr("--remove-devices"));
     EXPECT_TRUE(diskIsThere());

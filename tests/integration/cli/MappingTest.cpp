@@ -185,9 +185,52 @@ TEST_F(MappingTest, ADetachAfterWhichTheHostStillSeesItIsAFailure)
 {
     bindAll();
     array.addErrorFault("DELETE", "/lungroup/associate", 1077000001, 10);
-    EXPECT_THAT(expect(1, {"detach", "lun", lun, "--initiator", iqn}).err,
+    EXPECT_THAT(expect(1, {"detach", "lun", lun, "--initiator", iqn, "--force"}).err,
                 HasSubstr("still sees LUN " + lun));
-    EXPECT_THAT(expect(1, {"detach", "lun", lun, "--all-hosts"}).err, HasSubstr("a LUN group still holds"));
+    EXPECT_THAT(expect(1, {"detach", "lun", lun, "--all-hosts", "--force"}).err,
+                HasSubstr("a LUN group still holds"));
+}
+
+TEST_F(MappingTest, ADetachThatTakesTheLunFromOthersIsRefusedWithoutForce)
+{
+    bindAll();
+    const std::string other = make({"hostgroup", "create", "--name", "others"});
+    const std::string second = make({"view", "create", "--name", "second"});
+    expect(0, {"view", "add", second, "--lungroup", lunGroup});
+    expect(0, {"view", "add", second, "--hostgroup", other});
+    const std::string kept = array.createLun("kept");
+    expect(0, {"lungroup", "add", lunGroup, "--lun", kept});
+
+    const Outcome refused = expect(1, {"detach", "lun", lun, "--initiator", iqn});
+    EXPECT_THAT(refused.err, HasSubstr("host group " + other + " (others)"));
+    EXPECT_THAT(refused.err, HasSubstr("--force"));
+    EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json().size(), 2U) << "nothing was detached";
+
+    const Json::Value done = cli.json({"detach", "lun", lun, "--initiator", iqn, "--force"}).json();
+    EXPECT_EQ(done["lunGroups"][0]["id"], lunGroup);
+    EXPECT_FALSE(done["lunGroups"][0]["deleted"].asBool());
+    EXPECT_THAT(done["otherHostGroups"].toStyledString(), HasSubstr("host group " + other + " (others)"));
+}
+
+TEST_F(MappingTest, ADetachThatDeletesAGroupOfSomebodyElseIsRefusedWithoutForce)
+{
+    bindAll();
+    const Outcome refused = expect(1, {"detach", "lun", lun, "--all-hosts"});
+    EXPECT_THAT(refused.err, HasSubstr("LUN group " + lunGroup + " (luns), which no attach has made"));
+    EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json().size(), 1U);
+    const Outcome done = expect(0, {"detach", "lun", lun, "--all-hosts", "--force"});
+    EXPECT_THAT(done.out, HasSubstr("taken out of LUN group " + lunGroup +
+                                    " (luns), which was empty then and is deleted"));
+    expect(4, {"lungroup", "show", lunGroup});
+}
+
+TEST_F(MappingTest, AMemberThatIsNoneAndOneThatIsOneAlreadyAreTold)
+{
+    EXPECT_EQ(expect(0, {"lungroup", "remove", lunGroup, "--lun", lun}).out,
+              "LUN " + lun + " was not in LUN group " + lunGroup + "\n");
+    bindAll();
+    const Outcome again = cli.json({"hostgroup", "add", hostGroup, "--host", host});
+    EXPECT_TRUE(again.json()["wasMember"].asBool()) << again;
 }
 
 TEST_F(MappingTest, AttachOfWhatTheArrayDoesNotKnowEndsWithCode4)
