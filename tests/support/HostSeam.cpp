@@ -2,6 +2,7 @@
 
 #include "support/RecordingPlatform.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>

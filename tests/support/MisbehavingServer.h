@@ -1,5 +1,5 @@
-#ifndef TESSEL_TESTS_MISBEHAVINGSERVER_H
-#define TESSEL_TESTS_MISBEHAVINGSERVER_H
+#ifndef SUPPORT_MISBEHAVINGSERVER_H
+#define SUPPORT_MISBEHAVINGSERVER_H
 
 #include "ServerBehaviour.h"
 #include "TestCertificates.h"

@@ -4,7 +4,7 @@ namespace tessel_test {
 
 namespace {
 
-const std::string SUCCESS_OBJECT = R"("error":{"code":0,"description":"0"})";
+constexpr const char* SUCCESS_OBJECT = R"("error":{"code":0,"description":"0"})";
 
 std::string withHead(const std::string& body, int status, const std::string& extraHeaders)
 {

@@ -20,8 +20,8 @@ ServerConnection::ServerConnection(int socket, unsigned number, SSL_CTX* context
               : context ? State::Handshake
                         : State::Reading)
 {
-    const int on = 1;
-    setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
+    constexpr int ON = 1;
+    setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &ON, sizeof(ON));
     if (m_ssl) {
         SSL_set_fd(m_ssl, m_socket);
         SSL_set_mode(m_ssl, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);

@@ -1,24 +1,12 @@
 #include "ServerListener.h"
 
+#include "Require.h"
+
 #include <arpa/inet.h>
-#include <cerrno>
-#include <cstring>
 #include <netinet/in.h>
-#include <stdexcept>
 #include <sys/socket.h>
 
 namespace tessel_test {
-
-namespace {
-
-void require(bool ok, const char* what)
-{
-    if (!ok) {
-        throw std::runtime_error(std::string("test server: ") + what + ": " + strerror(errno));
-    }
-}
-
-} // namespace
 
 int listenOn(const std::string& address)
 {

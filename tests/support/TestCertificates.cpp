@@ -1,16 +1,15 @@
 #include "TestCertificates.h"
 
+#include "Require.h"
+
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
 #include <array>
-#include <cstdlib>
-#include <filesystem>
+#include <cstdio>
 #include <memory>
-#include <stdexcept>
-#include <unistd.h>
 
 namespace tessel_test {
 
@@ -33,15 +32,8 @@ struct Identity
 
 const char* fileName(Certificate which)
 {
-    static constexpr std::array<const char*, 4> names = {"good", "expired", "wrong-host", "other-ca-good"};
-    return names.at(static_cast<size_t>(which));
-}
-
-void requireMade(bool ok, const char* what)
-{
-    if (!ok) {
-        throw std::runtime_error(std::string("test certificate: ") + what);
-    }
+    constexpr std::array<const char*, 4> NAMES = {"good", "expired", "wrong-host", "other-ca-good"};
+    return NAMES.at(static_cast<size_t>(which));
 }
 
 void addExtension(X509* certificate, X509* issuer, int nid, const char* value)
@@ -50,7 +42,7 @@ void addExtension(X509* certificate, X509* issuer, int nid, const char* value)
     X509V3_set_ctx_nodb(&context);
     X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
     X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, &context, nid, value);
-    requireMade(extension != nullptr && X509_add_ext(certificate, extension, -1) == 1, "extension");
+    require(extension != nullptr && X509_add_ext(certificate, extension, -1) == 1, "extension");
     X509_EXTENSION_free(extension);
 }
 
@@ -68,7 +60,7 @@ Identity makeIdentity(const Subject& subject, const Identity* issuer)
     static long serial = 1;
     Identity made{Key(EVP_EC_gen("P-256")), X509Pointer(X509_new())};
     X509* certificate = made.certificate.get();
-    requireMade(made.key && certificate != nullptr, "key");
+    require(made.key && certificate != nullptr, "key");
     X509_set_version(certificate, X509_VERSION_3);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), serial++);
     X509_gmtime_adj(X509_getm_notBefore(certificate), subject.validFromDays * 86400);
@@ -87,15 +79,14 @@ Identity makeIdentity(const Subject& subject, const Identity* issuer)
     if (subject.alternativeNames) {
         addExtension(certificate, issuerCertificate, NID_subject_alt_name, subject.alternativeNames);
     }
-    requireMade(X509_sign(certificate, (issuer ? issuer->key : made.key).get(), EVP_sha256()) > 0,
-                "signature");
+    require(X509_sign(certificate, (issuer ? issuer->key : made.key).get(), EVP_sha256()) > 0, "signature");
     return made;
 }
 
 std::unique_ptr<FILE, Deleter> openFile(const std::string& path, const char* mode)
 {
     std::unique_ptr<FILE, Deleter> file(fopen(path.c_str(), mode));
-    requireMade(file != nullptr, path.c_str());
+    require(file != nullptr, path);
     return file;
 }
 
@@ -110,13 +101,6 @@ void writeKey(const std::string& path, const Identity& identity)
                          nullptr);
 }
 
-std::string makeFolder()
-{
-    std::string path = (std::filesystem::temp_directory_path() / "tessel-certificates-XXXXXX").string();
-    requireMade(mkdtemp(path.data()) != nullptr, "temporary folder");
-    return path;
-}
-
 } // namespace
 
 const TestCertificates& TestCertificates::instance()
@@ -125,9 +109,9 @@ const TestCertificates& TestCertificates::instance()
     return certificates;
 }
 
-TestCertificates::TestCertificates() : m_folder(makeFolder()), m_owner(getpid())
+TestCertificates::TestCertificates()
 {
-    constexpr const char* here = "IP:127.0.0.1,IP:::1,DNS:localhost";
+    constexpr const char* HERE = "IP:127.0.0.1,IP:::1,DNS:localhost";
     const Identity ca = makeIdentity({"Test authority", nullptr, -30, 30}, nullptr);
     const Identity otherCa = makeIdentity({"Another authority", nullptr, -30, 30}, nullptr);
     writeCertificate(caFile(), ca);
@@ -138,38 +122,30 @@ TestCertificates::TestCertificates() : m_folder(makeFolder()), m_owner(getpid())
         writeCertificate(certificateFile(which), identity);
         writeKey(keyFile(which), identity);
     };
-    make(Certificate::Good, {"array", here, -30, 30}, ca);
-    make(Certificate::Expired, {"array", here, -30, -1}, ca);
+    make(Certificate::Good, {"array", HERE, -30, 30}, ca);
+    make(Certificate::Expired, {"array", HERE, -30, -1}, ca);
     make(Certificate::WrongHost, {"array", "DNS:array.invalid", -30, 30}, ca);
-    make(Certificate::OtherCa, {"array", here, -30, 30}, otherCa);
-}
-
-TestCertificates::~TestCertificates()
-{
-    std::error_code ignored;
-    if (getpid() == m_owner) {
-        std::filesystem::remove_all(m_folder, ignored);
-    }
+    make(Certificate::OtherCa, {"array", HERE, -30, 30}, otherCa);
 }
 
 std::string TestCertificates::certificateFile(Certificate which) const
 {
-    return m_folder + "/" + fileName(which) + ".pem";
+    return m_folder.path() + "/" + fileName(which) + ".pem";
 }
 
 std::string TestCertificates::keyFile(Certificate which) const
 {
-    return m_folder + "/" + fileName(which) + ".key";
+    return m_folder.path() + "/" + fileName(which) + ".key";
 }
 
 std::string TestCertificates::pinnedKey(Certificate which) const
 {
     const X509Pointer certificate(
         PEM_read_X509(openFile(certificateFile(which), "re").get(), nullptr, nullptr, nullptr));
-    requireMade(certificate != nullptr, "certificate file");
+    require(certificate != nullptr, "certificate file");
     unsigned char* der = nullptr;
     const int length = i2d_X509_PUBKEY(X509_get_X509_PUBKEY(certificate.get()), &der);
-    requireMade(length > 0, "public key");
+    require(length > 0, "public key");
     std::array<unsigned char, 32> digest{};
     EVP_Digest(der, static_cast<size_t>(length), digest.data(), nullptr, EVP_sha256(), nullptr);
     OPENSSL_free(der);

@@ -1,5 +1,7 @@
-#ifndef TESSEL_TESTS_TESTCERTIFICATES_H
-#define TESSEL_TESTS_TESTCERTIFICATES_H
+#ifndef SUPPORT_TESTCERTIFICATES_H
+#define SUPPORT_TESTCERTIFICATES_H
+
+#include "Folder.h"
 
 #include <string>
 
@@ -24,9 +26,9 @@ public:
     static const TestCertificates& instance();
 
     /** PEM file with the authority that signed every certificate but OtherCa. */
-    std::string caFile() const { return m_folder + "/ca.pem"; }
+    std::string caFile() const { return m_folder.path() + "/ca.pem"; }
     /** PEM file with the authority of OtherCa. */
-    std::string otherCaFile() const { return m_folder + "/other-ca.pem"; }
+    std::string otherCaFile() const { return m_folder.path() + "/other-ca.pem"; }
     std::string certificateFile(Certificate which) const;
     std::string keyFile(Certificate which) const;
     /** Public key of a certificate as "sha256//<base64>". */
@@ -37,10 +39,8 @@ public:
 
 private:
     TestCertificates();
-    ~TestCertificates();
 
-    std::string m_folder;
-    long m_owner; ///< process that made the folder; a forked child leaves it alone
+    Folder m_folder;
 };
 
 } // namespace tessel_test

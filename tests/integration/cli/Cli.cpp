@@ -4,11 +4,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <poll.h>
 #include <sstream>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -137,27 +134,6 @@ void Cli::pointAt(const tessel_test::ArraySim& array)
     environment["TESSEL_USER"] = array.user();
     environment["TESSEL_PASSWORD"] = array.password();
     environment["OVRA_REST_CA_FILE"] = array.caFile();
-}
-
-Folder::Folder()
-{
-    std::string pattern = (std::filesystem::temp_directory_path() / "tesselctl-XXXXXX").string();
-    m_path = mkdtemp(pattern.data());
-}
-
-Folder::~Folder()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
-std::string Folder::write(const std::string& name, const std::string& content, unsigned mode) const
-{
-    const std::filesystem::path path = m_path + "/" + name;
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path) << content;
-    chmod(path.c_str(), mode);
-    return path.string();
 }
 
 std::string CliTest::make(const Words& words) const

@@ -2,6 +2,7 @@
 #define CLI_CLI_H
 
 #include "support/ArraySim.h"
+#include "support/Folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -51,22 +52,7 @@ private:
     Outcome execute(const char* program, const Words& words) const;
 };
 
-/** A folder of a test's own, which goes with it. */
-class Folder
-{
-public:
-    Folder();
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    const std::string& path() const { return m_path; }
-    /** A file in it; folders on the way are made. */
-    std::string write(const std::string& name, const std::string& content, unsigned mode = 0600) const;
-
-private:
-    std::string m_path;
-};
+using tessel_test::Folder;
 
 /** A test with an array of its own and a tesselctl that knows it. */
 class CliTest : public ::testing::Test

@@ -1,5 +1,5 @@
-#include "../simulator/ArrayClient.h"
 #include "Cli.h"
+#include "support/ArrayClient.h"
 
 #include <algorithm>
 
@@ -127,7 +127,7 @@ TEST_F(CliTest, AFailedLoginTellsWhatToDo)
 
 TEST_F(CliTest, AnAdoptedSessionIsUsedAndLeftOpen)
 {
-    ArrayClient client(array);
+    tessel_test::ArrayClient client(array);
     ASSERT_EQ(client.login().code(), 0);
     const Folder folder;
     cli.environment.erase("TESSEL_PASSWORD");

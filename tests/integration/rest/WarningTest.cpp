@@ -2,7 +2,6 @@
 
 #include <ovra/log/LogAPI.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -15,9 +14,8 @@ class RestWarnings : public RestFixture
 
 TEST_F(RestWarnings, TheOptOutIsLoggedOnceAndSecretsAreNot)
 {
-    std::string folder = (std::filesystem::temp_directory_path() / "tessel-rest-XXXXXX").string();
-    ASSERT_NE(nullptr, mkdtemp(folder.data()));
-    ASSERT_EQ(0, LogInit("rest_tests", "", nullptr, folder.c_str()));
+    const Folder folder;
+    ASSERT_EQ(0, LogInit("rest_tests", "", nullptr, folder.path().c_str()));
     RestSettings settings = trusting();
     settings.insecure = true;
     RestSetSettings(settings);
@@ -31,11 +29,10 @@ TEST_F(RestWarnings, TheOptOutIsLoggedOnceAndSecretsAreNot)
     LogFini("rest_tests");
 
     std::string log;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
         std::ifstream file(entry.path());
         log.append(std::istreambuf_iterator<char>(file), {});
     }
-    std::filesystem::remove_all(folder);
     const size_t warning = log.find(" WARN Ovra-Rest-API servers are not verified");
     EXPECT_NE(std::string::npos, warning);
     EXPECT_EQ(std::string::npos, log.find("Ovra-Rest-API", log.find("Ovra-Rest-API") + 1));

@@ -1,4 +1,4 @@
-#include "ArrayClient.h"
+#include "ArrayTest.h"
 #include "Codes.h"
 
 #include <openssl/ssl.h>

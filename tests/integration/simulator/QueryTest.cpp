@@ -1,4 +1,4 @@
-#include "ArrayClient.h"
+#include "ArrayTest.h"
 #include "Codes.h"
 
 using testing::ElementsAre;

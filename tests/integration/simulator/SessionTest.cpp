@@ -1,4 +1,4 @@
-#include "ArrayClient.h"
+#include "ArrayTest.h"
 #include "Codes.h"
 
 using tessel_test::ArraySim;

@@ -1,5 +1,5 @@
 # For the SDK's tests in the guest: an array whose mapping views are real disks, and the SDK beside it.
-. "$(dirname "${BASH_SOURCE[0]}")/../self/expect.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/guest.sh"
 
 # The libraries in a directory of their own, where their logs can be written.
 sdk_lib=/run/lab/sdk

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Another store behind a LUN that the host already has: the disk answers with the new WWN, while the
 # names in /dev/disk/by-id are the old ones until the disk is removed and found again.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 session_logout 2>/dev/null
 expect "a target" target_create "$lab_target:swap"

@@ -1,6 +1,6 @@
 #!/bin/bash
 # A mapped LUN becomes a disk whose names and whose page 0x83 are made of its WWN and LUN ID.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 expect "the array starts" array_start
 small=$(lun_create small "$(serial_for 7 abc)" 16M)

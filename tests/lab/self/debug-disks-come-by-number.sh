@@ -1,6 +1,6 @@
 #!/bin/bash
 # Disks by number from scsi_debug: their page 0x83 starts with a T10 designator, not with NAA.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 expect "twelve disks are loaded" scsi_debug_load 12
 same "there are twelve" "$(scsi_debug_count)" 12

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Two initiator names of one host have sessions of their own, each with the LUNs of its ACL.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 second=iqn.2020-01.test.lab:second
 expect "a target" target_create "$lab_target:two"

@@ -1,6 +1,6 @@
 #!/bin/bash
 # lsscsi shows a temporary block device for as many listings as asked for, and real disks always.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 expect "no temporary device before" fails grep -q tmp-block <(lsscsi)
 expect "two listings are asked for" tmp_block_show 2

@@ -1,7 +1,7 @@
 #!/bin/bash
 # The stand-in for the Korvex rescan command is found in PATH only while it is installed, counts its
 # runs, finds new LUNs and ends with the status asked for.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 expect "no kxRescan before" fails command -v kxRescan
 expect "the array starts" array_start

@@ -1,7 +1,7 @@
 #!/bin/bash
 # With the copy of the rescan script that comes first in PATH, a rescan of all buses finds what was
 # mapped, removes what was unmapped, and touches no other disk.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 same "the copy comes first" "$(command -v rescan-scsi-bus.sh)" /run/lab/bin/rescan-scsi-bus.sh
 expect "the array starts" array_start

@@ -2,7 +2,7 @@
 # The script as sg3-utils 1.46 ships it takes healthy disks for gone: it looks for "Device_type=" and
 # "PQual=N  Device" where sg_inq prints "PDT=", calls them "LU not available (PQual 3)", and with -r
 # removes them. It runs on the target's own bus alone here, so that the canary stays.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 expect "a target" target_create "$lab_target:stock"
 expect "a portal" portal_add 127.0.0.5:3260

@@ -1,6 +1,6 @@
 #!/bin/bash
 # A LUN seen over two portals is two sd disks under one dm node that carries the WWN names.
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/../support/guest.sh"
 
 expect "a target" target_create "$lab_target:paths"
 expect "a first portal" portal_add 127.0.0.1:3261

@@ -1,17 +1,16 @@
-#ifndef SIMULATOR_ARRAYCLIENT_H
-#define SIMULATOR_ARRAYCLIENT_H
+#ifndef SUPPORT_ARRAYCLIENT_H
+#define SUPPORT_ARRAYCLIENT_H
 
 #include "support/ArraySim.h"
 
 #include <httplib.h>
 #include <json/json.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <map>
 #include <string>
 #include <vector>
+
+namespace tessel_test {
 
 /** What the array answered to one request. */
 struct Reply
@@ -34,7 +33,7 @@ struct Reply
 class ArrayClient
 {
 public:
-    explicit ArrayClient(const tessel_test::ArraySim& array);
+    explicit ArrayClient(const ArraySim& array);
 
     /** Logs in as the array's user and keeps the session for the requests that follow. */
     Reply login();
@@ -59,39 +58,10 @@ public:
     std::string cookie;
 
 private:
-    const tessel_test::ArraySim& m_array;
+    const ArraySim& m_array;
     httplib::SSLClient m_client;
 };
 
-/** A test with an array of its own and a client that is logged in. */
-class ArrayTest : public ::testing::Test
-{
-protected:
-    ArrayTest() : client(array) { EXPECT_EQ(client.login().code(), 0); }
-
-    std::string lun(const std::string& name)
-    {
-        return client.create("/lun", R"({"NAME":")" + name + R"(","PARENTID":"0","CAPACITY":2048})");
-    }
-    std::string named(const std::string& resource, const std::string& name)
-    {
-        return client.create(resource, R"({"NAME":")" + name + R"("})");
-    }
-    std::string host(const std::string& name)
-    {
-        return client.create("/host", R"({"NAME":")" + name + R"(","OPERATIONSYSTEM":0})");
-    }
-    /** A request that associates: POST or PUT with the owner, the member's type and the member. */
-    Reply associate(const std::string& method, const std::string& path, const std::string& owner, int type,
-                    const std::string& member)
-    {
-        return client.request(method, path,
-                              R"({"ID":")" + owner + R"(","ASSOCIATEOBJTYPE":)" + std::to_string(type) +
-                                  R"(,"ASSOCIATEOBJID":")" + member + R"("})");
-    }
-
-    tessel_test::ArraySim array;
-    ArrayClient client;
-};
+} // namespace tessel_test
 
 #endif

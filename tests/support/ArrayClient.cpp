@@ -1,9 +1,11 @@
 #include "ArrayClient.h"
 
+#include <gtest/gtest.h>
+
 #include <csignal>
 #include <sstream>
 
-using tessel_test::ArraySim;
+namespace tessel_test {
 
 std::vector<std::string> Reply::ids() const
 {
@@ -89,3 +91,5 @@ std::string ArrayClient::create(const std::string& path, const std::string& body
     EXPECT_EQ(reply.code(), 0) << reply.text;
     return reply.data()["ID"].asString();
 }
+
+} // namespace tessel_test
