@@ -14,6 +14,26 @@ if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
   set(TESSEL_TOOL_RPATH "$ORIGIN/${libraries_from_tools}")
 endif()
 
+foreach(tool tesselctl tessel-arraysim)
+  if(TARGET ${tool})
+    set_target_properties(${tool} PROPERTIES INSTALL_RPATH "${TESSEL_TOOL_RPATH}")
+    install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  endif()
+endforeach()
+if(TARGET tesselctl)
+  install(FILES cli/man/tesselctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES cli/completion/tesselctl.bash RENAME tesselctl
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+endif()
+if(TARGET tessel-arraysim)
+  install(FILES packaging/man/tessel-arraysim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES docs/simulator.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/ovra-tessel-tools COMPONENT tools)
+endif()
+# Tools of one file need nothing else.
+if(NOT BUILD_SHARED_LIBS)
+  return()
+endif()
+
 set(libraries OvraTesselAPI OvraRestAPI OvraLogAPI)
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "${TESSEL_INSTALL_RPATH}")
 install(TARGETS ${libraries} EXPORT OvraTesselTargets
@@ -44,22 +64,7 @@ string(REGEX REPLACE "/$" "" TESSEL_PREFIX_FROM_PKGCONFIG ${TESSEL_PREFIX_FROM_P
 configure_file(cmake/ovra-tessel.pc.in ${PROJECT_BINARY_DIR}/ovra-tessel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ovra-tessel.pc DESTINATION ${TESSEL_PKGCONFIG_DIR} COMPONENT development)
 
-foreach(tool tesselctl tessel-arraysim)
-  if(TARGET ${tool})
-    set_target_properties(${tool} PROPERTIES INSTALL_RPATH "${TESSEL_TOOL_RPATH}")
-    install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  endif()
-endforeach()
-if(TARGET tesselctl)
-  install(FILES cli/man/tesselctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-  install(FILES cli/completion/tesselctl.bash RENAME tesselctl
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
-endif()
-if(TARGET tessel-arraysim)
-  install(FILES packaging/man/tessel-arraysim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-  install(FILES docs/simulator.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/ovra-tessel-tools COMPONENT tools)
-endif()
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libovra-tessel-dev COMPONENT development
-  FILES_MATCHING PATTERN "*.md" PATTERN "images/*.svg" PATTERN "images/*.png")
-file(GLOB examples ${PROJECT_SOURCE_DIR}/examples/*.cpp)
-install(FILES ${examples} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libovra-tessel-dev/examples COMPONENT development)
+# Beside each other as in the checkout, so that the manual's links lead to the examples.
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libovra-tessel-dev COMPONENT development
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN "*.cpp" PATTERN "*.sh"
+                 PATTERN "quickstart/CMakeLists.txt")

@@ -9,7 +9,6 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL runtime development tools)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
-set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/finish.cmake)
@@ -20,6 +19,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${TESSEL_DEBIAN_REVISION})
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
@@ -30,10 +30,11 @@ set(this_version "= ${PROJECT_VERSION}-${TESSEL_DEBIAN_REVISION}")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libovra-tessel1)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "ca-certificates")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
   ${PROJECT_SOURCE_DIR}/packaging/debian/conffiles ${PROJECT_SOURCE_DIR}/packaging/debian/triggers
-  ${PROJECT_SOURCE_DIR}/packaging/debian/postrm)
+  ${PROJECT_SOURCE_DIR}/packaging/debian/postrm ${PROJECT_SOURCE_DIR}/packaging/debian/symbols)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "client library for the Ovra Tessel storage array
 Manages the LUNs, snapshots, hosts, initiators, mapping views and ports of an
 array over its HTTPS management interface, and makes LUNs and snapshots usable
@@ -57,6 +58,7 @@ need libjsoncpp-dev to be linked.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ovra-tessel-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_TOOLS_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libovra-tessel1 (${this_version})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ca-certificates, lsscsi, sg3-utils, multipath-tools, open-iscsi")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "command line and simulator for the Ovra Tessel storage array

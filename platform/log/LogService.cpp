@@ -15,6 +15,9 @@ constexpr const char* RUN_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %n %v";
 constexpr const char* INTERFACE_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %v";
 constexpr const char* RUN_PREFIX = "Tessel_run_";
 constexpr const char* INTERFACE_PREFIX = "Tessel_interface_";
+// What is asked for by who has not found this library's own file: it is a part of the program itself.
+constexpr const char* NOWHERE = "/logs/";
+constexpr const char* SYSTEM_CONFIGURATION = "/etc/ovra/Tessel_API.ini";
 constexpr std::string_view OWN_NAME = "Ovra-Log-API";
 
 constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAMES = {
@@ -120,13 +123,17 @@ void LogService::interfaceCall(spdlog::level::level_enum level, const InterfaceR
 
 void LogService::open(const std::string& iniFile, const std::string& directory)
 {
-    m_configuration = readConfiguration(iniFile);
-    m_wantedDirectory = m_configuration.directory.empty() ? directory : m_configuration.directory;
+    const bool somewhere = directory != NOWHERE;
+    const std::string configuration = somewhere ? iniFile : SYSTEM_CONFIGURATION;
+    m_configuration = readConfiguration(configuration);
+    m_wantedDirectory = !m_configuration.directory.empty() ? m_configuration.directory
+                        : somewhere                        ? directory
+                                                           : m_userDirectory();
     m_directoryInUse = m_wantedDirectory;
     const Place place = {m_wantedDirectory, m_userDirectory, m_configuration.retentionDays};
     m_logs.reset(new Logs{{RUN_PATTERN, RUN_PREFIX, place}, {INTERFACE_PATTERN, INTERFACE_PREFIX, place}});
     for (const std::string& problem : m_configuration.problems) {
-        warn(std::string(iniFile).append(": ").append(problem));
+        warn(configuration + ": " + problem);
     }
 }
 

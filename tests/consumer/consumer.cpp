@@ -1,4 +1,5 @@
 // A program as users of the installed library write it: C++11, the exported headers alone.
+#include <ovra/rest/RestSettings.h>
 #include <tessel/Tessel.h>
 
 #include <cstring>
@@ -6,6 +7,15 @@
 
 int main()
 {
+    // How arrays are trusted is set through the REST library, which comes with the SDK.
+    RestSettings settings = RestGetSettings();
+    settings.timeoutSeconds = 7;
+    RestSetSettings(settings);
+    if (RestGetSettings().timeoutSeconds != 7) {
+        std::cerr << "the settings are not kept\n";
+        return 1;
+    }
+
     CDeviceManager* manager = CDeviceManager::getInstance(3, 500000);
     CLunHandler* luns = dynamic_cast<CLunHandler*>(manager->getHandler(LUN_HANDLER));
     if (luns == nullptr) {
