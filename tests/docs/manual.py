@@ -8,10 +8,10 @@ FENCE = re.compile(r"^(`{3,})\s*([^`\s]*)\s*$")
 
 
 def pages(root=ROOT):
-    """Paths of the pages: docs/*.md and the README."""
-    docs = os.path.join(root, "docs")
+    """Paths of the pages: docs/*.md and the README, which is not installed with them."""
+    docs, readme = os.path.join(root, "docs"), os.path.join(root, "README.md")
     return [os.path.join(docs, name) for name in sorted(os.listdir(docs)) if name.endswith(".md")] + \
-        [os.path.join(root, "README.md")]
+        [readme] * os.path.exists(readme)
 
 
 class Block:
