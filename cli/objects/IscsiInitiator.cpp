@@ -1,6 +1,8 @@
 #include "objects/Operations.h"
 #include "objects/Tables.h"
 
+#include <algorithm>
+
 namespace tesselctl {
 namespace {
 

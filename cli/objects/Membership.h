@@ -3,6 +3,8 @@
 
 #include "objects/ObjectKind.h"
 
+#include <algorithm>
+
 namespace tesselctl {
 
 /** What one type of member can do with an owner: the option that names it and the SDK's calls. */

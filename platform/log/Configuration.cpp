@@ -2,6 +2,7 @@
 
 #include <ini.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>

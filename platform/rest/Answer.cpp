@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstring>
 #include <memory>
+#include <system_error>
 
 namespace ovra::rest {
 

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <string_view>
 #include <strings.h>
+#include <system_error>
 
 namespace ovra::rest {
 

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <stdexcept>
+#include <system_error>
 
 namespace fs = std::filesystem;
 

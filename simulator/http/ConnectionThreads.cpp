@@ -2,7 +2,7 @@
 
 namespace arraysim {
 
-void ConnectionThreads::enqueue(std::function<void()> serveConnection)
+ConnectionThreads::Taken ConnectionThreads::enqueue(std::function<void()> serveConnection)
 {
     ++m_accepted;
     const std::lock_guard<std::mutex> guard(m_mutex);
@@ -11,6 +11,7 @@ void ConnectionThreads::enqueue(std::function<void()> serveConnection)
         m_threads.emplace_back([this] { work(); });
     }
     m_wake.notify_one();
+    return Taken(true);
 }
 
 void ConnectionThreads::shutdown()

@@ -18,7 +18,9 @@ public:
     /** accepted counts the connections. */
     explicit ConnectionThreads(std::atomic<unsigned long>& accepted) : m_accepted(accepted) {}
 
-    void enqueue(std::function<void()> serveConnection) override;
+    /** Newer releases of the HTTP library want to know whether the connection is taken. */
+    using Taken = decltype(std::declval<httplib::TaskQueue&>().enqueue({}));
+    Taken enqueue(std::function<void()> serveConnection) override;
     void shutdown() override;
 
 private:

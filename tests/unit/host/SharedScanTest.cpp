@@ -2,6 +2,7 @@
 
 #include <tessel/Exception.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <thread>

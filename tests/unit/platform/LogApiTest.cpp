@@ -2,6 +2,7 @@
 
 #include <ovra/log/LogAPI.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <sys/wait.h>
