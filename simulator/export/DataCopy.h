@@ -2,6 +2,7 @@
 #define SIMULATOR_EXPORT_DATACOPY_H
 
 #include <filesystem>
+#include <system_error>
 
 namespace arraysim {
 

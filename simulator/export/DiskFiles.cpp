@@ -2,6 +2,8 @@
 
 #include "export/DataCopy.h"
 
+#include <system_error>
+
 namespace fs = std::filesystem;
 
 namespace arraysim {

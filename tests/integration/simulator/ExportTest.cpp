@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <future>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 using namespace arraysim;

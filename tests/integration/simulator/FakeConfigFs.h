@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <system_error>
 #include <vector>
 
 /**

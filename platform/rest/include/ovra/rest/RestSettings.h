@@ -2,8 +2,8 @@
 #define OVRA_REST_RESTSETTINGS_H
 
 /** @file
- * How servers are trusted and how long they are waited for. What a program links for the SDK (the CMake target
- * Ovra::TesselAPI, pkg-config's ovra-tessel) brings the library that holds these functions. */
+ * How servers are trusted and how long they are waited for. What a program links for the SDK (the CMake
+ * target Ovra::TesselAPI, pkg-config's ovra-tessel) brings the library that holds these functions. */
 
 #include <string>
 
