@@ -1,5 +1,6 @@
 #include "ScannerTest.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 
