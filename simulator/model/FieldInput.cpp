@@ -5,6 +5,8 @@
 
 #include <ovra/text/Utf8.h>
 
+#include <algorithm>
+
 namespace arraysim {
 namespace {
 
