@@ -12,38 +12,38 @@
 namespace arraysim {
 namespace {
 
-void must(bool succeeded, const std::filesystem::path& file)
+void require(bool succeeded, const std::filesystem::path& file)
 {
     if (!succeeded) {
         throw std::system_error(errno, std::generic_category(), file.string());
     }
 }
 
-class File
+class OpenFile
 {
 public:
-    File(const std::filesystem::path& name, int flags)
+    OpenFile(const std::filesystem::path& name, int flags)
         : m_name(name), m_descriptor(::open(name.c_str(), flags, 0600))
     {
-        must(m_descriptor >= 0, name);
+        require(m_descriptor >= 0, name);
     }
-    ~File() { ::close(m_descriptor); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
+    ~OpenFile() { ::close(m_descriptor); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
 
     int descriptor() const { return m_descriptor; }
     const std::filesystem::path& name() const { return m_name; }
     off_t size() const
     {
         struct stat status;
-        must(::fstat(m_descriptor, &status) == 0, m_name);
+        require(::fstat(m_descriptor, &status) == 0, m_name);
         return status.st_size;
     }
     /** From where on there is data, or a hole; the size where there is none any more. */
     off_t seek(off_t from, int whence) const
     {
         const off_t found = ::lseek(m_descriptor, from, whence);
-        must(found >= 0 || errno == ENXIO, m_name);
+        require(found >= 0 || errno == ENXIO, m_name);
         return found < 0 ? size() : found;
     }
 
@@ -52,26 +52,26 @@ private:
     const int m_descriptor;
 };
 
-void copyRange(const File& from, const File& to, off_t at, off_t end)
+void copyRange(const OpenFile& from, const OpenFile& to, off_t at, off_t end)
 {
     while (at < end) {
         off_t target = at;
         const ssize_t copied = ::copy_file_range(from.descriptor(), &at, to.descriptor(), &target,
                                                  static_cast<std::size_t>(end - at), 0);
-        must(copied >= 0 || errno == EINTR, to.name());
+        require(copied >= 0 || errno == EINTR, to.name());
         if (copied == 0) {
             return; // the file has become shorter
         }
     }
 }
 
-void copyContents(const File& from, const File& to)
+void copyContents(const OpenFile& from, const OpenFile& to)
 {
     if (::ioctl(to.descriptor(), FICLONE, from.descriptor()) == 0) {
         return;
     }
     const off_t size = from.size();
-    must(::ftruncate(to.descriptor(), size) == 0, to.name());
+    require(::ftruncate(to.descriptor(), size) == 0, to.name());
     for (off_t data = from.seek(0, SEEK_DATA); data < size;) {
         const off_t hole = from.seek(data, SEEK_HOLE);
         copyRange(from, to, data, hole);
@@ -83,8 +83,8 @@ void copyContents(const File& from, const File& to)
 
 void copyData(const std::filesystem::path& from, const std::filesystem::path& to)
 {
-    const File source(from, O_RDONLY | O_CLOEXEC);
-    const File target(to, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
+    const OpenFile source(from, O_RDONLY | O_CLOEXEC);
+    const OpenFile target(to, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
     try {
         copyContents(source, target);
     } catch (...) {
@@ -95,8 +95,8 @@ void copyData(const std::filesystem::path& from, const std::filesystem::path& to
 
 void makeSparse(const std::filesystem::path& file, std::uintmax_t size)
 {
-    const File made(file, O_WRONLY | O_CREAT | O_CLOEXEC);
-    must(::ftruncate(made.descriptor(), static_cast<off_t>(size)) == 0, file);
+    const OpenFile made(file, O_WRONLY | O_CREAT | O_CLOEXEC);
+    require(::ftruncate(made.descriptor(), static_cast<off_t>(size)) == 0, file);
 }
 
 } // namespace arraysim

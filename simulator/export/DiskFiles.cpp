@@ -1,5 +1,6 @@
 #include "export/DiskFiles.h"
 
+#include "base/Text.h"
 #include "export/DataCopy.h"
 
 #include <system_error>
@@ -13,13 +14,26 @@ std::string diskName(const ObjectKey& lunOrSnapshot)
     return (lunOrSnapshot.first == Type::LUN ? "lun_" : "snapshot_") + lunOrSnapshot.second;
 }
 
+namespace {
+
+/** Whether a file is of those that stand for a disk, or for one that comes or goes. */
+bool isOurs(const std::string& name)
+{
+    const std::string kind = name.substr(0, name.find('_') + 1);
+    const std::string number = name.substr(kind.size());
+    return (kind == "lun_" || kind == "snapshot_" || kind == "copy_" || kind == "gone_") && decimal(number);
+}
+
+} // namespace
+
 DiskFiles::DiskFiles(Path directory, const std::function<bool(const std::string& diskName)>& isKnown)
     : m_directory(std::move(directory))
 {
     fs::create_directories(m_directory);
     std::vector<Path> stale;
     for (const auto& entry : fs::directory_iterator(m_directory)) {
-        if (!isKnown(entry.path().filename())) {
+        const std::string name = entry.path().filename();
+        if (entry.is_regular_file() && isOurs(name) && !isKnown(name)) {
             stale.push_back(entry.path());
         }
     }

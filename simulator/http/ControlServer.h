@@ -27,6 +27,7 @@ public:
     void stop();
 
 private:
+    void routeFacts();
     void routeFaults();
     void routeWatch();
     void routeObjects();

@@ -162,11 +162,12 @@ bool Sessions::isTold(const std::string& text)
     try {
         decoded = percentDecode(text, true);
     } catch (const ArrayError&) {
-        decoded = text;
+        // It holds no escapes that anybody could read.
     }
     const auto tells = [&](const std::string& secret) {
         return secret.size() >= SHORTEST_SECRET &&
-               (text.find(secret) != std::string::npos || decoded.find(secret) != std::string::npos);
+               (text.find(secret) != std::string::npos ||
+                (decoded != text && decoded.find(secret) != std::string::npos));
     };
     const std::lock_guard<std::mutex> guard(m_mutex);
     return tells(m_settings.password) ||

@@ -225,11 +225,17 @@ TEST_F(SimulatorExport, ARestartKeepsWhatIsWantedAndTakesTheRest)
     // As if the array had died between its own change and the kernel's.
     fs::remove(root / "state" / "disks" / "lun_2");
     std::ofstream(root / "state" / "disks" / "lun_77") << "of a LUN that is gone";
+    std::ofstream(root / "state" / "disks" / "copy_3") << "half of a copy";
+    std::ofstream(root / "state" / "disks" / "notes") << "of somebody else";
+    fs::create_directories(root / "state" / "disks" / "lost+found" / "x");
     {
         FakeConfigFs again(root / "config", IQN);
         Shown array(again, root / "state");
         EXPECT_TRUE(fs::exists(again.store(kept) / "touched")) << "an initiator's disk does not go away";
         EXPECT_FALSE(fs::exists(array.file("lun_77")));
+        EXPECT_FALSE(fs::exists(array.file("copy_3")));
+        EXPECT_TRUE(fs::exists(array.file("notes")));
+        EXPECT_TRUE(fs::exists(array.file("lost+found")));
         array.unlink(Type::LUN_GROUP, "1", Type::LUN, "1");
         EXPECT_THAT(again.seenBy(HOST_A), ElementsAre(array.storeOf("lun_2")));
     }
