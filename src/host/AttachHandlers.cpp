@@ -3,11 +3,16 @@
 #include "session/DeviceManagerImpl.h"
 #include "session/Operation.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace ovra::tessel {
 
 namespace {
 
-const std::map<HANDLERTYPE, const char*> MISSING = {
+// No map, which would be destroyed while threads still attach when the process ends.
+constexpr std::pair<HANDLERTYPE, const char*> MISSING[] = {
     {LUN_HANDLER, "get LunHandler fail! "},
     {LUNGROUP_HANDLER, "get LunGroupHandler fail! "},
     {HOST_HANDLER, "get HostHandler fail! "},
@@ -22,7 +27,9 @@ const std::map<HANDLERTYPE, const char*> MISSING = {
 void AttachHandlers::fetch(Operation& op, CDeviceManagerImpl& deviceManager, HANDLERTYPE type)
 {
     CHandler* const handler = deviceManager.getHandler(type);
-    op.require(handler != nullptr, MISSING.at(type));
+    const auto* const missing = std::find_if(std::begin(MISSING), std::end(MISSING),
+                                             [type](const auto& text) { return text.first == type; });
+    op.require(handler != nullptr, missing->second);
     m_handlers[type] = handler;
 }
 

@@ -6,8 +6,9 @@
 #include <sys/wait.h>
 
 std::atomic<bool> g_korvexInstalled{false};
-std::string g_kxRescanTimeout = "1800";
-std::string g_tmpBlockCheckCmd = "lsscsi | grep tmp-block";
+// Never destroyed: a thread may still scan when the process ends, and runs what they say.
+std::string& g_kxRescanTimeout = *new std::string("1800");
+std::string& g_tmpBlockCheckCmd = *new std::string("lsscsi | grep tmp-block");
 
 namespace ovra::tessel {
 

@@ -2,7 +2,7 @@
 
 std::atomic<int> g_scanState{KX_RESCAN_NEVER};
 std::mutex g_scanLunMutex;
-std::condition_variable g_scanlunEndCond;
+std::condition_variable& g_scanlunEndCond = *new std::condition_variable;
 
 void SetScanState(KxRescanState state)
 {

@@ -1,7 +1,6 @@
 #include "session/Url.h"
 
 #include <cstring>
-#include <regex>
 
 namespace ovra::tessel {
 
@@ -22,8 +21,16 @@ std::string urlValue(const std::string& text)
 
 bool addsCondition(const std::string& value)
 {
-    static const std::regex CONDITION(" and +[A-Za-z_][A-Za-z0-9_]*:");
-    return std::regex_search(value, CONDITION);
+    constexpr const char* NAME = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_0123456789";
+    for (size_t at = value.find(" and "); at != std::string::npos; at = value.find(" and ", at + 1)) {
+        const size_t name = value.find_first_not_of(' ', at + 4);
+        const size_t end = value.find_first_not_of(NAME, name);
+        if (end != std::string::npos && end != name && value[end] == ':' &&
+            (value[name] < '0' || value[name] > '9')) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::string associatedWith(unsigned long otherType, const std::string& otherId)
