@@ -7,7 +7,10 @@ set(CPACK_PACKAGE_CONTACT "Ovra Tessel maintainers <maintainers@example.invalid>
 # Each package has a summary of its own in the first line of its description.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL runtime development tools)
+set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET tesselctl AND TARGET tessel-arraysim)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

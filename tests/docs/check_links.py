@@ -67,8 +67,9 @@ def main(root):
             problem = problem_of(link, page, root)
             if problem:
                 problems.append(f"{os.path.relpath(page, root)}:{number}: {problem}")
+    entry = os.path.join(root, "docs", "index.md") if not os.path.exists(os.path.join(root, "README.md")) else None
     for page in pages(root):
-        if page not in reached and os.path.dirname(page) != root:
+        if page not in reached and os.path.dirname(page) != root and page != entry:
             problems.append(f"{os.path.relpath(page, root)}: no link leads to this page")
     print("\n".join(problems) if problems else f"{checked} links hold")
     return 1 if problems or checked == 0 else 0
