@@ -79,16 +79,21 @@ Simulator::Simulator(const Options& options)
       m_array(m_world, m_sessions),
       m_server(m_array, m_sessions, m_faults, m_journal,
                {m_files.certificate, m_files.key, options.connectionLimit, options.answerMs}),
-      m_port(m_server.start(options.listen, options.port)),
-      m_facts{"https://" + endpoint(reachable(options.listen), m_port), m_files.ca,
-              pinnedKey(m_files.certificate), options.user},
+      m_port(start()), m_facts{"https://" + endpoint(reachable(options.listen), m_port), m_files.ca,
+                               pinnedKey(m_files.certificate), options.user},
       m_control(m_world, m_array, m_sessions, m_faults, m_journal, m_server, m_facts),
       m_controlPort(options.controlPort < 0 ? -1 : m_control.start(options.controlPort))
 {
-    m_world.settling = options.settling;
-    if (options.busyShare > 0) {
-        m_faults.add(busyFault(options));
+}
+
+/** What the options ask of the array is in force before the first client can come. */
+int Simulator::start()
+{
+    m_world.settling = m_options.settling;
+    if (m_options.busyShare > 0) {
+        m_faults.add(busyFault(m_options));
     }
+    return m_server.start(m_options.listen, m_options.port);
 }
 
 Simulator::~Simulator()

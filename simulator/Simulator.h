@@ -39,6 +39,7 @@ public:
     Command::Environment environment() const;
 
 private:
+    int start();
     std::string controlUrl() const;
 
     const Options m_options;
