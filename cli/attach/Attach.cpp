@@ -57,7 +57,13 @@ void attach(Context& context, const Attachable& object)
                        (wasVisible ? " was visible to host " : " is now visible to host ") + host +
                        (wasVisible ? " already" : "") + "\n";
     if (context.has("--scan")) {
-        scanFor(context, object, id, result);
+        try {
+            scanFor(context, object, id, result);
+        } catch (const Failure& failure) {
+            throw Failure("the attach was made (" + text.substr(0, text.size() - 1) +
+                              "), but not the scan: " + failure.what(),
+                          failure.code());
+        }
         text += deviceSentence(result);
     }
     context.printer().result(text, result);

@@ -8,6 +8,7 @@
 #include "text/Words.h"
 
 #include <cstdlib>
+#include <optional>
 
 namespace tesselctl {
 namespace {
@@ -29,6 +30,21 @@ void refuseInUse(const std::string& wwn)
     if (!uses.empty()) {
         throw Failure("the devices are in use: " + joined(uses, "; ") +
                       "; release them first, or remove them all the same with --force");
+    }
+}
+
+/** What the tools print meanwhile is told afterwards. Throws Failure when Ctrl-C has ended one of them. */
+template <class Work>
+void runScanner(Context& context, const std::string& what, Work work)
+{
+    auto& scanner = context.handler<CDiskScannerHandler>();
+    std::optional<Progress> progress(what); // on the standard error that the tools do not get
+    ToolOutput aside;
+    work(scanner);
+    progress.reset();
+    aside.tell(context.printer());
+    if (ovra::tessel::lastScanSignal() != 0) {
+        throw Failure(what + " was interrupted", ExitCode::INTERRUPTED);
     }
 }
 
@@ -68,11 +84,8 @@ void scanFor(Context& context, const Attachable& object, const std::string& id, 
     }
     std::string wanted = id;
     std::string path;
-    {
-        const Progress progress("rescanning the SCSI buses for " + object.called(id));
-        const ToolOutput aside;
-        path = (context.handler<CDiskScannerHandler>().*object.scan)(wanted);
-    }
+    runScanner(context, "rescanning the SCSI buses for " + object.called(id),
+               [&](CDiskScannerHandler& scanner) { path = (scanner.*object.scan)(wanted); });
     if (path.empty()) {
         throw Failure("no disk of this host carries " + object.called(id) +
                       "; see whether the host may see it ('tesselctl explain " + object.word + " " + id +
@@ -104,11 +117,9 @@ void removeDevicesOf(Context& context, const Attachable& object, const std::stri
     if (!context.has("--force")) {
         refuseInUse(wwn);
     }
-    {
-        const Progress progress("removing " + joined(disks) + " of " + object.called(id));
-        std::string wanted = id;
-        (context.handler<CDiskScannerHandler>().*object.removeDevices)(wanted);
-    }
+    std::string wanted = id;
+    runScanner(context, "removing " + joined(disks) + " of " + object.called(id),
+               [&](CDiskScannerHandler& scanner) { (scanner.*object.removeDevices)(wanted); });
     const auto left = disksWithWwn(wwn);
     if (!left.empty()) {
         throw Failure("still on this host after the removal: " + joined(left) + "; see the run log in " +

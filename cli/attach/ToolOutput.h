@@ -1,36 +1,31 @@
 #ifndef ATTACH_TOOLOUTPUT_H
 #define ATTACH_TOOLOUTPUT_H
 
-#include <fcntl.h>
-#include <unistd.h>
+#include "output/Printer.h"
 
 namespace tesselctl {
 
 /**
- * While it lives, standard output is standard error: what the host's tools print during a scan, the listing
- * of temporary devices for one, is no part of the answer.
+ * While it lives, standard output and error are kept aside: what the host's tools print during a scan is no
+ * part of the answer, nor of the line that shows progress.
  */
 class ToolOutput
 {
 public:
-    ToolOutput() : m_answer(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0))
-    {
-        if (m_answer >= 0) {
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-        }
-    }
-    ~ToolOutput()
-    {
-        if (m_answer >= 0) {
-            dup2(m_answer, STDOUT_FILENO);
-            close(m_answer);
-        }
-    }
+    ToolOutput();
+    ~ToolOutput() { restore(); }
     ToolOutput(const ToolOutput&) = delete;
     ToolOutput& operator=(const ToolOutput&) = delete;
 
+    /** Ends it, and prints the lines that were kept as notes. */
+    void tell(const Printer& printer);
+
 private:
-    int m_answer;
+    void restore();
+
+    int m_kept;
+    int m_output;
+    int m_error;
 };
 
 } // namespace tesselctl

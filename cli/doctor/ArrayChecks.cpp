@@ -5,6 +5,8 @@
 #include "session/Reach.h"
 #include "session/Secret.h"
 
+#include <ovra/log/LogAPI.h>
+
 #include <openssl/bio.h>
 #include <openssl/pem.h>
 
@@ -30,17 +32,15 @@ bool holdsCertificate(const std::string& file)
 
 Findings checkLogs(Context&)
 {
-    const std::string directory = logDirectory();
-    const std::string parent = directory.substr(0, directory.rfind('/'));
-    const bool isThere = exists(directory);
-    if (access((isThere ? directory : parent).c_str(), W_OK) == 0) {
-        return {{Verdict::ok, "log directory", directory + (isThere ? "" : " (made with the first log line)"),
-                 ""}};
+    // Logging starts with a device manager, and finds its directory then.
+    const std::unique_ptr<CDeviceManager, decltype(&CDeviceManager::releaseInstance)> manager(
+        CDeviceManager::getInstance(0, 0), CDeviceManager::releaseInstance);
+    const std::string directory = Log_Directory();
+    if (directory.empty()) {
+        return {{Verdict::warning, "log directory", "none can be written",
+                 "name one in Tessel_API.ini beside the log library"}};
     }
-    return {{Verdict::warning, "log directory", directory + ": " + std::strerror(errno),
-             "logs go to $XDG_STATE_HOME/ovra/logs (~/.local/state/ovra/logs) instead; name another "
-             "directory in " +
-                 parent + "/Tessel_API.ini"}};
+    return {{Verdict::ok, "log directory", directory, ""}};
 }
 
 Findings checkTrust(Context&)

@@ -124,13 +124,19 @@ Probe probe(const ArrayAddress& address, const std::string& caFile, long timeout
     const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_client_method()),
                                                                     SSL_CTX_free);
     SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION);
+    std::string caProblem;
     if (caFile.empty()) {
         SSL_CTX_set_default_verify_paths(context.get());
     } else if (SSL_CTX_load_verify_locations(context.get(), caFile.c_str(), nullptr) != 1) {
-        result.reason = "the CA file " + caFile + " holds no certificates";
-        return result;
+        caProblem = "the CA file " + caFile +
+                    (access(caFile.c_str(), R_OK) == 0 ? std::string(" holds no certificates")
+                                                       : std::string(": ") + std::strerror(errno));
     }
     shakeHands(result, *context, descriptor, address);
+    if (!caProblem.empty()) {
+        result.verified = false;
+        result.trustProblem = caProblem;
+    }
     return result;
 }
 

@@ -1,12 +1,13 @@
 #include "session/Reach.h"
 
 #include "network/Probe.h"
+
 #include "session/Secret.h"
 #include "text/Numbers.h"
+#include <ovra/log/LogAPI.h>
 
 #include <climits>
 #include <cstdlib>
-#include <link.h>
 
 namespace tesselctl {
 namespace {
@@ -44,19 +45,6 @@ std::string trustProblem(const Probe& found)
     return pinSuffices ? "" : found.trustProblem;
 }
 
-int findLogLibrary(dl_phdr_info* info, size_t, void* directory)
-{
-    const std::string path = info->dlpi_name;
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos || path.compare(slash + 1, 14, "libOvraLogAPI.") != 0) {
-        return 0;
-    }
-    char* whole = realpath(path.substr(0, slash).c_str(), nullptr);
-    *static_cast<std::string*>(directory) = whole == nullptr ? path.substr(0, slash) : whole;
-    std::free(whole);
-    return 1;
-}
-
 } // namespace
 
 Reach tryReach(const ArrayAddress& address)
@@ -76,9 +64,8 @@ Reach tryReach(const ArrayAddress& address)
 
 std::string logDirectory()
 {
-    std::string directory;
-    dl_iterate_phdr(findLogLibrary, &directory);
-    return directory + "/logs";
+    const std::string directory = Log_Directory();
+    return directory.empty() ? "(none: no directory for it can be written)" : directory;
 }
 
 } // namespace tesselctl

@@ -20,7 +20,7 @@ struct Reach
  */
 Reach tryReach(const ArrayAddress& address);
 
-/** The directory of the SDK's run log: "logs" beside the log library. */
+/** The directory that the SDK's run log is really written to; known once there is a session. */
 std::string logDirectory();
 
 } // namespace tesselctl

@@ -150,7 +150,7 @@ Outcome CliTest::expect(int exitCode, const Words& words) const
     return outcome;
 }
 
-MappingTest::MappingTest()
+MappingTest::MappingTest(tessel_test::ArraySimOptions options) : CliTest(std::move(options))
 {
     lun = make({"lun", "create", "--name", "db01", "--pool", "0", "--size", "1MiB"});
     host = make({"host", "create", "--name", "web1", "--os", "0"});

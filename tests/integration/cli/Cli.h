@@ -58,7 +58,10 @@ using tessel_test::Folder;
 class CliTest : public ::testing::Test
 {
 protected:
-    CliTest() { cli.pointAt(array); }
+    explicit CliTest(tessel_test::ArraySimOptions options = {}) : array(std::move(options))
+    {
+        cli.pointAt(array);
+    }
 
     /** Runs, expects success and returns the "ID" of the record that was made. */
     std::string make(const Words& words) const;
@@ -73,7 +76,7 @@ protected:
 class MappingTest : public CliTest
 {
 protected:
-    MappingTest();
+    explicit MappingTest(tessel_test::ArraySimOptions options = {});
     /** Binds everything, so that the host sees the LUN. */
     void bindAll() const;
 

@@ -2,6 +2,7 @@
 #include "support/ArrayClient.h"
 
 #include <algorithm>
+#include <filesystem>
 
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -52,6 +53,54 @@ TEST_F(CliTest, AnOutputThatTakesNothingIsAFailure)
     }
     EXPECT_EQ(cli.shell("tesselctl ping 2>&-").exitCode, 0);
     EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
+}
+
+TEST_F(CliTest, AMissingCaFileIsToldAsThat)
+{
+    cli.environment["OVRA_REST_CA_FILE"] = "/nowhere.pem";
+    const Outcome outcome = expect(1, {"ping"});
+    EXPECT_THAT(outcome.err, HasSubstr("the CA file /nowhere.pem: No such file"));
+    EXPECT_THAT(outcome.err, Not(HasSubstr("does not speak")));
+}
+
+TEST_F(CliTest, MessagesNameTheLogDirectoryThatIsReallyInUse)
+{
+    const Folder folder;
+    const std::string library = "libOvraLogAPI.so.1";
+    std::filesystem::copy_file(std::string(TESSEL_LIBRARIES) + "/" + library, folder.path() + "/" + library);
+    const std::string used = folder.path() + "/elsewhere";
+    folder.write("Tessel_API.ini", "[files]\ndirectory = " + used + "\n", 0644);
+    cli.environment["LD_LIBRARY_PATH"] = folder.path();
+    cli.environment["TESSEL_PASSWORD"] = "wrong";
+    EXPECT_THAT(expect(1, {"ping"}).err, HasSubstr("run log, " + used));
+    EXPECT_THAT(cli.run({"doctor"}).out, HasSubstr("log directory: " + used + "\n"));
+}
+
+class OtherCodes : public MappingTest
+{
+protected:
+    OtherCodes() : MappingTest({{"--shift-codes", "5000"}}) {}
+};
+
+TEST_F(OtherCodes, OfAnArrayDecideNothing)
+{
+    for (const Words& words :
+         {Words{"lun", "show", "99"}, Words{"lungroup", "delete", "99"},
+          Words{"initiator", "iscsi", "show", "iqn.no-such"}, Words{"lun", "list", "--host", "99"},
+          Words{"attach", "lun", "99", "--initiator", iqn}}) {
+        expect(4, words);
+    }
+    array.addErrorFault("GET", "/lun/" + lun, 1077955001);
+    expect(4, {"lun", "show", lun});
+    array.addErrorFault("GET", "/lun/" + lun, 1077950001);
+    EXPECT_THAT(expect(3, {"lun", "show", lun}).err, Not(HasSubstr("log in again")));
+    ArrayClient client(array);
+    ASSERT_EQ(client.login().code(), 0);
+    cli.environment["TESSEL_TOKEN"] = client.token;
+    cli.environment["TESSEL_COOKIE"] = client.cookie;
+    array.dropSessions();
+    EXPECT_THAT(expect(3, {"lun", "show", lun, "--device-id", client.deviceId}).err,
+                HasSubstr("log in again"));
 }
 
 TEST_F(CliTest, OptionsOverrideTheEnvironmentAndAPasswordFileThePassword)

@@ -1,5 +1,6 @@
 #include "HostFixture.h"
 
+#include <sstream>
 #include <sys/mount.h>
 
 using ::testing::HasSubstr;
@@ -145,6 +146,21 @@ TEST_F(HostTest, AScanThatFindsNoDiskIsAFailureThatTellsWhereToLook)
     expect(4, {"scan", "snapshot", "99"});
 }
 
+TEST_F(HostTest, CtrlCInAScanEndsItWithCode130AndTellsThatTheAttachWasMade)
+{
+    stub("rescan-scsi-bus.sh", "kill -INT $$");
+    const Outcome attached = cli.json({"attach", "lun", lun, "--scan"});
+    EXPECT_EQ(attached.exitCode, 130) << attached;
+    EXPECT_THAT(attached.errorJson()["error"]["message"].asString(),
+                HasSubstr("the attach was made (LUN " + lun));
+    const Outcome scanned = expect(130, {"scan", "lun", lun});
+    EXPECT_THAT(scanned.err, HasSubstr("was interrupted"));
+    EXPECT_EQ(scanned.err.find("no disk of this host"), std::string::npos);
+    stub("rescan-scsi-bus.sh", "echo found >&2");
+    EXPECT_THAT(expect(1, {"attach", "lun", lun, "--scan"}).err,
+                HasSubstr("already), but not the scan: no disk of this host carries"));
+}
+
 TEST_F(HostTest, WhatTheHostsToolsPrintDuringAScanIsNoPartOfTheAnswer)
 {
     const std::string listed = folder.path() + "/listed";
@@ -152,6 +168,11 @@ TEST_F(HostTest, WhatTheHostsToolsPrintDuringAScanIsNoPartOfTheAnswer)
     const Outcome outcome = expect(1, {"scan", "lun", lun});
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, HasSubstr("tmp-block\n"));
+    std::filesystem::remove(listed);
+    std::istringstream lines(cli.json({"scan", "lun", lun}).err);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_EQ(line.front(), '{') << "every line of standard error is JSON";
+    }
 }
 
 } // namespace
