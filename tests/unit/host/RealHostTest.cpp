@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <functional>
 #include <sys/sem.h>
 #include <sys/time.h>
@@ -14,7 +15,19 @@
 
 using namespace ovra::tessel;
 
-TEST(RealShell, ThatIsEndedFromTheKeyboardInterruptsTheScan)
+class RealShell : public testing::Test
+{
+protected:
+    RealShell()
+    {
+        setenv("PATH", "/usr/bin:/bin", 1);
+        for (const int signal : {SIGINT, SIGQUIT}) {
+            std::signal(signal, SIG_DFL); // a test in the background ignores them, and hands that on
+        }
+    }
+};
+
+TEST_F(RealShell, ThatIsEndedFromTheKeyboardInterruptsTheScan)
 {
     for (const char* const command :
          {"kill -INT $$", "kill -QUIT $$", "sh -c 'kill -INT $$'; exit $?", "echo | sh -c 'kill -INT $$'"}) {
@@ -26,7 +39,7 @@ TEST(RealShell, ThatIsEndedFromTheKeyboardInterruptsTheScan)
     EXPECT_EQ(WTERMSIG(runCommand("kill -TERM $$")), SIGTERM);
 }
 
-TEST(RealShell, IsReadToTheEndWhileSignalsArrive)
+TEST_F(RealShell, IsReadToTheEndWhileSignalsArrive)
 {
     struct sigaction action = {}, before = {};
     action.sa_handler = [](int) {}; // without SA_RESTART: reading is interrupted
