@@ -25,10 +25,10 @@ void visit(const Node& found, const std::string& root, std::vector<Node>& nodes)
     node.mapped = valueOf(node.folder + "/dm/name");
     nodes.push_back(node);
     for (const std::string& holder : namesIn(node.folder + "/holders")) {
-        visit({holder, root + BLOCK + holder, "", "", node.name}, root, nodes);
+        visit({holder, std::string(root).append(BLOCK).append(holder), "", "", node.name}, root, nodes);
     }
     for (const std::string& name : namesIn(node.folder)) {
-        const std::string folder = node.folder + "/" + name;
+        const std::string folder = std::string(node.folder).append("/").append(name);
         if (access((folder + "/partition").c_str(), F_OK) == 0) {
             visit({name, folder, "", "", ""}, root, nodes);
         }
@@ -93,7 +93,7 @@ std::vector<std::string> disksWithWwn(const std::string& wwn, const std::string&
 {
     std::vector<std::string> disks;
     for (const std::string& name : namesIn(wwn.empty() ? std::string() : root + BLOCK)) {
-        const std::string folder = root + BLOCK + name + "/device";
+        const std::string folder = std::string(root).append(BLOCK).append(name).append("/device");
         std::vector<std::string> identities = unitDesignators(contentOf(folder + "/vpd_pg83"));
         identities.push_back(kernelIdentity(folder));
         if (std::any_of(identities.begin(), identities.end(),

@@ -70,7 +70,7 @@ std::vector<std::string> unitDesignators(const std::string& page)
     if (byteAt(page, 1) != DEVICE_IDENTIFICATION) {
         return designators;
     }
-    const size_t end = std::min(page.size(), HEADER + byteAt(page, 2) * 256U + byteAt(page, LENGTH));
+    const size_t end = std::min(page.size(), HEADER + (size_t{byteAt(page, 2)} << 8U) + byteAt(page, LENGTH));
     for (size_t at = HEADER; at + HEADER <= end;) {
         const size_t length = byteAt(page, at + LENGTH);
         const size_t next = at + HEADER + length;

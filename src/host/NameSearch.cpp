@@ -36,7 +36,7 @@ void rescanDevice(const std::string& path)
 
 std::optional<disk::ByIdLink> parseLink(const std::string& line)
 {
-    const std::optional<disk::ByIdLink> link = disk::ByIdLink::parse(line);
+    std::optional<disk::ByIdLink> link = disk::ByIdLink::parse(line);
     if (!link && disk::ByIdLink::isLink(line)) {
         COMMLOG(OS_LOG_WARN, "a link to a device of an unusual name is not looked at [%s]",
                 line.substr(0, TOLD).c_str());

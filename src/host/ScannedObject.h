@@ -47,12 +47,12 @@ template <class Object>
 auto readScanned(Operation& op, CDeviceManagerImpl* deviceManager, const std::string& id)
     -> std::optional<decltype(Object::read(std::declval<CHandler&>(), id))>
 {
-    if (op.closeUnless(!id.empty(), Object::ID_EMPTY) ||
-        op.closeUnless(deviceManager != nullptr, texts::NO_DEVICE_MANAGER)) {
+    if (op.closeUnless(!id.empty(), Object::ID_EMPTY)) {
         return std::nullopt;
     }
-    CHandler* const handler = deviceManager->getHandler(Object::HANDLER);
-    if (op.closeUnless(handler != nullptr, Object::NO_HANDLER)) {
+    CHandler* const handler = deviceManager == nullptr ? nullptr : deviceManager->getHandler(Object::HANDLER);
+    if (handler == nullptr) {
+        op.closeUnless(false, deviceManager == nullptr ? texts::NO_DEVICE_MANAGER : Object::NO_HANDLER);
         return std::nullopt;
     }
     return Object::read(*handler, id);
