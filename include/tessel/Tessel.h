@@ -22,6 +22,7 @@
 #include <tessel/LunGroup.h>
 #include <tessel/MappingView.h>
 #include <tessel/Snapshot.h>
+#include <tessel/Tidy.h>
 #include <tessel/Version.h>
 
 #endif

@@ -26,7 +26,7 @@ Record firstNamed(const std::vector<Record>& records, const AccessNames& names, 
 template <class Read>
 auto AccessMap::read(const Read& call) const -> decltype(call())
 {
-    return readPatiently(m_options, call);
+    return whileBusy(m_options, call);
 }
 
 std::string AccessMap::hostID() const

@@ -67,7 +67,7 @@ public:
 private:
     Record find(unsigned index)
     {
-        return readPatiently(m_options, [&] { return m_making.find(index); });
+        return whileBusy(m_options, [&] { return m_making.find(index); });
     }
 
     /** Nothing when the name is taken, and no object of it can be found. */

@@ -33,14 +33,14 @@ private:
  */
 bool isBusy(const OvraAPIExceptionWithErrCode& error);
 
-/** Reads; again, a bounded number of times, while the array says that it is busy. */
-template <class Read>
-auto readPatiently(const AccessOptions& options, const Read& read) -> decltype(read())
+/** Calls; again, a bounded number of times, while the array says that it is busy, and so did nothing. */
+template <class Call>
+auto whileBusy(const AccessOptions& options, const Call& call) -> decltype(call())
 {
     Tries tries(options);
     for (;;) {
         try {
-            return read();
+            return call();
         } catch (const OvraAPIExceptionWithErrCode& error) {
             if (!isBusy(error) || !tries.another()) {
                 throw;
