@@ -1,14 +1,16 @@
 #include "host/Korvex.h"
 
 #include "host/CommandLines.h"
+#include "host/NeverDestroyed.h"
 #include "session/Log.h"
 
 #include <sys/wait.h>
 
 std::atomic<bool> g_korvexInstalled{false};
-// Never destroyed: a thread may still scan when the process ends, and runs what they say.
-std::string& g_kxRescanTimeout = *new std::string("1800");
-std::string& g_tmpBlockCheckCmd = *new std::string("lsscsi | grep tmp-block");
+// A thread may still scan when the process ends, and runs what they say.
+HOST_NEVER_DESTROYED(std::string, g_kxRescanTimeout, "_Z17g_kxRescanTimeoutB5cxx11", ("1800"));
+HOST_NEVER_DESTROYED(std::string, g_tmpBlockCheckCmd, "_Z18g_tmpBlockCheckCmdB5cxx11",
+                     ("lsscsi | grep tmp-block"));
 
 namespace ovra::tessel {
 

@@ -9,8 +9,8 @@
 // The Korvex multipath product, which manages its own devices where it is installed.
 
 extern std::atomic<bool> g_korvexInstalled; ///< its rescan command was found; never cleared
-extern std::string& g_kxRescanTimeout;      ///< seconds that its rescan may take
-extern std::string& g_tmpBlockCheckCmd;     ///< succeeds while there are temporary devices
+extern std::string g_kxRescanTimeout;       ///< seconds that its rescan may take
+extern std::string g_tmpBlockCheckCmd;      ///< succeeds while there are temporary devices
 
 namespace ovra::tessel {
 

@@ -1,8 +1,11 @@
 #include "host/KxRescanState.h"
 
+#include "host/NeverDestroyed.h"
+
 std::atomic<int> g_scanState{KX_RESCAN_NEVER};
 std::mutex g_scanLunMutex;
-std::condition_variable& g_scanlunEndCond = *new std::condition_variable;
+// Its destructor would wait for the threads that wait here: exit would not end.
+HOST_NEVER_DESTROYED(std::condition_variable, g_scanlunEndCond, "g_scanlunEndCond", ());
 
 void SetScanState(KxRescanState state)
 {

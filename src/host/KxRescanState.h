@@ -15,9 +15,7 @@ enum KxRescanState : int
 
 extern std::atomic<int> g_scanState;
 extern std::mutex g_scanLunMutex;
-/// The scan state has become 2; used with g_scanLunMutex. Never destroyed: at the end of the process that
-/// would wait for the threads that wait here.
-extern std::condition_variable& g_scanlunEndCond;
+extern std::condition_variable g_scanlunEndCond; ///< the scan state has become 2; used with g_scanLunMutex
 
 void SetScanState(KxRescanState state);
 int GetScanState();
