@@ -41,7 +41,8 @@ public:
     /** Destroys the exception. */
     ~OvraAPIExceptionWithErrCode() noexcept override;
 
-    /** @return the array's own error code; never 0. */
+    /** @return the array's own error code; never 0. One beyond an int is the largest int: what() holds its
+     * digits. */
     int getErrCode() const;
 
 private:

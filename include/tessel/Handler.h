@@ -41,8 +41,10 @@ enum MOType : int
  *
  * A handler belongs to the device manager that made it and is never deleted by the application. Its
  * operations are synchronous and report failure by OvraAPIException and OvraAPIExceptionWithErrCode alone,
- * unless they say otherwise. An ID that must not be empty is refused before anything is sent. A device
- * manager and its handlers are to be used by one thread at a time.
+ * unless they say otherwise. An ID that must not be empty is refused before anything is sent, and so are the
+ * IDs "." and ".."; IDs are data, encoded once by the SDK. A text in a filter that holds " and " with a name
+ * and a colon behind it would add a condition of its own, and is refused. A device manager and its handlers
+ * are to be used by one thread at a time.
  */
 class TESSEL_API CHandler
 {

@@ -17,6 +17,10 @@ public:
     LunMO(const LunMO&) = default;
     /** @return this record, now a copy of another one. */
     LunMO& operator=(const LunMO&) = default;
+    /** Takes what another record holds, which is then to be set anew. */
+    LunMO(LunMO&&) = default;
+    /** @return this record, now with what another one held. */
+    LunMO& operator=(LunMO&&) = default;
     /** Virtual, so that it may be derived from. */
     virtual ~LunMO() = default;
 
@@ -56,6 +60,14 @@ public:
         : filter(lun), start(startIndex), count(pageSize)
     {
     }
+    /** A copy of another query. */
+    LunQuery(const LunQuery&) = default;
+    /** @return this query, now a copy of another one. */
+    LunQuery& operator=(const LunQuery&) = default;
+    /** Takes what another query holds, which is then to be set anew. */
+    LunQuery(LunQuery&&) = default;
+    /** @return this query, now with what another one held. */
+    LunQuery& operator=(LunQuery&&) = default;
     /** Virtual, so that it may be derived from. */
     virtual ~LunQuery() = default;
 

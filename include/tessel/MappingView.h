@@ -17,6 +17,10 @@ public:
     MappingViewMO(const MappingViewMO&) = default;
     /** @return this record, now a copy of another one. */
     MappingViewMO& operator=(const MappingViewMO&) = default;
+    /** Takes what another record holds, which is then to be set anew. */
+    MappingViewMO(MappingViewMO&&) = default;
+    /** @return this record, now with what another one held. */
+    MappingViewMO& operator=(MappingViewMO&&) = default;
     /** Virtual, so that it may be derived from. */
     virtual ~MappingViewMO() = default;
 
@@ -42,6 +46,14 @@ public:
         : filter(mappingView), start(startIndex), count(pageSize)
     {
     }
+    /** A copy of another query. */
+    MappingViewQuery(const MappingViewQuery&) = default;
+    /** @return this query, now a copy of another one. */
+    MappingViewQuery& operator=(const MappingViewQuery&) = default;
+    /** Takes what another query holds, which is then to be set anew. */
+    MappingViewQuery(MappingViewQuery&&) = default;
+    /** @return this query, now with what another one held. */
+    MappingViewQuery& operator=(MappingViewQuery&&) = default;
     /** Virtual, so that it may be derived from. */
     virtual ~MappingViewQuery() = default;
 

@@ -17,6 +17,10 @@ public:
     SnapshotMO(const SnapshotMO&) = default;
     /** @return this record, now a copy of another one. */
     SnapshotMO& operator=(const SnapshotMO&) = default;
+    /** Takes what another record holds, which is then to be set anew. */
+    SnapshotMO(SnapshotMO&&) = default;
+    /** @return this record, now with what another one held. */
+    SnapshotMO& operator=(SnapshotMO&&) = default;
     /** Virtual, so that it may be derived from. */
     virtual ~SnapshotMO() = default;
 
@@ -49,6 +53,14 @@ public:
         : filter(snapshot), start(startIndex), count(pageSize)
     {
     }
+    /** A copy of another query. */
+    SnapshotQuery(const SnapshotQuery&) = default;
+    /** @return this query, now a copy of another one. */
+    SnapshotQuery& operator=(const SnapshotQuery&) = default;
+    /** Takes what another query holds, which is then to be set anew. */
+    SnapshotQuery(SnapshotQuery&&) = default;
+    /** @return this query, now with what another one held. */
+    SnapshotQuery& operator=(SnapshotQuery&&) = default;
     /** Virtual, so that it may be derived from. */
     virtual ~SnapshotQuery() = default;
 

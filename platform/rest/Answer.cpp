@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <system_error>
 
@@ -57,26 +58,34 @@ std::optional<SecretValue> parseStrictly(std::string_view text)
     return value;
 }
 
-std::optional<int> parseDecimal(std::string_view text)
+/// An error code as the interface can hand it on: one that an int does not hold keeps its digits.
+struct Code
+{
+    int value;
+    std::string digits; ///< empty when the value tells all
+};
+
+std::optional<Code> parseDecimal(std::string_view text)
 {
     int number = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stop != end) {
-        return std::nullopt;
+    if (error == std::errc() && stop == end) {
+        return Code{number, {}};
     }
-    return number;
+    if (error == std::errc::result_out_of_range && stop == end && text.front() != '-') {
+        return Code{std::numeric_limits<int>::max(), std::string(text)};
+    }
+    return std::nullopt;
 }
 
-std::optional<int> readCode(const Json::Value& code)
+std::optional<Code> readCode(const Json::Value& code)
 {
     if (code.isString()) {
         return parseDecimal(textOf(code));
     }
-    if (code.isNumeric() && code.isInt()) {
-        return code.asInt();
-    }
-    return std::nullopt;
+    return code.isNumeric() && (code.isInt() || code.isUInt64()) ? parseDecimal(code.asString())
+                                                                 : std::nullopt;
 }
 
 /// Puts the data into records; false when it is neither an object, an array, null nor missing.
@@ -130,14 +139,15 @@ std::optional<Answer> parseAnswer(std::string_view text)
     if (!error.isObject()) {
         return std::nullopt;
     }
-    const std::optional<int> code = readCode(error["code"]);
+    const std::optional<Code> code = readCode(error["code"]);
     if (!code) {
         return std::nullopt;
     }
 
     Answer answer;
-    answer.code = *code;
-    answer.description = textOf(error["description"]);
+    answer.code = code->value;
+    answer.description = code->digits.empty() ? std::string() : "(error code " + code->digits + ") ";
+    answer.description += textOf(error["description"]);
     // An error answer is one whatever came as its data.
     if (!takeRecords((*root)["data"], answer.records) && answer.code == 0) {
         return std::nullopt;

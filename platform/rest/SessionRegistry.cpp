@@ -3,6 +3,8 @@
 #include "HeaderLines.h"
 #include "LibraryLock.h"
 
+#include <ovra/text/PathData.h>
+
 #include <cstdint>
 
 CUserManager* CUserManager::getInstance()
@@ -38,13 +40,13 @@ bool SessionRegistry::addUser(CDeviceManagerImpl* const& identity, const std::st
                               const std::string& cookie, const bool& loggedIn)
 {
     const unsigned int key = keyOf(identity);
-    if (key == 0 || deviceId.size() > MOST_VALUE_BYTES || !isSendableHeaderValue(token) ||
-        !isSendableHeaderValue(cookie)) {
+    if (key == 0 || deviceId == "." || deviceId == ".." || deviceId.size() > MOST_VALUE_BYTES ||
+        !isSendableHeaderValue(token) || !isSendableHeaderValue(cookie)) {
         return false;
     }
     auto session = std::make_shared<Session>();
     session->identity = identity;
-    session->deviceId = deviceId;
+    session->deviceId = pathData(deviceId);
     session->ip = ip;
     session->port = port;
     session->token = token;

@@ -13,7 +13,7 @@ namespace ovra::rest {
 struct Session
 {
     const void* identity = nullptr;
-    std::string deviceId;
+    std::string deviceId; ///< as it stands in the path
     std::string ip;
     unsigned int port = 0;
     SecretText token;

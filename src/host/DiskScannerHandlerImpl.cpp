@@ -70,7 +70,7 @@ void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const 
         if (!checkWwn(object->WWN) || !mayRemoveDevices()) {
             return;
         }
-        const bool listed = untilInterrupted([&] { return removeDevices(Object::LABEL, {object->WWN, id}); });
+        const bool listed = untilInterrupted([&] { return removeDevices(Object::NOUN, {object->WWN, id}); });
         if (!endIfInterrupted(op) && !listed) {
             op.close(RESULT_BAD_ARGUMENT);
             COMMLOG(OS_LOG_ERROR, "lsscsi command is not enable!");
@@ -144,7 +144,7 @@ std::string CDiskScannerHandlerImpl::scanLunAfterAttach(std::string& lunID)
         rescanHost(lookForKorvex());
         return GetDiskPath(lun.ID, lun.WWN, MO_LUN);
     };
-    return scan<ScannedLun>("scanLunAfterAttach", m_pDeviceManager, lunID, steps);
+    return scan<LunKind>("scanLunAfterAttach", m_pDeviceManager, lunID, steps);
 }
 
 std::string CDiskScannerHandlerImpl::scanSnapshotAfterAttach(std::string& snapshotID)
@@ -164,17 +164,17 @@ std::string CDiskScannerHandlerImpl::scanSnapshotAfterAttach(std::string& snapsh
         waiters = scan.end();
         return GetDiskPath(snapshot.ID, snapshot.WWN, MO_SNAPSHOT);
     };
-    return scan<ScannedSnapshot>("scanSnapshotAfterAttach", m_pDeviceManager, snapshotID, steps);
+    return scan<SnapshotKind>("scanSnapshotAfterAttach", m_pDeviceManager, snapshotID, steps);
 }
 
 void CDiskScannerHandlerImpl::scanLunBeforeDetach(std::string& lunID)
 {
-    removeDevicesOf<ScannedLun>("scanLunBeforeDetach", m_pDeviceManager, lunID);
+    removeDevicesOf<LunKind>("scanLunBeforeDetach", m_pDeviceManager, lunID);
 }
 
 void CDiskScannerHandlerImpl::scanSnapshotBeforeDetach(std::string& snapshotID)
 {
-    removeDevicesOf<ScannedSnapshot>("scanSnapshotBeforeDetach", m_pDeviceManager, snapshotID);
+    removeDevicesOf<SnapshotKind>("scanSnapshotBeforeDetach", m_pDeviceManager, snapshotID);
 }
 
 std::string CDiskScannerHandlerImpl::GetDiskPath(std::string& objectID, std::string& wwn, MOType type)

@@ -7,6 +7,7 @@
 #include "host/StaleDevice.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
+#include "storage/DiskKinds.h"
 
 #include <ovra/disk/Names.h>
 #include <ovra/disk/Nodes.h>
@@ -19,12 +20,6 @@ namespace ovra::tessel {
 namespace {
 
 constexpr int PASSES = 2; // the second one sees the names that udev gave to the devices renewed in the first
-
-/** What log lines call the object; null for a type that has no disk. */
-const char* labelOf(MOType type)
-{
-    return type == MO_LUN ? "Lun" : type == MO_SNAPSHOT ? "Snapshot" : nullptr;
-}
 
 /** The search through every disk of this host for the one with a WWN. */
 class FullSearch
@@ -158,7 +153,7 @@ std::string FullSearch::run()
 std::string findDisk(const std::string& objectId, const std::string& wwn, MOType type)
 {
     const InterfaceRecord record("GetDiskPath");
-    const char* const label = labelOf(type);
+    const char* const label = diskLabel(type);
     if (label == nullptr) {
         COMMLOG(OS_LOG_ERROR, "moType is wrong!");
         return std::string();

@@ -11,12 +11,12 @@ using namespace ovra::tessel;
 
 namespace {
 
-const char* const LOG_LIBRARY = "libOvraLogAPI.so";
-const unsigned int PATH_SIZE = 1024;
-const unsigned int LINE_SIZE = 513; // 512 characters and the terminator
+constexpr const char* LOG_LIBRARY = "libOvraLogAPI.so";
+constexpr unsigned int PATH_SIZE = 1024;
+constexpr unsigned int LINE_SIZE = 513; // 512 characters and the terminator
 
 using RunLog = void (*)(const char*, const char*);
-const RunLog RUN_LOGS[] = {Log_Run_Debug, Log_Run_Info, Log_Run_Warn, Log_Run_Error};
+constexpr RunLog RUN_LOGS[] = {Log_Run_Debug, Log_Run_Info, Log_Run_Warn, Log_Run_Error};
 
 } // namespace
 

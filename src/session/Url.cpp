@@ -1,23 +1,6 @@
 #include "session/Url.h"
 
-#include <cstring>
-
 namespace ovra::tessel {
-
-std::string urlValue(const std::string& text)
-{
-    static constexpr char HEX[] = "0123456789ABCDEF";
-    std::string encoded;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F || std::strchr("%&#+?/", c) != nullptr) {
-            encoded += {'%', HEX[byte >> 4], HEX[byte & 0xF]};
-        } else {
-            encoded += c;
-        }
-    }
-    return encoded;
-}
 
 bool addsCondition(const std::string& value)
 {

@@ -3,17 +3,18 @@
 
 #include "session/FieldTable.h"
 
+#include <ovra/text/PathData.h>
 #include <tessel/Handler.h>
 
 #include <string>
 
 namespace ovra::tessel {
 
-/**
- * A text of the caller's inside a path: what would end it, or begin something else, is percent-encoded, so
- * that no name adds a condition and no ID reaches another resource.
- */
-std::string urlValue(const std::string& text);
+/** A text of the caller's inside a path. */
+inline std::string urlValue(const std::string& text)
+{
+    return pathData(text);
+}
 
 /** "TYPE=own&ASSOCIATEOBJTYPE=other&ASSOCIATEOBJID=id" */
 std::string associationOf(MOType ownType, unsigned long otherType, const std::string& otherId);

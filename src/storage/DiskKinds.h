@@ -43,6 +43,7 @@ struct LunKind
     static constexpr const char* NOT_VALID = "The lunID is not valid! ";
 
     static constexpr const char* LABEL = "Lun";
+    static constexpr const char* NOUN = "LUN";
     static constexpr const char* NO_HANDLER = "get lunHandler fail! ";
     static constexpr const char* NOT_FOUND = "lun path is NULL.";
 };
@@ -78,6 +79,7 @@ struct SnapshotKind
     static constexpr const char* NOT_VALID = "The snapshotID is not valid! ";
 
     static constexpr const char* LABEL = "Snapshot";
+    static constexpr const char* NOUN = "snapshot";
     static constexpr const char* NO_HANDLER = "get snapshotHandler fail! ";
     static constexpr const char* NOT_FOUND = "snapshot path is NULL.";
 };
@@ -87,6 +89,13 @@ template <class Call>
 auto withKind(MOType type, Call call)
 {
     return type == MO_LUN ? call(LunKind()) : call(SnapshotKind());
+}
+
+/** What log lines call an object; null for a type that has no disk. */
+inline const char* diskLabel(MOType type)
+{
+    const bool isDisk = type == LunKind::TYPE || type == SnapshotKind::TYPE;
+    return isDisk ? withKind(type, [](auto kind) { return kind.LABEL; }) : nullptr;
 }
 
 } // namespace ovra::tessel

@@ -44,11 +44,22 @@ TEST(Answers, TheCodeMayBeNumberOrDecimalText)
     EXPECT_EQ(2147483647, parseAnswer(R"({"error":{"code":2147483647}})")->code);
 }
 
+TEST(Answers, ACodeBeyondTheInterfacesNumbersIsTheLargestWithItsDigitsInTheDescription)
+{
+    for (const std::string digits : {"2147483648", "4294967295", "18446744073709551615"}) {
+        for (const std::string& code : {digits, "\"" + digits + "\""}) {
+            const auto answer = parseAnswer(R"({"error":{"code":)" + code + R"(,"description":"busy"}})");
+            ASSERT_TRUE(answer) << code;
+            EXPECT_EQ(answer->code, 2147483647) << code;
+            EXPECT_EQ(std::string_view(answer->description), "(error code " + digits + ") busy");
+        }
+    }
+}
+
 TEST(Answers, ACodeThatIsNoIntegerCannotBeRead)
 {
-    for (const char* code :
-         {"null", "true", "1.5", "\"\"", "\" 1\"", "\"1 \"", "\"0x1\"", "\"1.0\"", "{}", "[0]", "2147483648",
-          "\"2147483648\"", "-2147483649", "1e300", "18446744073709551616"}) {
+    for (const char* code : {"null", "true", "1.5", "\"\"", "\" 1\"", "\"1 \"", "\"0x1\"", "\"1.0\"", "{}",
+                             "[0]", "-2147483649", "1e300", "18446744073709551616"}) {
         EXPECT_FALSE(parseAnswer(std::string(R"({"error":{"code":)") + code + "}}")) << code;
     }
     EXPECT_FALSE(parseAnswer(R"({"error":{"description":"d"}})"));

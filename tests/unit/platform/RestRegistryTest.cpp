@@ -102,6 +102,19 @@ TEST_F(Registry, RefusesWhatCannotBeSentOrFound)
     EXPECT_FALSE(users.hasUser(nullptr));
 }
 
+TEST_F(Registry, KeepsADeviceIdAsDataOfThePathAndRefusesOneThatIsAStepInIt)
+{
+    const auto addDevice = [this](const std::string& deviceId) {
+        return CUserManager::getInstance()->addUser(first, deviceId, "192.0.2.7", 8088, "t", "c", true);
+    };
+    EXPECT_TRUE(addDevice("../a?b"));
+    const unsigned int key = static_cast<unsigned int>(reinterpret_cast<uintptr_t>(first));
+    EXPECT_EQ(SessionRegistry::instance().find(key)->deviceId, "..%2Fa%3Fb");
+    EXPECT_FALSE(addDevice("."));
+    EXPECT_FALSE(addDevice(".."));
+    EXPECT_EQ(SessionRegistry::instance().find(key)->deviceId, "..%2Fa%3Fb") << "changed by a refusal";
+}
+
 TEST_F(Registry, MayBeUsedByManyThreads)
 {
     std::atomic<unsigned> lost{0};

@@ -36,6 +36,62 @@ static_assert(!std::is_polymorphic_v<FCPortMO> && !std::is_polymorphic_v<FCPortQ
 static_assert(!std::is_polymorphic_v<FCoEPortMO> && !std::is_polymorphic_v<FCoEPortQuery>);
 static_assert(!std::is_polymorphic_v<ETHPortMO> && !std::is_polymorphic_v<ETHPortQuery>);
 
+/** The record of a query, or the record itself. */
+template <class Record>
+auto& recordOf(Record& record)
+{
+    return record;
+}
+LunMO& recordOf(LunQuery& query)
+{
+    return query.filter;
+}
+SnapshotMO& recordOf(SnapshotQuery& query)
+{
+    return query.filter;
+}
+MappingViewMO& recordOf(MappingViewQuery& query)
+{
+    return query.filter;
+}
+
+template <class Type>
+void expectMoves()
+{
+    static_assert(std::is_nothrow_move_constructible_v<Type> && std::is_nothrow_move_assignable_v<Type>);
+    Type first;
+    recordOf(first).NAME = std::string(100, 'x');
+    const char* const text = recordOf(first).NAME.data();
+    Type second(std::move(first));
+    EXPECT_EQ(recordOf(second).NAME.data(), text) << "copied";
+    Type third;
+    third = std::move(second);
+    EXPECT_EQ(recordOf(third).NAME.data(), text) << "copied";
+    // A list that grows moves what it holds.
+    std::vector<Type> list;
+    list.push_back(std::move(third));
+    list.reserve(list.capacity() + 1);
+    EXPECT_EQ(recordOf(list.front()).NAME.data(), text) << "copied";
+}
+
+TEST(Records, AreMovedWithoutACopy)
+{
+    expectMoves<LunMO>();
+    expectMoves<LunQuery>();
+    expectMoves<LunGroupMO>();
+    expectMoves<SnapshotMO>();
+    expectMoves<SnapshotQuery>();
+    expectMoves<HostMO>();
+    expectMoves<HostGroupMO>();
+    expectMoves<IscsiInitiatorMO>();
+    expectMoves<FCInitiatorMO>();
+    expectMoves<MappingViewMO>();
+    expectMoves<MappingViewQuery>();
+    expectMoves<FCPortMO>();
+    expectMoves<FCoEPortMO>();
+    expectMoves<ETHPortMO>();
+}
+
 TEST(Members, OfStorageRecords)
 {
     using L = LunMO;
