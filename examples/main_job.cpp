@@ -1,6 +1,7 @@
-// The main job of a backup application: attach a LUN to this host, find its disk, write and read it, and take
+// The main job of a backup application: show a LUN to this host, find its disk, write and read it, and take
 // everything away again. Needs root, and a host whose iSCSI initiator is logged in to the array.
 
+#include <tessel/Access.h>
 #include <tessel/Array.h>
 
 #include <algorithm>
@@ -13,6 +14,8 @@
 #include <vector>
 
 using ovra::tessel::Array;
+using ovra::tessel::HostInitiator;
+using ovra::tessel::StorageObject;
 
 namespace {
 
@@ -109,15 +112,17 @@ void mainJob(const Array& array, const std::string& pool, const std::string& ini
     const LunMO lun = array.luns().createLun(wanted);
     std::cout << "   LUN " << lun.ID << ", WWN " << lun.WWN << std::endl;
 
-    step("Attach it to " + initiator);
-    array.diskAttach()->attachLunToHost(lun.ID, initiator, "127.0.0.1");
+    const StorageObject volume = StorageObject::lun(lun.ID);
+    const HostInitiator host = HostInitiator::iscsi(initiator);
+    step("Show it to the host of " + initiator);
+    ensureVisible(array.manager(), volume, host);
 
     useDisk(findDisk(array, lun.ID));
 
     step("Remove the device from this host");
     array.diskScanner().scanLunBeforeDetach(lun.ID);
-    step("Detach the LUN");
-    array.diskAttach()->detachLunFromHost(lun.ID, initiator);
+    step("Hide the LUN from the host");
+    ensureHidden(array.manager(), volume, host);
 }
 
 } // namespace

@@ -11,10 +11,10 @@ void checkArguments(const StorageObject& object, const HostInitiator& initiator,
         throw OvraAPIException("the object is no LUN and no snapshot! " + operation);
     }
     if (object.id.empty()) {
-        throw OvraAPIException("the object's ID is empty! " + operation);
+        throw OvraAPIException("the ID of the object is empty! " + operation);
     }
     if (initiator.id.empty()) {
-        throw OvraAPIException("the initiator's ID is empty! " + operation);
+        throw OvraAPIException("the ID of the initiator is empty! " + operation);
     }
 }
 
