@@ -145,11 +145,42 @@ private:
                    "then ask again");
         } else {
             singleLinks(to);
+            wayThroughNew(to);
         }
         if (isIscsi) {
             remedy("attach " + (to.type == "LUN" ? std::string("lun ") : std::string("snapshot ")) +
                        id(m_to) + " --initiator " + id(m_from),
                    "makes new groups and a mapping view for it alone");
+        }
+    }
+
+    /** Views and groups that exist are used where only a group or a view between them is missing. */
+    void wayThroughNew(const Node& to)
+    {
+        const std::string member = (to.type == "LUN" ? " --lun " : " --snapshot ") + id(m_to);
+        for (const size_t view : back(Layer::LUN_GROUP).empty() ? ahead(Layer::VIEW) : Nodes()) {
+            if (m_graph.after(view).empty()) {
+                remedy("lungroup create --name NAME", "then 'tesselctl lungroup add LUNGROUP" + member +
+                                                          "' and 'tesselctl view add " + id(view) +
+                                                          " --lungroup LUNGROUP'");
+            }
+        }
+        for (const size_t view : ahead(Layer::HOST_GROUP).empty() ? back(Layer::VIEW) : Nodes()) {
+            for (const size_t host : m_graph.before(view).empty() ? ahead(Layer::HOST) : Nodes()) {
+                remedy("hostgroup create --name NAME", "then 'tesselctl hostgroup add HOSTGROUP --host " +
+                                                           id(host) + "' and 'tesselctl view add " +
+                                                           id(view) + " --hostgroup HOSTGROUP'");
+            }
+        }
+        if (!ahead(Layer::VIEW).empty() || !back(Layer::VIEW).empty()) {
+            return;
+        }
+        for (const size_t hostGroup : ahead(Layer::HOST_GROUP)) {
+            for (const size_t group : back(Layer::LUN_GROUP)) {
+                remedy("view create --name NAME",
+                       "then 'tesselctl view add VIEW --hostgroup " + id(hostGroup) +
+                           "' and 'tesselctl view add VIEW --lungroup " + id(group) + "'");
+            }
         }
     }
 

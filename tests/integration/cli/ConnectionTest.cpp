@@ -94,7 +94,7 @@ TEST_F(OtherCodes, OfAnArrayDecideNothing)
     expect(4, {"lun", "show", lun});
     array.addErrorFault("GET", "/lun/" + lun, 1077950001);
     EXPECT_THAT(expect(3, {"lun", "show", lun}).err, Not(HasSubstr("log in again")));
-    ArrayClient client(array);
+    tessel_test::ArrayClient client(array);
     ASSERT_EQ(client.login().code(), 0);
     cli.environment["TESSEL_TOKEN"] = client.token;
     cli.environment["TESSEL_COOKIE"] = client.cookie;

@@ -125,6 +125,22 @@ TEST_F(MappingTest, ExplainWalksTheWholeWayOfAVisibleLun)
     EXPECT_EQ(json["remedies"].size(), 0U);
 }
 
+TEST_F(MappingTest, ExplainProposesTheViewThatExistsWhereOnlyAGroupIsMissing)
+{
+    expect(0, {"hostgroup", "add", hostGroup, "--host", host});
+    expect(0, {"view", "add", view, "--hostgroup", hostGroup});
+    EXPECT_THAT(expect(1, {"explain", "lun", lun, "--initiator", iqn}).out,
+                HasSubstr("tesselctl view add " + view + " --lungroup LUNGROUP"));
+    expect(0, {"view", "remove", view, "--hostgroup", hostGroup});
+    expect(0, {"lungroup", "add", lunGroup, "--lun", lun});
+    EXPECT_THAT(expect(1, {"explain", "lun", lun, "--initiator", iqn}).out,
+                HasSubstr("tesselctl view add VIEW --hostgroup " + hostGroup));
+    expect(0, {"hostgroup", "remove", hostGroup, "--host", host});
+    expect(0, {"view", "add", view, "--lungroup", lunGroup});
+    EXPECT_THAT(expect(1, {"explain", "lun", lun, "--initiator", iqn}).out,
+                HasSubstr("tesselctl view add " + view + " --hostgroup HOSTGROUP"));
+}
+
 TEST_F(MappingTest, ExplainWorksForSnapshotsAndFCInitiators)
 {
     const std::string snapshot = array.createSnapshot(lun, "snap");
