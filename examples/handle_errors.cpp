@@ -11,9 +11,6 @@ using ovra::tessel::Array;
 
 namespace {
 
-const int NO_SUCH_OBJECT = 1077950001; // the array's code; see its documentation
-const int SESSION_ENDED = 1077950102;
-
 enum Result
 {
     FOUND = 0,
@@ -22,7 +19,18 @@ enum Result
     NO_ANSWER = 5
 };
 
-Result readLun(const Array& array, const std::string& id)
+// No code for an unknown ID is the same on every array: it is the one for an ID that no LUN can have.
+bool isUnknownId(const Array& array, int code)
+{
+    try {
+        array.luns()->getLun("4294967294");
+    } catch (const OvraAPIExceptionWithErrCode& e) {
+        return e.getErrCode() == code;
+    }
+    return false;
+}
+
+Result readLun(Array& array, const std::string& id)
 {
     try {
         const LunMO lun = array.luns()->getLun(id);
@@ -33,12 +41,11 @@ Result readLun(const Array& array, const std::string& id)
         std::cout << "LUN " << lun.ID << " is " << lun.NAME << "\n";
         return FOUND;
     } catch (const OvraAPIExceptionWithErrCode& e) { // the array answered with an error
-        if (e.getErrCode() == NO_SUCH_OBJECT) {
+        if (!array.keepAlive()) {
+            std::cout << "the session has ended: log in again\n";
+        } else if (isUnknownId(array, e.getErrCode())) {
             std::cout << "there is no LUN " << id << "\n";
             return NOT_FOUND;
-        }
-        if (e.getErrCode() == SESSION_ENDED) {
-            std::cout << "the session has ended: log in again\n";
         }
         std::cout << "code " << e.getErrCode() << ": " << e.what() << "\n";
         return REFUSED;
