@@ -7,6 +7,7 @@ namespace tesselctl {
 
 Commands attachCommands();
 Commands deviceCommands();
+Commands tidyCommands();
 Commands explainCommands();
 Commands topologyCommands();
 Commands doctorCommands();
@@ -62,6 +63,7 @@ const Commands& allCommands()
         portCommands(),
         attachCommands(),
         deviceCommands(),
+        tidyCommands(),
         explainCommands(),
         topologyCommands(),
         doctorCommands(),

@@ -49,6 +49,7 @@ public:
         return static_cast<Handler&>(*m_manager->getHandler(TypeOf<Handler>::value));
     }
 
+    CDeviceManager& manager() { return *m_manager; }
     const ArrayAddress& address() const { return m_address; }
     bool isAdopted() const { return m_adopted; }
     bool keepAlive() { return m_manager->keepAlive(); }

@@ -1,0 +1,52 @@
+"""tesselctl tidy against an array. Usage: tessel-arraysim --run python3 tidy_command_test.py TESSELCTL DOCS-TESTS"""
+
+import json
+import sys
+import unittest
+
+PROGRAM, SUPPORT = sys.argv[1:3]
+sys.path.insert(0, SUPPORT)
+from simulated_array import Array  # noqa: E402
+
+INITIATOR = "iqn.2026-01.example.host:tidy"
+
+
+class TidyCommand(unittest.TestCase):
+    def setUp(self):
+        self.array = Array()
+        self.array.control("POST", "/reset")
+        self.host = self.array.create("host", NAME="host", OPERATIONSYSTEM=0)["ID"]
+        self.array.create("iscsi_initiator", ID=INITIATOR, PARENTID=self.host, PARENTTYPE=21)
+        for number in ("1700000000", "1700000001", "payroll"):
+            group = self.array.create("hostgroup", NAME="hostgroup_" + number)["ID"]
+            self.array.control("POST", "/objects/hostgroup/associate",
+                               {"ID": group, "ASSOCIATEOBJTYPE": 21, "ASSOCIATEOBJID": self.host})
+
+    def tidy(self, *arguments):
+        return self.array.run(PROGRAM, *arguments)
+
+    def groups(self):
+        return sorted(record["NAME"] for record in self.array.control("GET", "/objects/hostgroup")["data"])
+
+    def test_tells_what_it_would_remove_and_changes_nothing(self):
+        done = self.tidy("tidy", "--initiator", INITIATOR)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn("(hostgroup_1700000000): left by an attach, and leads to nothing\n", done.stdout)
+        self.assertIn("(hostgroup_payroll): its name is not one that an attach makes\n", done.stdout)
+        self.assertTrue(done.stdout.endswith(f"host {self.host}: 2 to remove (with --remove), 1 kept\n"), done.stdout)
+        self.assertEqual(len(self.groups()), 3)
+
+    def test_removes_it_when_told_to_and_goes_on_where_it_ended(self):
+        done = self.tidy("tidy", "--host", self.host, "--remove", "--most", "1")
+        self.assertTrue(done.stdout.endswith("1 removed, 0 kept; ended early, call it again\n"), done.stdout)
+        done = self.tidy("--output", "json", "tidy", "--host", self.host, "--remove")
+        self.assertEqual(json.loads(done.stdout)["removed"], 1)
+        self.assertEqual(self.groups(), ["hostgroup_payroll"])
+
+    def test_refuses_two_hosts_and_no_objects(self):
+        self.assertEqual(self.tidy("tidy", "--host", self.host, "--initiator", INITIATOR).returncode, 2)
+        self.assertEqual(self.tidy("tidy", "--host", self.host, "--most", "0").returncode, 2)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
