@@ -15,6 +15,6 @@
     namespace {                                                                                              \
     [[maybe_unused]] Type* const NAME##Made = new (NAME##Place) Type arguments;                              \
     }                                                                                                        \
-    static_assert(true, "a semicolon follows")
+    static_assert(true) // for the semicolon that follows
 
 #endif

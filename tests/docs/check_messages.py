@@ -15,7 +15,7 @@ NO_MESSAGE = re.compile(r"""
     ^Shows\ disks\ to\ one\ host # a description
     | ^\s*(ls|lsscsi|echo|timeout|kxRescan|which|rescan-scsi-bus\.sh|multipath)\b[^!]*$   # commands
     | ^\ \|\ grep | kxRescan\ 2> | ^%Y | ^Content-Type | ^:\ $ | ^\ and\ $ | ^enter\ $ | ^leave\ $ | ^(enter\ )?%s%s?\ successfully
-    | ^%s\ \[%s\]$ | ^libcurl\ lacks # never written""", re.VERBOSE)
+    | ^%s\ \[%s\]$ | ^libcurl\ (lacks|cannot) | ^DELETE\ \ HTTP # never written""", re.VERBOSE)
 MADE_OF_PARTS = re.compile(r"^(the|add) (lun|snapshot)(?= )")
 
 
