@@ -59,11 +59,14 @@ bool isUsable(const std::string& deviceId)
     return !deviceId.empty() && deviceId != "." && deviceId != "..";
 }
 
-/** A request to the server itself. */
-Answer sendTo(const std::string& ip, unsigned int port, RestRequest& request, REST_REQUEST_MODE_E mode,
-              const std::string& path, bool flag)
+std::string serverUrl(const std::string& ip, unsigned int port)
 {
-    request.SetServerUrl("https://" + ip + ":" + std::to_string(port));
+    return "https://" + ip + ":" + std::to_string(port);
+}
+
+/** Sends a request that names its server itself. */
+Answer exchange(RestRequest& request, REST_REQUEST_MODE_E mode, const std::string& path, bool flag)
+{
     return Answer::to([&](RestResponse& response, std::vector<std::string>& headers) {
         return request.SendRequest("/deviceManager/rest/" + path, mode, response, headers, flag);
     });
@@ -89,7 +92,8 @@ struct OpenSession
         if (withCookie) {
             request.HeaderAddProperty(HTTP_HEADER_COOKIE, cookie);
         }
-        return sendTo(ip, port, request, mode, urlValue(deviceId) + resource, false);
+        request.SetServerUrl(serverUrl(ip, port));
+        return exchange(request, mode, urlValue(deviceId) + resource, false);
     }
 
     /** Ends it though it was opened for nothing: where one of its headers cannot be sent, by the other. */
@@ -112,11 +116,12 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
         op.require(!ip.empty() && !userName.empty() && !password.empty(), "Invalid Parameter!");
         op.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
         op.require(port != 0 && port <= MAX_PORT, "Invalid port!");
+        op.request().SetServerUrl(serverUrl(ip, port));
         op.add("username", userName);
         op.add("password", password);
         op.add("scope", static_cast<int>(scope));
         // "xxxx" stands in the path as it is: the device ID is what the login is to tell.
-        const Answer answer = op.checked(sendTo(ip, port, op.request(), REST_POST, "xxxx/sessions", true));
+        const Answer answer = op.checked(exchange(op.request(), REST_POST, "xxxx/sessions", true));
 
         const std::string deviceId = answer[0]["deviceid"].asString();
         const std::string token = answer[0]["iBaseToken"].asString();
