@@ -127,7 +127,7 @@ int KxRescanLock::InitLock()
     if (existing == 0) {
         COMMLOG(OS_LOG_WARN,
                 "The rescan lock has the ID 0: every program that starts frees it, so that rescans "
-                "may overlap. Remove it ('ipcrm -S 1235') while no program that scans is running.");
+                "may overlap. Remove it (ipcrm -S 1235) while no program that scans is running.");
     }
     std::optional<OtherSet> other;
     if (existing < 0) {

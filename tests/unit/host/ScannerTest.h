@@ -97,6 +97,7 @@ protected:
         g_korvexInstalled = false;
         g_scanState = KX_RESCAN_NEVER;
         seam.semaphoreId = 41;
+        seam.nextSemaphoreId = 41; // the first scanner of the process has made a lock
         seam.semaphoreValue = 1;
         seam.exits(KORVEX, {0});
     }
