@@ -3,9 +3,15 @@
 
 #include "MisbehavingServer.h"
 #include "Sdk.h"
+#include "support/Folder.h"
 
+#include <ovra/log/LogAPI.h>
+
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sstream>
 
 using tessel_test::Behaviour;
 using tessel_test::Certificate;
@@ -213,26 +219,77 @@ TEST(IdleConnection, ThatTheServerClosedIsReplacedForAPostToo)
     EXPECT_EQ(sdk.lunGroups().createLunGroup(group).ID, "7");
 }
 
-TEST(Logs, HoldNeitherPasswordNorTokenNorCookieAfterFailures)
+/** The log library at level debug, with a directory of its own, before the SDK starts it with its own. */
+class LogsAtLevelDebug : public testing::Test
+{
+protected:
+    LogsAtLevelDebug()
+    {
+        const std::string iniFile = m_folder.write("Tessel_API.ini", "[run_log]\nlevel = debug\n");
+        EXPECT_EQ(LogInit(TAG, iniFile.c_str(), nullptr, m_folder.path().c_str()), 0);
+        EXPECT_EQ(Log_Directory(), m_folder.path());
+        Log_Run_Debug(TAG, "debug lines are kept");
+    }
+    ~LogsAtLevelDebug() override { LogFini(TAG); }
+
+    /** All that stands in the file of today, or in those of both days at midnight. */
+    std::string text(const std::string& filePrefix) const
+    {
+        std::ostringstream all;
+        for (const auto& entry : std::filesystem::directory_iterator(m_folder.path())) {
+            if (entry.path().filename().string().compare(0, filePrefix.size(), filePrefix) == 0) {
+                all << std::ifstream(entry.path()).rdbuf();
+            }
+        }
+        return all.str();
+    }
+
+private:
+    static constexpr const char* TAG = "test";
+    const tessel_test::Folder m_folder;
+};
+
+TEST_F(LogsAtLevelDebug, HoldNeitherPasswordNorTokenNorCookieAfterFailures)
 {
     trust(TestCertificates::instance().caFile());
     MisbehavingServer server;
     server.setHandler([](const ReceivedRequest& request) {
-        if (request.method() == "POST") {
+        if (request.target() == "/deviceManager/rest/xxxx/sessions") {
             return Behaviour::success(R"({"deviceid":"D1","iBaseToken":"top-token"})",
                                       "Set-Cookie: session=top-cookie; path=/\r\n");
         }
-        return Behaviour::error(5, "denied");
+        return request.method() == "PUT" ? Behaviour::notJson() : Behaviour::error(5, "denied");
     });
     Sdk sdk;
     ASSERT_TRUE(sdk.array().loginDevice("127.0.0.1", server.port(), "admin", "top-secret", USERTYPE_LOCAL));
     thrownBy([&] { sdk.luns().getLun("7"); });
+    IscsiInitiatorMO initiator;
+    initiator.ID = "iqn.2026-11.test:host";
+    initiator.USECHAP = true;
+    initiator.NORMALVERMODE = "2";
+    initiator.CHAPNAME = initiator.CHAPNAMEINITATORVERTARGET = "chap";
+    initiator.CHAPPASSWORD = initiator.CHAPPASSWORDINITATORVERTARGET = "top-chap";
+    initiator.CHAPOLDPASSWORD = initiator.CHAPOLDPASSWORDINITATORVERTARGET = "top-old-chap";
+    thrownBy([&] { sdk.initiators().createIscsiInitiator(initiator); });
+    thrownBy([&] { sdk.initiators().modifyIscsiInitiator(initiator); });
+    EXPECT_FALSE(sdk.array().keepAlive());
     EXPECT_FALSE(sdk.array().logoutDevice());
-    for (const char* const file : {"Tessel_run_", "Tessel_interface_"}) {
-        for (const std::string& line : logLines(file)) {
-            EXPECT_THAT(line, testing::Not(HasSubstr("top-")));
-        }
-    }
+    EXPECT_TRUE(
+        sdk.array().useConnection("127.0.0.1", server.port(), "D1", "top-token", "session=top-cookie"));
+    thrownBy([&] { sdk.luns().getLun("7"); });
+    server.setHandler([](const ReceivedRequest&) { return Behaviour::closeWithoutAnswer(); });
+    EXPECT_FALSE(sdk.array().loginDevice("127.0.0.1", server.port(), "admin", "top-secret", USERTYPE_LOCAL));
+
+    const std::string run = text("Tessel_run_");
+    EXPECT_THAT(run,
+                AllOf(HasSubstr("debug lines are kept"), HasSubstr("Login device OK"), HasSubstr("denied"),
+                      HasSubstr("createIscsiInitiator"), HasSubstr("modifyIscsiInitiator"),
+                      HasSubstr("Use existed connection successfully!"),
+                      HasSubstr("Login device fail, please check network")));
+    const std::string records = text("Tessel_interface_");
+    EXPECT_THAT(records, AllOf(HasSubstr("\"loginDevice\""), HasSubstr("\"getLun\""),
+                               HasSubstr("\"logoutDevice\""), HasSubstr("\"createIscsiInitiator\"")));
+    EXPECT_THAT(run + records, testing::Not(HasSubstr("top-")));
 }
 
 TEST(Session, OfOneProgramWithLoginAHundredReadsAndLogoutIsOneTlsHandshake)
