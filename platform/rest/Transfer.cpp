@@ -100,8 +100,9 @@ int Transfer::resultOf(CURLcode code) const
     if (code == CURLE_OK) {
         return REST_OK;
     }
-    // A header line without end meets libcurl's own limit, which it reports as a lack of memory.
-    const bool longLine = m_sendings > 0 && code == CURLE_OUT_OF_MEMORY;
+    // A header line without end meets libcurl's own limit, which it reports as a lack of memory before 8.6.
+    constexpr int CURLE_TOO_LARGE_OF_8_6 = 100;
+    const bool longLine = m_sendings > 0 && (code == CURLE_OUT_OF_MEMORY || code == CURLE_TOO_LARGE_OF_8_6);
     if (m_tooLarge || longLine) {
         return REST_ANSWER_TOO_LARGE;
     }
