@@ -27,14 +27,14 @@ public:
                                 const std::string& hostIP) = 0;
 
     /**
-     * Removes the LUN from every LUN group that reaches the initiator's host. Every other host that sees such a
-     * group loses the LUN too: those of the same host group, and those of other mapping views that hold the
+     * Removes the LUN from every LUN group that reaches the initiator's host. Every other host that sees such
+     * a group loses the LUN too: those of the same host group, and those of other mapping views that hold the
      * LUN group. A LUN group that is left without LUNs and snapshots is taken out of the mapping view and
      * deleted, whoever made it. Host, host group and mapping view stay. Remove the host's devices before
      * (CDiskScannerHandler::scanLunBeforeDetach).
      * @param lunID ID of the LUN; not empty.
-     * @param iscsiInitiatorID initiator name; "0" detaches the LUN from every host: it is removed from all its
-     * LUN groups, and those left empty are deleted, out of whichever mapping views they were in.
+     * @param iscsiInitiatorID initiator name; "0" detaches the LUN from every host: it is removed from all
+     * its LUN groups, and those left empty are deleted, out of whichever mapping views they were in.
      * @return 0, also when there was nothing to detach: the run log says so.
      */
     virtual int detachLunFromHost(const std::string& lunID, const std::string& iscsiInitiatorID) = 0;
