@@ -133,7 +133,7 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
     const Place place = {m_wantedDirectory, m_userDirectory, m_configuration.retentionDays};
     m_logs.reset(new Logs{{RUN_PATTERN, RUN_PREFIX, place}, {INTERFACE_PATTERN, INTERFACE_PREFIX, place}});
     for (const std::string& problem : m_configuration.problems) {
-        warn(configuration + ": " + problem);
+        warn(std::string(configuration).append(": ").append(problem));
     }
 }
 
