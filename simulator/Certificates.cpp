@@ -42,6 +42,11 @@ void must(bool succeeded, const std::string& what)
     }
 }
 
+Key newKey()
+{
+    return Key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256")); // the macro EVP_EC_gen() casts const away
+}
+
 File openPrivate(const std::string& name)
 {
     const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
@@ -105,7 +110,7 @@ Certificate unsignedCertificate(const Key& key, const std::string& name, X509* i
 
 void makeAuthority(const std::string& certificateName, const std::string& keyName)
 {
-    const Key key(EVP_EC_gen("P-256"));
+    const Key key = newKey();
     const Certificate ca = unsignedCertificate(key, "tessel-arraysim CA", nullptr, 3650);
     extend(ca.get(), ca.get(), NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
     extend(ca.get(), ca.get(), NID_key_usage, "critical,keyCertSign,cRLSign");
@@ -176,7 +181,7 @@ void makeServer(const CertificateFiles& files, const std::string& caKeyName,
     const Certificate ca = readCertificate(files.ca);
     const Key caKey = readKey(caKeyName);
     must(ca && caKey, "read " + files.ca + " and " + caKeyName + ": remove both to have them made anew");
-    const Key key(EVP_EC_gen("P-256"));
+    const Key key = newKey();
     const Certificate server = unsignedCertificate(key, "tessel-arraysim", ca.get(), 825);
     extend(server.get(), ca.get(), NID_basic_constraints, "critical,CA:FALSE");
     extend(server.get(), ca.get(), NID_key_usage, "critical,digitalSignature");

@@ -58,7 +58,7 @@ struct Subject
 Identity makeIdentity(const Subject& subject, const Identity* issuer)
 {
     static long serial = 1;
-    Identity made{Key(EVP_EC_gen("P-256")), X509Pointer(X509_new())};
+    Identity made{Key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256")), X509Pointer(X509_new())};
     X509* certificate = made.certificate.get();
     require(made.key && certificate != nullptr, "key");
     X509_set_version(certificate, X509_VERSION_3);
