@@ -23,7 +23,7 @@ using Interfaces =
     testing::Types<CLunHandler, CLunGroupHandler, CHostHandler, CHostGroupHandler, CMappingViewHandler,
                    CIscsiInitiatorHandler, CSnapshotHandler, CDiskAttachHandler, CDiskScannerHandler,
                    CFCInitiatorHandler, CETHPortHandler, CFCPortHandler, CFCoEPortHandler>;
-TYPED_TEST_SUITE(TypedHandler, Interfaces);
+TYPED_TEST_SUITE(TypedHandler, Interfaces, ); // the names are the default ones: C++17 wants the comma
 
 TYPED_TEST(TypedHandler, isTheOneOfTheDeviceManager)
 {
