@@ -19,7 +19,7 @@ expect "the array ends" wait_for 60 fails pidof tessel-arraysim
 expect "and is served anew" serve "$arraysim_state"
 
 before=$(host_disks)
-lun=$(arraysim_lun first 1024)
+lun=$(arraysim_lun large 1024)
 found=$(sdk attach-lun "$lun" scan-lun "$lun")
 expect "the first array's disk: $found" [ -b "$found" ]
 disk=$(disk_name "$found")
