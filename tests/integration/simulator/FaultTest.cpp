@@ -158,7 +158,8 @@ int endOfConnection(const tessel_test::ArraySim& array)
 {
     SSL_CTX* context = SSL_CTX_new(TLS_client_method());
     BIO* connection = BIO_new_ssl_connect(context);
-    BIO_set_conn_hostname(connection, (array.ip() + ":" + std::to_string(array.port())).c_str());
+    std::string place = array.ip() + ":" + std::to_string(array.port()); // not const: the macro casts
+    BIO_set_conn_hostname(connection, place.data());
     EXPECT_EQ(BIO_do_connect(connection), 1);
     const std::string request = "GET /deviceManager/rest/x/lun HTTP/1.1\r\nHost: x\r\n\r\n";
     BIO_write(connection, request.data(), static_cast<int>(request.size()));
