@@ -13,7 +13,7 @@
 #define HOST_NEVER_DESTROYED(Type, NAME, symbol, arguments)                                                  \
     alignas(Type) unsigned char NAME##Place[sizeof(Type)] __asm__(symbol);                                   \
     namespace {                                                                                              \
-    [[maybe_unused]] Type* const NAME##Made = new (NAME##Place) Type arguments;                              \
+    [[maybe_unused]] auto* const NAME##Made = new (NAME##Place) Type arguments;                              \
     }                                                                                                        \
     static_assert(true) // for the semicolon that follows
 

@@ -125,7 +125,7 @@ private:
             } catch (const OvraAPIException&) { // it may have been carried out all the same
                 error.keep();
             }
-            const Record found = find(index);
+            Record found = find(index);
             if (found.ID == created.ID) {
                 m_made.push_back({m_making.type, created.ID, created.NAME});
                 return found;

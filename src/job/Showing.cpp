@@ -132,7 +132,7 @@ MappingViewMO Showing::view(const HostGroupMO& group, const AccessNames& names)
 {
     const MappingViews views = m_map.array().mappingViews();
     const auto find = [&](unsigned) { return m_map.view(group.ID, names); };
-    const MappingViewMO found = find(0);
+    MappingViewMO found = find(0);
     if (!found.ID.empty()) {
         return found;
     }
@@ -150,7 +150,7 @@ LunGroupMO Showing::lunGroup(const MappingViewMO& view, const AccessNames& names
 {
     const LunGroups groups = m_map.array().lunGroups();
     const auto find = [&](unsigned) { return m_map.lunGroup(view.ID); };
-    const LunGroupMO found = find(0);
+    LunGroupMO found = find(0);
     if (!found.ID.empty()) {
         return found;
     }

@@ -123,7 +123,7 @@ private:
     {
         for (const BoundView& bound : found.views) {
             if (bound.lunGroup.ID == group) {
-                const std::string refusal = changed(
+                std::string refusal = changed(
                     [&] { m_array.mappingViews()->removeLunGroupFromMappingView(group, bound.view.ID); });
                 if (!refusal.empty()) {
                     return refusal;

@@ -43,7 +43,7 @@ TidyFinding finding(const NamedObject& object, const std::string& doubt, const s
 
 std::string doubtAboutLunGroup(const BoundView& bound, std::time_t newest)
 {
-    const std::string doubt = doubtAbout(bound.lunGroup, "lungroup_", newest);
+    std::string doubt = doubtAbout(bound.lunGroup, "lungroup_", newest);
     if (!doubt.empty()) {
         return doubt;
     }
@@ -60,7 +60,7 @@ std::string doubtAboutLunGroup(const BoundView& bound, std::time_t newest)
 
 std::string doubtAboutView(const BoundView& bound, const std::string& doubtAboutLuns, std::time_t newest)
 {
-    const std::string doubt = doubtAbout(bound.view, "mappingview_", newest);
+    std::string doubt = doubtAbout(bound.view, "mappingview_", newest);
     if (!doubt.empty()) {
         return doubt;
     }
