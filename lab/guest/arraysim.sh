@@ -26,12 +26,16 @@ arraysim_control() {
 }
 
 # arraysim_lun NAME [MIB] and arraysim_snapshot LUN NAME make an object and print its ID; arraysim_wwn lun|snapshot ID.
+# The names carry the test's process, since the tests of a boot share the array. What is refused ends the test.
 arraysim_lun() {
-    arraysim_control POST /objects/lun "{\"NAME\":\"$1\",\"PARENTID\":\"0\",\"CAPACITY\":$((${2:-16} * 2048))}" |
-        json_member ID
+    arraysim_object lun "{\"NAME\":\"$1-$$\",\"PARENTID\":\"0\",\"CAPACITY\":$((${2:-16} * 2048))}"
 }
-arraysim_snapshot() {
-    arraysim_control POST /objects/snapshot "{\"NAME\":\"$2\",\"PARENTID\":\"$1\"}" | json_member ID
+arraysim_snapshot() { arraysim_object snapshot "{\"NAME\":\"$2-$$\",\"PARENTID\":\"$1\"}"; }
+arraysim_object() { # TYPE BODY
+    local made
+    made=$(arraysim_control POST "/objects/$1" "$2") ||
+        { echo "arraysim: no $1 was made of $2: $made" >&2; kill -TERM $$; return 1; }
+    json_member ID <<<"$made"
 }
 arraysim_wwn() { arraysim_control GET "/objects/$1/$2" | json_member WWN; }
 
