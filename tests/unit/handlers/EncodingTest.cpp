@@ -143,7 +143,8 @@ TEST_F(HandlerTest, IdsOutOfAnswersAreNoStepsEither)
 TEST_F(HandlerTest, AFilterValueThatHoldsAConditionOfItsOwnIsRefused)
 {
     const std::string text = "A filter value holds a condition of its own, which cannot be sent! ";
-    for (const char* const value : {"x and NAME:y", "a and b:c", " and  ALLOCTYPE:1", "x and _y1:"}) {
+    for (const char* const value : {"x and NAME:y", "a and b:c", " and  ALLOCTYPE:1",
+                                    "x and _y1:", "tom and jerry and NAME:y", "x and and NAME:y"}) {
         platform.reset();
         LunMO mo;
         mo.NAME = value;
