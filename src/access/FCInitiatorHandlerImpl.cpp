@@ -21,10 +21,7 @@ FCInitiatorMO CFCInitiatorHandlerImpl::createFCInitiator(FCInitiatorMO& initiato
 
 void CFCInitiatorHandlerImpl::deleteFCInitiator(const std::string& fcInitiatorID)
 {
-    run("deleteFCInitiator", [&](Operation& op) {
-        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
-        op.del("/fc_initiator/" + urlValue(fcInitiatorID));
-    });
+    deleteById("deleteFCInitiator", "/fc_initiator/", fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
 }
 
 FCInitiatorMO CFCInitiatorHandlerImpl::getFCInitiator(const std::string& fcInitiatorID)

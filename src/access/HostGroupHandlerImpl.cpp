@@ -33,18 +33,12 @@ HostGroupMO CHostGroupHandlerImpl::createHostGroup(HostGroupMO& hostGroup)
 
 void CHostGroupHandlerImpl::deleteHostGroup(const std::string& hostGroupID)
 {
-    run("deleteHostGroup", [&](Operation& op) {
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
-        op.del("/hostgroup/" + urlValue(hostGroupID));
-    });
+    deleteById("deleteHostGroup", "/hostgroup/", hostGroupID, texts::HOSTGROUP_ID_EMPTY);
 }
 
 HostGroupMO CHostGroupHandlerImpl::getHostGroup(const std::string& hostGroupID)
 {
-    return run("getHostGroup", [&](Operation& op) {
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
-        return op.get("/hostgroup/" + urlValue(hostGroupID)).read<HostGroupMO>();
-    });
+    return readById<HostGroupMO>("getHostGroup", "/hostgroup/", hostGroupID, texts::HOSTGROUP_ID_EMPTY);
 }
 
 void CHostGroupHandlerImpl::addHostToHostGroup(const std::string& hostID, const std::string& hostGroupID)

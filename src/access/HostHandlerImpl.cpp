@@ -31,8 +31,5 @@ HostMO CHostHandlerImpl::createHost(HostMO& host)
 
 HostMO CHostHandlerImpl::getHost(const std::string& hostID)
 {
-    return run("getHost", [&](Operation& op) {
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
-        return op.get("/host/" + urlValue(hostID)).read<HostMO>();
-    });
+    return readById<HostMO>("getHost", "/host/", hostID, texts::HOST_ID_EMPTY);
 }

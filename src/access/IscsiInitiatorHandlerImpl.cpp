@@ -114,10 +114,8 @@ IscsiInitiatorMO CIscsiInitiatorHandlerImpl::getIscsiInitiator(const std::string
 
 void CIscsiInitiatorHandlerImpl::deleteIscsiInitiator(const std::string& iscsiInitiatorID)
 {
-    run("deleteIscsiInitiator", [&](Operation& op) {
-        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
-        op.del("/iscsi_initiator/" + urlValue(iscsiInitiatorID));
-    });
+    deleteById("deleteIscsiInitiator", "/iscsi_initiator/", iscsiInitiatorID,
+               texts::ISCSI_INITIATOR_ID_EMPTY);
 }
 
 void CIscsiInitiatorHandlerImpl::addIscsiInitiatorToHost(const std::string& iscsiInitiatorID,

@@ -22,18 +22,13 @@ MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingV
 
 void CMappingViewHandlerImpl::deleteMappingView(const std::string& mappingViewID)
 {
-    run("deleteMappingView", [&](Operation& op) {
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
-        op.del("/mappingview/" + urlValue(mappingViewID));
-    });
+    deleteById("deleteMappingView", "/mappingview/", mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
 }
 
 MappingViewMO CMappingViewHandlerImpl::getMappingView(const std::string& mappingViewID)
 {
-    return run("getMappingView", [&](Operation& op) {
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
-        return op.get("/mappingview/" + urlValue(mappingViewID)).read<MappingViewMO>();
-    });
+    return readById<MappingViewMO>("getMappingView", "/mappingview/", mappingViewID,
+                                   texts::MAPPINGVIEW_ID_EMPTY);
 }
 
 void CMappingViewHandlerImpl::addLunGroupToMappingView(const std::string& lunGroupID,

@@ -4,18 +4,13 @@
 
 using namespace ovra::tessel;
 
-namespace {
-
-constexpr const char* RESOURCE = "/ETH_PORT";
-
-} // namespace
-
 ETHPortMO CEthPortHandlerImpl::getETHPort(const std::string& ethPortID)
 {
-    return readPort("getETHPort", RESOURCE, ethPortID, "ethPortID is empty! ");
+    return readById<ETHPortMO>("getETHPort", "/ETH_PORT/", ethPortID, "ethPortID is empty! ");
 }
 
 std::vector<ETHPortMO> CEthPortHandlerImpl::getETHPortBatch(ETHPortQuery& query)
 {
-    return readBatch("getETHPortBatch", RESOURCE, query, &CETHPortHandler::getETHPort);
+    return run("getETHPortBatch",
+               [&](Operation& op) { return listAll(op, "/ETH_PORT?", query, &CETHPortHandler::getETHPort); });
 }

@@ -1,14 +1,14 @@
 #ifndef PORTS_ETHPORTHANDLERIMPL_H
 #define PORTS_ETHPORTHANDLERIMPL_H
 
-#include "ports/PortHandlerOf.h"
+#include "session/HandlerOf.h"
 
 #include <tessel/ETHPort.h>
 
-class CEthPortHandlerImpl : public ovra::tessel::PortHandlerOf<CETHPortHandler, ETHPortMO, ETHPortQuery>
+class CEthPortHandlerImpl : public ovra::tessel::HandlerOf<CETHPortHandler>
 {
 public:
-    using PortHandlerOf::PortHandlerOf;
+    using HandlerOf::HandlerOf;
 
     ETHPortMO getETHPort(const std::string& ethPortID) override;
     std::vector<ETHPortMO> getETHPortBatch(ETHPortQuery& query) override;

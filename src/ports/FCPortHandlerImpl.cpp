@@ -4,18 +4,13 @@
 
 using namespace ovra::tessel;
 
-namespace {
-
-constexpr const char* RESOURCE = "/FC_PORT";
-
-} // namespace
-
 FCPortMO CFCPortHandlerImpl::getFCPort(const std::string& fcPortID)
 {
-    return readPort("getFCPort", RESOURCE, fcPortID, "fcPortID is empty! ");
+    return readById<FCPortMO>("getFCPort", "/FC_PORT/", fcPortID, "fcPortID is empty! ");
 }
 
 std::vector<FCPortMO> CFCPortHandlerImpl::getFCPortBatch(FCPortQuery& query)
 {
-    return readBatch("getFCPortBatch", RESOURCE, query, &CFCPortHandler::getFCPort);
+    return run("getFCPortBatch",
+               [&](Operation& op) { return listAll(op, "/FC_PORT?", query, &CFCPortHandler::getFCPort); });
 }

@@ -1,14 +1,14 @@
 #ifndef PORTS_FCPORTHANDLERIMPL_H
 #define PORTS_FCPORTHANDLERIMPL_H
 
-#include "ports/PortHandlerOf.h"
+#include "session/HandlerOf.h"
 
 #include <tessel/FCPort.h>
 
-class CFCPortHandlerImpl : public ovra::tessel::PortHandlerOf<CFCPortHandler, FCPortMO, FCPortQuery>
+class CFCPortHandlerImpl : public ovra::tessel::HandlerOf<CFCPortHandler>
 {
 public:
-    using PortHandlerOf::PortHandlerOf;
+    using HandlerOf::HandlerOf;
 
     FCPortMO getFCPort(const std::string& fcPortID) override;
     std::vector<FCPortMO> getFCPortBatch(FCPortQuery& query) override;

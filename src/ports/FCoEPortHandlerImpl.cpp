@@ -4,18 +4,14 @@
 
 using namespace ovra::tessel;
 
-namespace {
-
-constexpr const char* RESOURCE = "/FCoE_PORT";
-
-} // namespace
-
 FCoEPortMO CFCoEPortHandlerImpl::getFCoEPort(const std::string& fcoePortID)
 {
-    return readPort("getFCoEPort", RESOURCE, fcoePortID, "fcoePortID is empty! ");
+    return readById<FCoEPortMO>("getFCoEPort", "/FCoE_PORT/", fcoePortID, "fcoePortID is empty! ");
 }
 
 std::vector<FCoEPortMO> CFCoEPortHandlerImpl::getFCoEPortBatch(FCoEPortQuery& query)
 {
-    return readBatch("getFCoEPortBatch", RESOURCE, query, &CFCoEPortHandler::getFCoEPort);
+    return run("getFCoEPortBatch", [&](Operation& op) {
+        return listAll(op, "/FCoE_PORT?", query, &CFCoEPortHandler::getFCoEPort);
+    });
 }

@@ -1,14 +1,14 @@
 #ifndef PORTS_FCOEPORTHANDLERIMPL_H
 #define PORTS_FCOEPORTHANDLERIMPL_H
 
-#include "ports/PortHandlerOf.h"
+#include "session/HandlerOf.h"
 
 #include <tessel/FCoEPort.h>
 
-class CFCoEPortHandlerImpl : public ovra::tessel::PortHandlerOf<CFCoEPortHandler, FCoEPortMO, FCoEPortQuery>
+class CFCoEPortHandlerImpl : public ovra::tessel::HandlerOf<CFCoEPortHandler>
 {
 public:
-    using PortHandlerOf::PortHandlerOf;
+    using HandlerOf::HandlerOf;
 
     FCoEPortMO getFCoEPort(const std::string& fcoePortID) override;
     std::vector<FCoEPortMO> getFCoEPortBatch(FCoEPortQuery& query) override;

@@ -25,11 +25,25 @@ protected:
         return Operation::run(frame, m_pDeviceManager, body);
     }
 
-    /** The objects that an answer names, each read in full. */
+    /** The operation that reads the object whose ID is the end of a path. */
     template <class Record>
-    std::vector<Record> expand(const Answer& answer, Read<Record> read)
+    Record readById(const char* operation, const std::string& path, const std::string& id,
+                    const char* textIfEmpty)
     {
-        return answer.readEach([&](const std::string& id) { return (this->*read)(id); });
+        return run(operation, [&](Operation& op) {
+            op.requireId(id, textIfEmpty);
+            return op.get(path + urlValue(id)).template read<Record>();
+        });
+    }
+
+    /** The operation that deletes such an object. */
+    void deleteById(const Frame& frame, const std::string& path, const std::string& id,
+                    const char* textIfEmpty)
+    {
+        run(frame, [&](Operation& op) {
+            op.requireId(id, textIfEmpty);
+            op.del(path + urlValue(id));
+        });
     }
 
     /** The objects that are associated with another one, each read in full. */
@@ -38,10 +52,25 @@ protected:
                              const Query& query, Read<Record> read)
     {
         using Table = FieldTable<Record>;
-        return expand(op.get(Table::LIST + op.filter(query.filter) +
-                             associationOf(Table::TYPE, otherType, otherId) +
-                             rangeOf(query.start, query.count, "&")),
-                      read);
+        return list(op,
+                    Table::LIST + op.filter(query.filter) + associationOf(Table::TYPE, otherType, otherId) +
+                        rangeOf(query.start, query.count, "&"),
+                    read);
+    }
+
+    /** All objects of a kind, each read in full. */
+    template <class Record, class Query>
+    std::vector<Record> listAll(Operation& op, const std::string& path, const Query& query, Read<Record> read)
+    {
+        // No "&" of the range's own: docs/oddities.md#filter-without-range
+        return list(op, path + op.filter(query.filter) + rangeOf(query.start, query.count, ""), read);
+    }
+
+    /** The objects that the answer to a GET names, each read in full. */
+    template <class Record>
+    std::vector<Record> list(Operation& op, const std::string& url, Read<Record> read)
+    {
+        return op.get(url).readEach([&](const std::string& id) { return (this->*read)(id); });
     }
 
     CDeviceManagerImpl* m_pDeviceManager = nullptr; ///< not owned

@@ -35,18 +35,13 @@ LunGroupMO CLunGroupHandlerImpl::createLunGroup(LunGroupMO& lunGroup)
 void CLunGroupHandlerImpl::deleteLunGroup(const std::string& lunGroupID)
 {
     // Closes with its enter text on purpose.
-    run(Frame("deleteLunGroup").closingAsEntered(), [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
-        op.del("/lungroup/" + urlValue(lunGroupID));
-    });
+    deleteById(Frame("deleteLunGroup").closingAsEntered(), "/lungroup/", lunGroupID,
+               texts::LUNGROUP_ID_EMPTY);
 }
 
 LunGroupMO CLunGroupHandlerImpl::getLunGroup(const std::string& lunGroupID)
 {
-    return run("getLunGroup", [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
-        return op.get("/lungroup/" + urlValue(lunGroupID)).read<LunGroupMO>();
-    });
+    return readById<LunGroupMO>("getLunGroup", "/lungroup/", lunGroupID, texts::LUNGROUP_ID_EMPTY);
 }
 
 void CLunGroupHandlerImpl::addLunToLunGroup(const std::string& lunID, const std::string& lunGroupID)

@@ -65,10 +65,7 @@ LunMO CLunHandlerImpl::createLun(LunMO& lun)
 
 LunMO CLunHandlerImpl::getLun(const std::string& lunID)
 {
-    return run("getLun", [&](Operation& op) {
-        op.requireId(lunID, texts::LUN_ID_EMPTY);
-        return op.get("/lun/" + urlValue(lunID)).read<LunMO>();
-    });
+    return readById<LunMO>("getLun", "/lun/", lunID, texts::LUN_ID_EMPTY);
 }
 
 std::vector<LunMO> CLunHandlerImpl::getLunByLunGroup(const std::string& lunGroupID, LunQuery& query)

@@ -7,11 +7,8 @@ using namespace ovra::tessel;
 
 SnapshotMO CSnapshotHandlerImpl::getSnapshot(const std::string& snapshotID)
 {
-    return run("getSnapshot", [&](Operation& op) {
-        op.requireId(snapshotID, texts::SNAPSHOT_ID_EMPTY);
-        // Capitals here, not in the search: so the array has it.
-        return op.get("/SNAPSHOT/" + urlValue(snapshotID)).read<SnapshotMO>();
-    });
+    // Capitals here, not in the search: docs/oddities.md#snapshot-capitals
+    return readById<SnapshotMO>("getSnapshot", "/SNAPSHOT/", snapshotID, texts::SNAPSHOT_ID_EMPTY);
 }
 
 std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByLunGroup(const std::string& lunGroupID,
