@@ -50,7 +50,6 @@ int change(int semId, short by, short flags, const timespec* limit)
     operation.sem_num = LOCK;
     operation.sem_op = by;
     operation.sem_flg = flags;
-    // Without a limit it is the older call, which a filter of system calls may know alone.
     return limit != nullptr ? semtimedop(semId, &operation, 1, limit) : semop(semId, &operation, 1);
 }
 
@@ -89,25 +88,22 @@ int KxRescanLock::getSem()
 int KxRescanLock::lockSem(int semId)
 {
     const timespec slice = {LONG_WAIT_S, 0};
+    const timespec* limit = &slice; // none for the older call, which a filter of system calls may know alone
     const time_t start = now();
     bool told = false;
-    int result = 0;
-    do {
-        result = change(semId, -1, SEM_UNDO, &slice);
-        const int error = errno;
-        if (result != 0 && !told && now() - start >= LONG_WAIT_S) {
-            told = true;
-            sayWhoHolds(semId);
-        }
-        errno = error;
-    } while (result != 0 && (errno == EINTR || errno == EAGAIN));
-    while (result != 0 && errno != EIDRM) {
-        result = change(semId, -1, SEM_UNDO, nullptr);
-        if (result != 0 && errno != EINTR) {
-            break;
+    while (change(semId, -1, SEM_UNDO, limit) != 0) {
+        if (errno == EINTR || errno == EAGAIN) {
+            if (!told && now() - start >= LONG_WAIT_S) {
+                told = true;
+                sayWhoHolds(semId);
+            }
+        } else if (limit != nullptr && errno != EIDRM) {
+            limit = nullptr;
+        } else {
+            return -1;
         }
     }
-    return result == 0 ? 0 : -1;
+    return 0;
 }
 
 int KxRescanLock::unlockSem(int semId)
