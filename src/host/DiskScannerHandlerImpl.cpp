@@ -1,11 +1,9 @@
 #include "host/DiskScannerHandlerImpl.h"
 
-#include "host/DeviceRemoval.h"
 #include "host/FullSearch.h"
 #include "host/HostRescan.h"
-#include "host/Interruption.h"
 #include "host/NameSearch.h"
-#include "host/ScannedObject.h"
+#include "host/ScanOperation.h"
 
 using namespace ovra::tessel;
 using ovra::disk::Presence;
@@ -13,70 +11,6 @@ using ovra::disk::Presence;
 int g_scannerInitialised = 0;
 
 namespace {
-
-/** Reports that the commands of a scan or a removal were ended from the keyboard; false when they were not.
- */
-bool endIfInterrupted(Operation& op)
-{
-    if (lastScanSignal() == 0) {
-        return false;
-    }
-    COMMLOG(OS_LOG_ERROR, "A command of the host was ended by signal %d: the steps after it are not run.",
-            lastScanSignal());
-    op.close(RESULT_BAD_ARGUMENT);
-    return true;
-}
-
-/**
- * What every scan is around its own steps.
- * @param steps give the path that they find, empty for none; nothing when there was no scan.
- */
-template <class Object, class Steps>
-std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id, Steps steps)
-{
-    setLastScanSignal(0);
-    return Operation::run(Frame(name).recordedLast(), deviceManager, [&](Operation& op) {
-        auto object = readScanned<Object>(op, deviceManager, id);
-        if (!object) {
-            return std::string();
-        }
-        const auto path = untilInterrupted([&]() -> std::optional<std::string> { return steps(*object); });
-        if (endIfInterrupted(op)) {
-            return std::string();
-        }
-        if (!path) {
-            COMMLOG(OS_LOG_ERROR, "Get Lock Failed");
-            op.close(RESULT_BAD_ARGUMENT);
-        } else if (path->empty()) {
-            COMMLOG(OS_LOG_WARN, "%s", Object::NOT_FOUND);
-        }
-        return path.value_or(std::string());
-    });
-}
-
-template <class Object>
-void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id)
-{
-    setLastScanSignal(0);
-    Operation::run(Frame(name).recordedLast(), deviceManager, [&](Operation& op) {
-        const auto object = readScanned<Object>(op, deviceManager, id);
-        if (!object) {
-            return;
-        }
-        if (g_korvexInstalled) {
-            COMMLOG(OS_LOG_INFO, "Korvex installed,No need to delete device");
-            return;
-        }
-        if (!checkWwn(object->WWN) || !mayRemoveDevices()) {
-            return;
-        }
-        const bool listed = untilInterrupted([&] { return removeDevices(Object::NOUN, {object->WWN, id}); });
-        if (!endIfInterrupted(op) && !listed) {
-            op.close(RESULT_BAD_ARGUMENT);
-            COMMLOG(OS_LOG_ERROR, "lsscsi command is not enable!");
-        }
-    });
-}
 
 /** Whether the Korvex product is there; once found it is not looked for again. */
 Presence rememberKorvex()

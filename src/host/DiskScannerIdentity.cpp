@@ -12,6 +12,14 @@ using namespace ovra::tessel;
 
 namespace {
 
+bool isNull(const void* buffer, const char* text)
+{
+    if (buffer == nullptr) {
+        COMMLOG(OS_LOG_INFO, "%s", text);
+    }
+    return buffer == nullptr;
+}
+
 /** Arithmetic in 32 bits that wraps. */
 int plus(int value, int count, int step)
 {
@@ -33,11 +41,7 @@ int writeHex(char* out, int outSize, const unsigned char* data, int count)
 
 int CDiskScannerHandlerImpl::GetDiskPage(int fd, unsigned char page, unsigned char* buffer)
 {
-    if (buffer == nullptr) {
-        COMMLOG(OS_LOG_INFO, "aucBuffer is NULL! GetDiskPage");
-        return -1;
-    }
-    return ovra::disk::inquire(fd, page, buffer);
+    return isNull(buffer, "aucBuffer is NULL! GetDiskPage") ? -1 : ovra::disk::inquire(fd, page, buffer);
 }
 
 int CDiskScannerHandlerImpl::GetDisk83Page(std::string& devicePath, std::string& wwnOut,
@@ -60,15 +64,8 @@ int CDiskScannerHandlerImpl::GetDisk83Page(std::string& devicePath, std::string&
 int CDiskScannerHandlerImpl::BinaryToAscii(char* hexOut, int hexOutSize, unsigned char* data, int offset,
                                            int count)
 {
-    if (data == nullptr) {
-        COMMLOG(OS_LOG_INFO, "pucBuffer is NULL! BinaryToAscii");
-        return -1;
-    }
-    if (hexOut == nullptr) {
-        COMMLOG(OS_LOG_INFO, "pszHexBuffer is NULL! BinaryToAscii");
-        return -1;
-    }
-    if (hexOutSize - 1LL < 2LL * count) {
+    if (isNull(data, "pucBuffer is NULL! BinaryToAscii") ||
+        isNull(hexOut, "pszHexBuffer is NULL! BinaryToAscii") || hexOutSize - 1LL < 2LL * count) {
         return -1;
     }
     return writeHex(hexOut, hexOutSize, data + offset, count);
@@ -77,15 +74,8 @@ int CDiskScannerHandlerImpl::BinaryToAscii(char* hexOut, int hexOutSize, unsigne
 int CDiskScannerHandlerImpl::ConvertLUNIDtoAscii(unsigned char* asciiOut, int asciiOutSize,
                                                  unsigned char* data, int digits)
 {
-    if (asciiOut == nullptr) {
-        COMMLOG(OS_LOG_INFO, "puszAsciiLunID is NULL! ConvertLUNIDtoAscii");
-        return -1;
-    }
-    if (data == nullptr) {
-        COMMLOG(OS_LOG_INFO, "puszLunLunID is NULL! ConvertLUNIDtoAscii");
-        return -1;
-    }
-    if (digits > asciiOutSize - 1LL) {
+    if (isNull(asciiOut, "puszAsciiLunID is NULL! ConvertLUNIDtoAscii") ||
+        isNull(data, "puszLunLunID is NULL! ConvertLUNIDtoAscii") || digits > asciiOutSize - 1LL) {
         return -1;
     }
     return writeHex(reinterpret_cast<char*>(asciiOut), asciiOutSize, data, digits / 2);
@@ -93,12 +83,7 @@ int CDiskScannerHandlerImpl::ConvertLUNIDtoAscii(unsigned char* asciiOut, int as
 
 int CDiskScannerHandlerImpl::HextoDec(char* decOut, char* hexIn, int decOutSize)
 {
-    if (decOut == nullptr) {
-        COMMLOG(OS_LOG_INFO, "pDecStr is NULL! HextoDec");
-        return -1;
-    }
-    if (hexIn == nullptr) {
-        COMMLOG(OS_LOG_INFO, "pHexStr is NULL! HextoDec");
+    if (isNull(decOut, "pDecStr is NULL! HextoDec") || isNull(hexIn, "pHexStr is NULL! HextoDec")) {
         return -1;
     }
     int value = 0;

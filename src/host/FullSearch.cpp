@@ -21,44 +21,36 @@ namespace {
 
 constexpr int PASSES = 2; // the second one sees the names that udev gave to the devices renewed in the first
 
-/** The search through every disk of this host for the one with a WWN. */
-class FullSearch
+using Disks = std::map<std::string, std::set<std::string>>; ///< identifiers by path
+
+enum class Visit
 {
-public:
-    FullSearch(const InterfaceRecord& record, const char* label, const std::string& objectId,
-               const std::string& wwn)
-        : m_record(record), m_label(label), m_objectId(objectId), m_wwn(wwn)
-    {
-    }
+    NOT_THIS_ONE,
+    FOUND,
+    RENEWED, ///< was there under the names of another disk; look for it again
+    GIVEN_UP
+};
 
-    /** The device's path, or an empty one. */
-    std::string run();
-
-private:
-    using Disks = std::map<std::string, std::set<std::string>>; ///< identifiers by path
-    enum class Outcome
-    {
-        NOT_THIS_ONE,
-        FOUND,
-        RENEWED, ///< was there under the names of another disk; look for it again
-        GIVEN_UP
-    };
+/** The search through every disk of this host for the one with a WWN. */
+struct FullSearch
+{
+    const InterfaceRecord& record;
+    const char* const label;
+    const std::string& objectId;
+    const std::string& wwn;
 
     bool list(Disks& disks) const;
-    Outcome visit(const std::string& path, const std::set<std::string>& identifiers, bool mayRenew) const;
+    Visit visit(const std::string& path, const std::set<std::string>& identifiers, bool mayRenew) const;
     void sayUnnamed(const Disks& disks) const;
-
-    const InterfaceRecord& m_record;
-    const char* const m_label;
-    const std::string& m_objectId;
-    const std::string& m_wwn;
+    /** The device's path, or an empty one. */
+    std::string run() const;
 };
 
 bool FullSearch::list(Disks& disks) const
 {
     CommandLines listing("ls -al /dev/disk/by-id|grep -v part");
     if (!listing.started()) {
-        m_record.write(RESULT_BAD_ARGUMENT);
+        record.write(RESULT_BAD_ARGUMENT);
         COMMLOG(OS_LOG_ERROR, "ls -al /dev/disk/by-id command is not enable!");
         return false;
     }
@@ -75,47 +67,47 @@ bool FullSearch::list(Disks& disks) const
     return true;
 }
 
-FullSearch::Outcome FullSearch::visit(const std::string& path, const std::set<std::string>& identifiers,
-                                      bool mayRenew) const
+Visit FullSearch::visit(const std::string& path, const std::set<std::string>& identifiers,
+                        bool mayRenew) const
 {
     COMMLOG(OS_LOG_INFO, "strDiskPath [%s]", path.c_str());
     const disk::DiskIdentity identity = disk::readIdentity(path);
-    COMMLOG(OS_LOG_INFO, "Target %s ID [%s]", m_label, m_objectId.c_str());
-    if (identity.wwn == m_wwn && identifiers.count(m_wwn) != 0) {
-        m_record.write(RESULT_SUCCESS);
+    COMMLOG(OS_LOG_INFO, "Target %s ID [%s]", label, objectId.c_str());
+    if (identity.wwn == wwn && identifiers.count(wwn) != 0) {
+        record.write(RESULT_SUCCESS);
         rescanDevice(path);
         COMMLOG(OS_LOG_INFO, "---------GetDiskPath successfully---------!");
-        return Outcome::FOUND;
+        return Visit::FOUND;
     }
     COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
-    if (!mayRenew || identity.wwn != m_wwn) {
-        return Outcome::NOT_THIS_ONE;
+    if (!mayRenew || identity.wwn != wwn) {
+        return Visit::NOT_THIS_ONE;
     }
-    switch (StaleDevice(m_record, path, m_wwn).renew()) {
-    case StaleDevice::Outcome::RENEWED:
-        return Outcome::RENEWED;
-    case StaleDevice::Outcome::NO_LISTING:
-        return Outcome::GIVEN_UP;
-    case StaleDevice::Outcome::NO_DEVICE:
+    switch (renewStaleDevice(record, path, wwn)) {
+    case Renewal::DONE:
+        return Visit::RENEWED;
+    case Renewal::NO_LISTING:
+        return Visit::GIVEN_UP;
+    case Renewal::NO_DEVICE:
         break;
     }
-    return Outcome::NOT_THIS_ONE;
+    return Visit::NOT_THIS_ONE;
 }
 
 /** Says which disks the search could not see: they carry the WWN, but udev has given them no name. */
 void FullSearch::sayUnnamed(const Disks& disks) const
 {
-    for (const std::string& name : disk::disksWithWwn(m_wwn)) {
+    for (const std::string& name : disk::disksWithWwn(wwn)) {
         if (disks.count(std::string(disk::BY_ID_DIRECTORY) + "../../" + name) == 0) {
             COMMLOG(OS_LOG_WARN,
                     "/dev/%s carries the WWN of %s %s, but has no name in /dev/disk/by-id: it is "
                     "not found before udev has named it.",
-                    name.c_str(), m_label, m_objectId.c_str());
+                    name.c_str(), label, objectId.c_str());
         }
     }
 }
 
-std::string FullSearch::run()
+std::string FullSearch::run() const
 {
     Disks disks;
     bool again = true;
@@ -132,14 +124,14 @@ std::string FullSearch::run()
         COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
         for (const auto& [path, identifiers] : disks) {
             switch (visit(path, identifiers, mayRenew)) {
-            case Outcome::FOUND:
+            case Visit::FOUND:
                 return path;
-            case Outcome::GIVEN_UP:
+            case Visit::GIVEN_UP:
                 return std::string();
-            case Outcome::RENEWED:
+            case Visit::RENEWED:
                 again = true;
                 break;
-            case Outcome::NOT_THIS_ONE:
+            case Visit::NOT_THIS_ONE:
                 break;
             }
         }
@@ -166,7 +158,7 @@ std::string findDisk(const std::string& objectId, const std::string& wwn, MOType
         COMMLOG(OS_LOG_INFO, "---------GetDiskPathForWWN successfully---------!");
         return path;
     }
-    return FullSearch(record, label, objectId, wwn).run();
+    return FullSearch{record, label, objectId, wwn}.run();
 }
 
 } // namespace ovra::tessel

@@ -40,8 +40,7 @@ bool checkScript()
     return harmful.empty();
 }
 
-/** Says which disks are away for now: the script would remove them, and they would not come back by
- * themselves. */
+/** Says which disks are away for now: the script would remove them, and nothing would bring them back. */
 bool checkDisks()
 {
     const std::vector<std::string> away = disk::disksNotRunning();

@@ -15,8 +15,7 @@ void throwIfInterrupted(int status);
 /** Sets what lastScanSignal() returns on this thread. */
 void setLastScanSignal(int signal);
 
-/** Runs the steps of a scan; those left when one of them is interrupted are not run, and the result is empty.
- */
+/** Runs the steps of a scan; when one is interrupted, no more of them are run, and the result is empty. */
 template <class Steps>
 auto untilInterrupted(Steps steps) -> decltype(steps())
 {

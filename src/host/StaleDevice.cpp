@@ -19,9 +19,15 @@ const char* const SEARCH_SEPARATOR = "=========================================\
 
 namespace {
 
-constexpr const char* LUN_NEVER_REMOVED = "0";
+constexpr const char* LUN_NEVER_REMOVED = "0"; // docs/oddities.md#lun-0
 constexpr int NAME_LOOKS = 100;
 constexpr useconds_t LOOK_EVERY_US = 100000;
+
+struct Disk
+{
+    std::string path;   ///< by which it is opened
+    std::string device; ///< as lsscsi names it
+};
 
 /** Where the kernel shows which disk is at an address. */
 std::string blockFolder(const disk::ScsiAddress& address)
@@ -52,13 +58,12 @@ bool isNamed(const std::string& name, const std::string& wwn)
     });
 }
 
-} // namespace
-
-std::optional<StaleDevice::Disk> StaleDevice::disk() const
+/** The SCSI disk behind a path. */
+std::optional<Disk> diskOf(const InterfaceRecord& record, const std::string& path)
 {
-    const std::string name = disk::lastName(m_path);
+    const std::string name = disk::lastName(path);
     if (disk::isDiskName(name)) {
-        return Disk{m_path, "/dev/" + name};
+        return Disk{path, "/dev/" + name};
     }
     if (!disk::isMapperName(name)) {
         COMMLOG(OS_LOG_WARN, "/dev/%s stands under old names, and is no SCSI disk: it is not removed.",
@@ -67,7 +72,7 @@ std::optional<StaleDevice::Disk> StaleDevice::disk() const
     }
     CommandLines listing("multipath -ll");
     if (!listing.started()) {
-        m_record.write(RESULT_BAD_ARGUMENT);
+        record.write(RESULT_BAD_ARGUMENT);
         COMMLOG(OS_LOG_ERROR, "multipath -ll is not enable!");
         return std::nullopt;
     }
@@ -84,11 +89,11 @@ std::optional<StaleDevice::Disk> StaleDevice::disk() const
     return Disk{"/dev/" + *first, "/dev/" + *first};
 }
 
-void StaleDevice::waitForName(const disk::ScsiAddress& address) const
+void waitForName(const disk::ScsiAddress& address, const std::string& wwn)
 {
     for (int look = 0; look < NAME_LOOKS; ++look) {
         for (const std::string& name : disk::namesIn(blockFolder(address))) {
-            if (isNamed(name, m_wwn)) {
+            if (isNamed(name, wwn)) {
                 return;
             }
         }
@@ -98,9 +103,9 @@ void StaleDevice::waitForName(const disk::ScsiAddress& address) const
             address.text.c_str());
 }
 
-void StaleDevice::renewAt(const disk::ScsiAddress& address, const Disk& disk) const
+void renewAt(const disk::ScsiAddress& address, const Disk& disk, const std::string& wwn)
 {
-    const auto isWanted = [&](const disk::DiskIdentity& identity) { return identity.wwn == m_wwn; };
+    const auto isWanted = [&](const disk::DiskIdentity& identity) { return identity.wwn == wwn; };
     if (!prepareRemoval(disk.path, disk.device, isWanted) || !checkAddress(address, disk.device)) {
         return;
     }
@@ -112,28 +117,30 @@ void StaleDevice::renewAt(const disk::ScsiAddress& address, const Disk& disk) co
     runCommand(scan);
     COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
     sleep(1);
-    waitForName(address);
+    waitForName(address, wwn);
 }
 
-StaleDevice::Outcome StaleDevice::renew()
+} // namespace
+
+Renewal renewStaleDevice(const InterfaceRecord& record, const std::string& path, const std::string& wwn)
 {
-    const std::optional<Disk> stale = disk();
+    const std::optional<Disk> stale = diskOf(record, path);
     if (!stale) {
-        return Outcome::NO_DEVICE;
+        return Renewal::NO_DEVICE;
     }
     CommandLines listing("lsscsi");
     if (!listing.started()) {
-        m_record.write(RESULT_BAD_ARGUMENT);
+        record.write(RESULT_BAD_ARGUMENT);
         COMMLOG(OS_LOG_ERROR, "lsscsi is not enable!");
-        return Outcome::NO_LISTING;
+        return Renewal::NO_LISTING;
     }
     for (std::string line; listing.next(line);) {
         const std::optional<disk::ScsiAddress> address = disk::addressOfLine(line, stale->device);
         if (address && address->lun != LUN_NEVER_REMOVED) {
-            renewAt(*address, *stale);
+            renewAt(*address, *stale, wwn);
         }
     }
-    return Outcome::RENEWED;
+    return Renewal::DONE;
 }
 
 } // namespace ovra::tessel

@@ -1,0 +1,99 @@
+#ifndef HOST_SCANOPERATION_H
+#define HOST_SCANOPERATION_H
+
+#include "host/DeviceRemoval.h"
+#include "host/Interruption.h"
+#include "host/Korvex.h"
+#include "session/DeviceManagerImpl.h"
+#include "session/Operation.h"
+#include "storage/DiskKinds.h"
+
+#include <tessel/DiskScanner.h>
+
+#include <optional>
+#include <string>
+
+namespace ovra::tessel {
+
+/** Reads the object whose device is wanted; ends the operation, without an exception, when it cannot. */
+template <class Kind>
+std::optional<typename Kind::Object> readScanned(Operation& op, CDeviceManagerImpl* deviceManager,
+                                                 const std::string& id)
+{
+    if (op.closeUnless(!id.empty(), Kind::ID_EMPTY)) {
+        return std::nullopt;
+    }
+    CHandler* const handler = deviceManager == nullptr ? nullptr : deviceManager->getHandler(Kind::HANDLER);
+    if (handler == nullptr) {
+        op.closeUnless(false, deviceManager == nullptr ? texts::NO_DEVICE_MANAGER : Kind::NO_HANDLER);
+        return std::nullopt;
+    }
+    return (static_cast<typename Kind::Handler&>(*handler).*Kind::GET)(id);
+}
+
+/** Reports that a command of a scan or a removal was ended from the keyboard; false when none was. */
+inline bool endIfInterrupted(Operation& op)
+{
+    if (lastScanSignal() == 0) {
+        return false;
+    }
+    COMMLOG(OS_LOG_ERROR, "A command of the host was ended by signal %d: the steps after it are not run.",
+            lastScanSignal());
+    op.close(RESULT_BAD_ARGUMENT);
+    return true;
+}
+
+/**
+ * What every scan is around its own steps.
+ * @param steps give the path that they find, empty for none; nothing when there was no scan.
+ */
+template <class Kind, class Steps>
+std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id, Steps steps)
+{
+    setLastScanSignal(0);
+    return Operation::run(Frame(name).recordedLast(), deviceManager, [&](Operation& op) {
+        auto object = readScanned<Kind>(op, deviceManager, id);
+        if (!object) {
+            return std::string();
+        }
+        const auto path = untilInterrupted([&]() -> std::optional<std::string> { return steps(*object); });
+        if (endIfInterrupted(op)) {
+            return std::string();
+        }
+        if (!path) {
+            COMMLOG(OS_LOG_ERROR, "Get Lock Failed");
+            op.close(RESULT_BAD_ARGUMENT);
+        } else if (path->empty()) {
+            COMMLOG(OS_LOG_WARN, "%s", Kind::NOT_FOUND);
+        }
+        return path.value_or(std::string());
+    });
+}
+
+template <class Kind>
+void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id)
+{
+    setLastScanSignal(0);
+    Operation::run(Frame(name).recordedLast(), deviceManager, [&](Operation& op) {
+        const auto object = readScanned<Kind>(op, deviceManager, id);
+        if (!object) {
+            return;
+        }
+        if (g_korvexInstalled) {
+            COMMLOG(OS_LOG_INFO, "Korvex installed,No need to delete device");
+            return;
+        }
+        if (!checkWwn(object->WWN) || !mayRemoveDevices()) {
+            return;
+        }
+        const bool listed = untilInterrupted([&] { return removeDevices(Kind::NOUN, {object->WWN, id}); });
+        if (!endIfInterrupted(op) && !listed) {
+            op.close(RESULT_BAD_ARGUMENT);
+            COMMLOG(OS_LOG_ERROR, "lsscsi command is not enable!");
+        }
+    });
+}
+
+} // namespace ovra::tessel
+
+#endif
