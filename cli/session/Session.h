@@ -32,8 +32,7 @@ template <> struct TypeOf<CDiskAttachHandler> { static constexpr HANDLERTYPE val
 template <> struct TypeOf<CDiskScannerHandler> { static constexpr HANDLERTYPE value = DISKSCANNER_HANDLER; };
 // clang-format on
 
-/** One open session; logs out, when it logged in, at the end of its life and before a signal ends the
- * process. */
+/** One open session; one that logged in logs out at its end and before a signal ends the process. */
 class Session
 {
 public:

@@ -30,8 +30,7 @@ public:
     DailyFile(const DailyFile&) = delete;
     DailyFile& operator=(const DailyFile&) = delete;
 
-    /** Makes sure that the file of that time's day is open; 0, or the errno value of the directory tried
-     * last. */
+    /** Opens the file of that time's day if need be; 0, or the errno value of the directory tried last. */
     int prepare(std::chrono::system_clock::time_point time);
 
     /** Appends a record, which ends in a newline; 0, or an errno value when it was not written whole. */

@@ -50,8 +50,7 @@ public:
     void run(spdlog::level::level_enum level, std::string_view product, std::string_view text);
     void interfaceCall(spdlog::level::level_enum level, const InterfaceRecord& record);
 
-    /** Where the run log's file is, or was when the logs were stopped; empty without one. The text lives as
-     * long as the service. */
+    /** Where the run log's file is, or was at the stop; empty without one. Lives as long as the service. */
     const char* directory();
 
     /** Counts a line that could not even be formatted. */

@@ -30,8 +30,7 @@ struct Answer
 /** Most values of an answer: each costs up to 160 bytes beside its text, however short that is. */
 constexpr size_t MOST_VALUES = 4000000;
 
-/** How many values a JSON text holds, told by what begins or separates them; a text that is not JSON holds
- * any. */
+/** How many values a JSON text holds, told by what begins or separates them; of other texts any number. */
 size_t countValues(std::string_view text);
 
 /** Reads an answer; nothing when the text is not strict JSON or has no error object that can be read. */

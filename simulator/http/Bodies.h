@@ -21,8 +21,7 @@ enum class BodyRead
 /** Reads a body; one that is too large costs no memory. */
 BodyRead readBody(const httplib::ContentReader& reader, std::string& body);
 
-/** Whether the HTTP library would read a body of this request that no limit holds for, or take it for a
- * request. */
+/** Whether the HTTP library would read this request's body without a limit, or take it for a request. */
 bool carriesStrayBody(const httplib::Request& request);
 
 } // namespace arraysim

@@ -32,8 +32,7 @@ private:
     void routeWatch();
     void routeObjects();
     void routeState();
-    /** Not a web page of somebody else's, whose browser knows this port or resolves a name to this address.
-     */
+    /** Not another's web page, whose browser knows this port or resolves a name to this address. */
     bool isOwnPage(const httplib::Request& request) const;
     Json::Value bulkLuns(const Json::Value& wanted);
 

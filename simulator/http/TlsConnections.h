@@ -31,8 +31,7 @@ public:
     void cut(const SSL* connection);
     /** The same with a reset, as when a host on the way goes down. */
     void reset(const SSL* connection);
-    /** Lets the connection end with the answer that is being sent; whatever else came over it is no request.
-     */
+    /** Lets the connection end with the answer being sent; whatever else came over it is no request. */
     void endWithAnswer(const SSL* connection);
     bool isEnding(const SSL* connection) const;
     /** Ends every connection that waits for a request, the others once they have sent their answer. */

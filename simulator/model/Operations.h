@@ -24,8 +24,7 @@ Json::Value createObject(World& world, const ObjectType& type, const Json::Value
                          const Settling& settling);
 Json::Value readObject(World& world, const ObjectType& type, const std::string& id);
 void modifyObject(World& world, const ObjectType& type, const std::string& id, const Json::Value& body);
-/** Sets fields that a caller may not: what an array finds out or does by itself, such as its states and
- * sizes. */
+/** Sets fields that a caller may not: what an array finds out or does by itself, as states and sizes. */
 void adjustObject(World& world, const ObjectType& type, const std::string& id, const Json::Value& body);
 void deleteObject(World& world, const ObjectType& type, const std::string& id);
 

@@ -40,8 +40,7 @@ private:
  */
 std::string relativeTarget(const std::string& target);
 
-/** A relative target with the object's ID replaced by {id} for the counters; "other" for what the array does
- * not have. */
+/** A relative target with {id} for the object's ID, for the counters; "other" for what no array has. */
 std::string resourceTemplate(const std::string& relative);
 
 } // namespace arraysim

@@ -60,8 +60,7 @@ private:
         REFUSED ///< the key is another one's: nothing may be sent by it
     };
 
-    /** Makes a session the one that requests are sent on; false, and nothing is changed, when it is refused.
-     */
+    /** Makes a session the one that requests are sent on; false, and nothing changed, when it is refused. */
     bool adopt(const std::string& ip, unsigned int port, const std::string& deviceId,
                const std::string& token, const std::string& cookie, bool loggedIn);
 

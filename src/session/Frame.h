@@ -5,8 +5,7 @@
 
 namespace ovra::tessel {
 
-/** What a public call is named in the logs, and what it says of its way; handlers' operations all speak
- * alike. */
+/** What a public call is named in the logs and says of its way; handlers' operations all speak alike. */
 struct Frame
 {
     Frame(const char* operation) : Frame(std::string(operation)) {}

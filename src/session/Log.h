@@ -11,8 +11,7 @@ enum OS_LOGLEVEL : int
     OS_LOG_ERROR = 3
 };
 
-/** Starts logging: the configuration file and the directory logs/ are found beside the log library. 0 or -1.
- */
+/** Starts logging: configuration file and directory logs/ are found beside the log library. 0 or -1. */
 int LOG_INIT();
 
 /** Stops logging; returns what the log library returns. */

@@ -59,8 +59,7 @@ public:
 
     /** Ends the operation with the text and its name unless the condition holds; texts end in a blank. */
     void require(bool holds, const char* text, int result = RESULT_BAD_ARGUMENT);
-    /** The same for an ID, which must not be empty, nor "." or "..": a server takes these for another path.
-     */
+    /** The same for an ID, which is not empty, nor "." or "..": a server takes these for another path. */
     void requireId(const std::string& id, const char* textIfEmpty);
     /** As require, but only says so, with a record of its own: the operation goes on. */
     void expect(bool holds, const char* text);
