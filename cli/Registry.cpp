@@ -6,6 +6,7 @@
 namespace tesselctl {
 
 Commands attachCommands();
+Commands detachCommands();
 Commands deviceCommands();
 Commands tidyCommands();
 Commands explainCommands();
@@ -62,6 +63,7 @@ const Commands& allCommands()
         viewCommands(),
         portCommands(),
         attachCommands(),
+        detachCommands(),
         deviceCommands(),
         tidyCommands(),
         explainCommands(),

@@ -1,5 +1,6 @@
 #include "attach/Attachable.h"
 
+#include "objects/Listing.h"
 #include "objects/Membership.h"
 
 namespace tesselctl {
@@ -27,9 +28,13 @@ auto listedBy(std::vector<Record> (Handler::*list)(const std::string&, Query&))
 
 auto groupsBy(std::vector<LunGroupMO> (CLunGroupHandler::*list)(const std::string&, LunGroupQuery&))
 {
-    return [=](Session& session, const std::string& id) {
-        LunGroupQuery query;
-        return (session.handler<CLunGroupHandler>().*list)(id, query);
+    return [=](Session& session, const std::string& id) { return listed(session, "LUN group", list, id); };
+}
+
+auto leaveBy(void (CLunGroupHandler::*remove)(const std::string&, const std::string&))
+{
+    return [=](Session& session, const std::string& id, const std::string& group) {
+        (session.handler<CLunGroupHandler>().*remove)(id, group);
     };
 }
 
@@ -37,30 +42,28 @@ Attachable lun()
 {
     return {"lun",
             "LUN",
-            &CDiskAttachHandler::attachLunToHost,
-            &CDiskAttachHandler::detachLunFromHost,
+            MO_LUN,
             &CDiskScannerHandler::scanLunAfterAttach,
             &CDiskScannerHandler::scanLunBeforeDetach,
             field("LUN", &CLunHandler::getLun, &LunMO::WWN),
             field("LUN", &CLunHandler::getLun, &LunMO::NAME),
             listedBy(&CLunHandler::getLunByHost),
-            listedBy(&CLunHandler::getLunByLunGroup),
-            groupsBy(&CLunGroupHandler::getLunGroupByLun)};
+            groupsBy(&CLunGroupHandler::getLunGroupByLun),
+            leaveBy(&CLunGroupHandler::removeLunFromLunGroup)};
 }
 
 Attachable snapshot()
 {
     return {"snapshot",
             "snapshot",
-            &CDiskAttachHandler::attachSnapshotToHost,
-            &CDiskAttachHandler::detachSnapshotFromHost,
+            MO_SNAPSHOT,
             &CDiskScannerHandler::scanSnapshotAfterAttach,
             &CDiskScannerHandler::scanSnapshotBeforeDetach,
             field("snapshot", &CSnapshotHandler::getSnapshot, &SnapshotMO::WWN),
             field("snapshot", &CSnapshotHandler::getSnapshot, &SnapshotMO::NAME),
             listedBy(&CSnapshotHandler::getSnapshotByHost),
-            listedBy(&CSnapshotHandler::getSnapshotByLunGroup),
-            groupsBy(&CLunGroupHandler::getLunGroupBySnapshot)};
+            groupsBy(&CLunGroupHandler::getLunGroupBySnapshot),
+            leaveBy(&CLunGroupHandler::removeSnapshotFromLunGroup)};
 }
 
 } // namespace

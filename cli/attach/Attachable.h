@@ -14,18 +14,19 @@ struct Attachable
 {
     std::string word;  ///< in commands: "lun"
     std::string title; ///< in sentences: "LUN"
-    int (CDiskAttachHandler::*attach)(const std::string&, const std::string&, const std::string&);
-    int (CDiskAttachHandler::*detach)(const std::string&, const std::string&);
+    MOType type;
     std::string (CDiskScannerHandler::*scan)(std::string&);
     void (CDiskScannerHandler::*removeDevices)(std::string&);
     /** Its WWN; throws NotFound where the array does not know the ID. */
     std::function<std::string(Session&, const std::string& id)> wwn;
     std::function<std::string(Session&, const std::string& id)> name;
     std::function<bool(Session&, const std::string& id, const std::string& host)> isSeenByHost;
-    std::function<bool(Session&, const std::string& id, const std::string& lunGroup)> isInGroup;
     std::function<std::vector<LunGroupMO>(Session&, const std::string& id)> groups;
+    /** Takes it out of a LUN group; tells no failure. */
+    std::function<void(Session&, const std::string& id, const std::string& lunGroup)> leave;
 
     Argument idArgument() const { return {"ID", "ID of the " + title, {}}; }
+    ovra::tessel::StorageObject storage(const std::string& id) const { return {type, id}; }
     std::string called(const std::string& id) const { return title + " " + id; }
 };
 

@@ -1,119 +1,140 @@
 #include "attach/DetachEffect.h"
 
+#include "attach/Patience.h"
 #include "objects/Listing.h"
+#include "objects/Membership.h"
 #include "text/Display.h"
 #include "text/Words.h"
-
-#include <algorithm>
 
 namespace tesselctl {
 namespace {
 
-/** An attach names what it makes by the time: "lungroup_1700000000". */
-bool isMadeByAttach(const std::string& name, const std::string& prefix)
+const std::string OWN = "tessel_host_";
+
+bool isDigits(const std::string& text)
 {
-    return name.size() > prefix.size() && name.compare(0, prefix.size(), prefix) == 0 &&
-           name.find_first_not_of("0123456789", prefix.size()) == std::string::npos;
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-template <class Record>
-std::string label(const char* title, const Record& record)
+/** An attach of the old kind names what it makes by the time: "lungroup_1700000000". */
+bool isOldName(const std::string& name, const std::string& prefix)
 {
-    return std::string(title) + " " + record.ID + " (" + record.NAME + ")";
+    return name.compare(0, prefix.size(), prefix) == 0 && isDigits(name.substr(prefix.size()));
 }
 
-std::vector<LunGroupMO> groupsTowards(Session& session, const Attachable& object, const std::string& id,
-                                      const std::vector<HostGroupMO>& hostGroups)
+/** @param host empty: any. */
+bool isMadeByAttach(const std::string& name, const std::string& prefix, const std::string& host)
 {
-    std::vector<LunGroupMO> groups;
-    for (const auto& hostGroup : hostGroups) {
-        for (const auto& view :
-             listed(session, "mapping view", &CMappingViewHandler::getMappingViewByHostGroup, hostGroup.ID)) {
-            const LunGroupMO group = session.handler<CLunGroupHandler>().getLunGroupByMappingView(view.ID);
-            const bool isKnown = std::any_of(groups.begin(), groups.end(),
-                                             [&](const LunGroupMO& other) { return other.ID == group.ID; });
-            if (!group.ID.empty() && !isKnown && object.isInGroup(session, id, group.ID)) {
-                groups.push_back(group);
-            }
+    return isOldName(name, prefix) ||
+           (host.empty() ? name.compare(0, OWN.size(), OWN) == 0 : isOwnName(name, host));
+}
+
+template <class Object>
+std::string label(const char* title, const Object& object)
+{
+    return std::string(title) + " " + object.ID + " (" + object.NAME + ")";
+}
+
+/** Calls use(host group) for those on the views of a LUN group. */
+template <class Use>
+void forEachHostGroup(Session& session, const std::string& lunGroup, const Use& use)
+{
+    const auto views = patiently([&] {
+        return listed(session, "mapping view", &CMappingViewHandler::getMappingViewByLunGroup, lunGroup);
+    });
+    for (const auto& view : views) {
+        const HostGroupMO group = patiently(
+            [&] { return session.handler<CHostGroupHandler>().getHostGroupByMappingView(view.ID); });
+        if (!group.ID.empty()) {
+            use(group);
         }
     }
-    return groups;
 }
 
-/** The host groups on the views of a LUN group through which others than the host may see its members. */
-std::vector<std::string> othersOn(Session& session, const std::string& lunGroup,
-                                  const std::vector<HostGroupMO>& own)
+bool holds(Session& session, const HostGroupMO& group, const std::string& host)
+{
+    return patiently([&] { return lists(session, &CHostGroupHandler::getHostGroupByHost, host, group.ID); });
+}
+
+/** The host groups through which others than the host may see what a LUN group holds. */
+std::vector<std::string> othersOn(Session& session, const std::string& lunGroup, const std::string& host)
 {
     std::vector<std::string> others;
-    for (const auto& view :
-         listed(session, "mapping view", &CMappingViewHandler::getMappingViewByLunGroup, lunGroup)) {
-        const HostGroupMO group = session.handler<CHostGroupHandler>().getHostGroupByMappingView(view.ID);
-        const bool isOwn =
-            std::any_of(own.begin(), own.end(), [&](const HostGroupMO& one) { return one.ID == group.ID; });
-        if (!group.ID.empty() && !isOwn) {
+    forEachHostGroup(session, lunGroup, [&](const HostGroupMO& group) {
+        if (!holds(session, group, host)) {
             others.push_back(label("host group", group));
-        } else if (isOwn && !isMadeByAttach(group.NAME, "hostgroup_")) {
+        } else if (!isMadeByAttach(group.NAME, "hostgroup_", host)) {
             others.push_back(label("host group", group) + ", whose hosts the array does not tell");
         }
-    }
+    });
     return others;
 }
 
 } // namespace
 
-DetachEffect effectOfDetach(Session& session, const Attachable& object, const std::string& id,
-                            const std::string& host)
+bool isOwnName(const std::string& name, const std::string& host)
 {
-    const auto own = host.empty()
-                         ? std::vector<HostGroupMO>()
-                         : listed(session, "host group", &CHostGroupHandler::getHostGroupByHost, host);
-    DetachEffect effect;
-    for (const auto& group :
-         host.empty() ? object.groups(session, id) : groupsTowards(session, object, id, own)) {
-        const bool isLast = session.handler<CLunGroupHandler>().getObjNOFromLunGroup(group.ID) == 1;
-        effect.groups.push_back({group.ID, group.NAME, isLast});
-        const auto others = host.empty() ? std::vector<std::string>() : othersOn(session, group.ID, own);
-        effect.others.insert(effect.others.end(), others.begin(), others.end());
-    }
-    return effect;
+    const std::string plain = OWN + host;
+    return name == plain || isOldName(name, plain + "_");
 }
 
-void refuseSideEffects(const DetachEffect& effect, const std::string& object)
+LunGroupList groupsTowards(Session& session, const Attachable& object, const std::string& id,
+                           const std::string& host)
 {
-    std::vector<std::string> reasons;
-    if (!effect.others.empty()) {
-        reasons.push_back("other hosts may lose " + object + ": those of " +
-                          joined(effect.others, ", and of "));
-    }
-    for (const auto& group : effect.groups) {
-        if (group.isLeftEmpty && !isMadeByAttach(group.name, "lungroup_")) {
-            reasons.push_back("LUN group " + group.id + " (" + group.name +
-                              "), which no attach has made, would be empty and deleted");
+    LunGroupList groups;
+    for (const auto& group : patiently([&] { return object.groups(session, id); })) {
+        bool isSeen = false;
+        if (group.NAME.compare(0, OWN.size(), OWN) != 0) { // a LUN of a cluster is in one of every host
+            forEachHostGroup(session, group.ID, [&](const HostGroupMO& hosts) {
+                isSeen = isSeen || holds(session, hosts, host);
+            });
+        }
+        if (isSeen) {
+            groups.push_back({MO_LUNGROUP, group.ID, group.NAME});
         }
     }
-    if (!reasons.empty()) {
-        throw Failure(joined(reasons, "; ") + "; detach it all the same with --force");
-    }
+    return groups;
 }
 
-std::string tellEffect(Session& session, const DetachEffect& effect, Json::Value& result)
+std::vector<std::string> objections(Session& session, const Attachable& object, const std::string& id,
+                                    const LunGroupList& groups, const std::string& host)
+{
+    std::vector<std::string> reasons;
+    std::vector<std::string> others;
+    for (const auto& group : groups) {
+        if (!isMadeByAttach(group.NAME, "lungroup_", host)) {
+            reasons.push_back(label("LUN group", group) + ", which no attach has made, holds " +
+                              object.called(id));
+        }
+        const auto more = host.empty() ? std::vector<std::string>() : othersOn(session, group.ID, host);
+        others.insert(others.end(), more.begin(), more.end());
+    }
+    if (!others.empty()) {
+        reasons.push_back("other hosts may lose it: those of " + joined(others, ", and of "));
+    }
+    return reasons;
+}
+
+std::string tellEffect(Session& session, const LunGroupList& groups, const std::string& host,
+                       Json::Value& result)
 {
     std::string text;
     result["lunGroups"] = Json::Value(Json::arrayValue);
-    for (const auto& group : effect.groups) {
-        const bool isDeleted = group.isLeftEmpty && !isThere(session, {"LUN group", group.id});
-        Json::Value entry(Json::objectValue);
-        entry["id"] = group.id;
-        entry["name"] = validUtf8(group.name);
-        entry["deleted"] = isDeleted;
-        result["lunGroups"].append(entry);
-        text += "taken out of LUN group " + group.id + " (" + printable(group.name) + ")" +
-                (isDeleted ? ", which was empty then and is deleted" : "") + "\n";
-    }
     result["otherHostGroups"] = Json::Value(Json::arrayValue);
-    for (const auto& other : effect.others) {
-        result["otherHostGroups"].append(validUtf8(other));
-        text += "gone too for " + printable(other) + "\n";
+    for (const auto& group : groups) {
+        Json::Value entry(Json::objectValue);
+        entry["id"] = group.ID;
+        entry["name"] = validUtf8(group.NAME);
+        result["lunGroups"].append(entry);
+        text += "taken out of " + printable(label("LUN group", group)) + "\n";
+    }
+    for (const auto& group : groups) {
+        const auto others = host.empty() || isOwnName(group.NAME, host) ? std::vector<std::string>()
+                                                                        : othersOn(session, group.ID, host);
+        for (const auto& other : others) {
+            result["otherHostGroups"].append(validUtf8(other));
+            text += "gone too for " + printable(other) + "\n";
+        }
     }
     return text;
 }

@@ -10,30 +10,27 @@
 
 namespace tesselctl {
 
-/** What a detach changes beside the one link that is asked for. */
-struct DetachEffect
-{
-    /** A LUN group that the object is taken out of. */
-    struct Group
-    {
-        std::string id;
-        std::string name;
-        bool isLeftEmpty = false; ///< and deleted then
-    };
+using LunGroupList = std::vector<ovra::tessel::NamedObject>;
 
-    std::vector<Group> groups;
-    std::vector<std::string> others; ///< host groups that lose it too, or hold hosts that nobody tells
-};
+/** Whether a LUN group or host group has a name that ensureVisible gives to those of one host. */
+bool isOwnName(const std::string& name, const std::string& host);
 
-/** @param host the host that is to lose the object; empty: all of them. */
-DetachEffect effectOfDetach(Session& session, const Attachable& object, const std::string& id,
-                            const std::string& host);
+/** The LUN groups of others, not named by ensureVisible, through which the host sees the object. */
+LunGroupList groupsTowards(Session& session, const Attachable& object, const std::string& id,
+                           const std::string& host);
 
-/** Throws Failure where other hosts lose the object, or a LUN group is deleted that no attach has made. */
-void refuseSideEffects(const DetachEffect& effect, const std::string& object);
+/**
+ * Why an object may not be taken out of LUN groups unasked, a sentence each: one that no attach has made, or
+ * one through which others than the host see it too.
+ * @param host the host that is to lose the object; empty: all of them.
+ */
+std::vector<std::string> objections(Session& session, const Attachable& object, const std::string& id,
+                                    const LunGroupList& groups, const std::string& host);
 
-/** What a detach with this effect has done, as text; adds "lunGroups" and "otherHostGroups" to the result. */
-std::string tellEffect(Session& session, const DetachEffect& effect, Json::Value& result);
+/** The LUN groups that the object was taken out of, and the host groups that lost it with the host, as text;
+ * adds "lunGroups" and "otherHostGroups" to the result. */
+std::string tellEffect(Session& session, const LunGroupList& groups, const std::string& host,
+                       Json::Value& result);
 
 } // namespace tesselctl
 

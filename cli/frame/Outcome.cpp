@@ -84,7 +84,8 @@ Outcome outcomeOf(const std::exception& error)
         outcome.exitCode = failure->code();
         outcome.hasArrayCode = failure->arrayCode() != 0;
         outcome.arrayCode = failure->arrayCode();
-        const bool isTold = !outcome.hasArrayCode || outcome.exitCode == ExitCode::ARRAY_ERROR;
+        const bool isTold = !outcome.hasArrayCode || outcome.exitCode == ExitCode::ARRAY_ERROR ||
+                            outcome.message.find(std::to_string(outcome.arrayCode)) != std::string::npos;
         outcome.message += isTold ? "" : " (error code " + std::to_string(outcome.arrayCode) + ")";
     }
     return outcome;

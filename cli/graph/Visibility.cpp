@@ -150,7 +150,7 @@ private:
         if (isIscsi) {
             remedy("attach " + (to.type == "LUN" ? std::string("lun ") : std::string("snapshot ")) +
                        id(m_to) + " --initiator " + id(m_from),
-                   "makes new groups and a mapping view for it alone");
+                   "puts it into the LUN group of the host's own, and makes what is missing for that");
         }
     }
 

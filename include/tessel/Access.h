@@ -75,8 +75,9 @@ struct AccessResult
     AccessPath own;                    ///< the host's own objects, as far as they were looked for
     std::vector<NamedObject> made;     ///< what was made, in this order
     std::vector<NamedObject> leftFrom; ///< LUN groups that the object was taken out of
-    std::vector<AccessPath>
-        others; ///< what shows the object though the host's own LUN group does not hold it
+    /** What shows the object though the host's own LUN group does not hold it; and, of ensureHidden, to whom
+     * else that group is shown, which keeps the object in it. */
+    std::vector<AccessPath> others;
 };
 
 /**
@@ -108,10 +109,11 @@ TESSEL_API AccessResult ensureVisible(CDeviceManager& manager, const StorageObje
 /**
  * Takes a LUN or snapshot out of the host's own LUN group, which stays, with host group and mapping view, for
  * the next object. Other hosts, and LUN groups of others, keep what they have: where the host still sees the
- * object through them, isVisible is true and they are told; with AccessOptions::evenThroughOthers the object
- * is taken out of these LUN groups too, and so away from every host that they serve.
+ * object through them, or somebody shows the host's own LUN group to another host group, isVisible is true
+ * and they are told; with AccessOptions::evenThroughOthers the object is taken out of these LUN groups too,
+ * and so away from every host that they serve.
  *
- * May meet other calls as ensureVisible does. Takes about 6 requests.
+ * May meet other calls as ensureVisible does. Takes about 8 requests.
  *
  * @param manager logged in.
  * @param object the LUN or snapshot; need not exist any more.

@@ -60,8 +60,15 @@ AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
         return result;
     }
     const AccessNames names = AccessNames::ofHost(result.hostID);
+    const auto takeOutUnless = [&](const std::vector<AccessPath>& reasons, const LunGroupMO& group) {
+        if (reasons.empty() || options.evenThroughOthers) {
+            takeOut(map, object, group, options, result);
+        } else {
+            result.others.insert(result.others.end(), reasons.begin(), reasons.end());
+        }
+    };
     for (const LunGroupMO& group : map.lunGroupsNamed(names.at(0))) {
-        takeOut(map, object, group, options, result);
+        takeOutUnless(map.pathsToOthers(group, names), group);
     }
     result.isVisible = map.isVisible(result.hostID);
     if (!result.isVisible) {
@@ -69,11 +76,14 @@ AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
     }
     // Rare: a LUN group of the host's own with a suffix, or groups of others.
     for (const LunGroupMO& group : map.lunGroups()) {
-        const std::vector<AccessPath> paths = map.paths(group, result.hostID);
-        if (names.has(group.NAME) || (options.evenThroughOthers && !paths.empty())) {
-            takeOut(map, object, group, options, result);
-        } else {
-            result.others.insert(result.others.end(), paths.begin(), paths.end());
+        if (names.indexOf(group.NAME) == 0) {
+            continue;
+        }
+        const bool isOwn = names.has(group.NAME);
+        const std::vector<AccessPath> paths =
+            isOwn ? map.pathsToOthers(group, names) : map.paths(group, result.hostID);
+        if (isOwn || !paths.empty()) {
+            takeOutUnless(paths, group);
         }
     }
     result.isVisible = map.isVisible(result.hostID);

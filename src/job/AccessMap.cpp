@@ -143,6 +143,26 @@ std::vector<AccessPath> AccessMap::paths(const LunGroupMO& lunGroup, const std::
     return paths;
 }
 
+std::vector<AccessPath> AccessMap::pathsToOthers(const LunGroupMO& lunGroup, const AccessNames& names) const
+{
+    std::vector<AccessPath> paths;
+    MappingViewQuery query; // in one request: nearly always there is one view
+    query.count = ANY_NUMBER;
+    const auto views =
+        read([&] { return m_array.mappingViews()->getMappingViewByLunGroup(lunGroup.ID, query); });
+    for (const MappingViewMO& view : views) {
+        if (names.has(view.NAME)) { // spares a request in the usual case
+            continue;
+        }
+        const auto group = read([&] { return m_array.hostGroups()->getHostGroupByMappingView(view.ID); });
+        if (!group.ID.empty() && !names.has(group.NAME)) {
+            paths.push_back(
+                {named(MO_LUNGROUP, lunGroup), named(MO_MAPPINGVIEW, view), named(MO_HOSTGROUP, group)});
+        }
+    }
+    return paths;
+}
+
 void AccessMap::tellWhatShows(AccessResult& result) const
 {
     const AccessNames names = AccessNames::ofHost(result.hostID);

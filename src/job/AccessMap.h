@@ -53,6 +53,9 @@ public:
     std::vector<LunGroupMO> lunGroups() const;
     /** The ways from a LUN group to a host. */
     std::vector<AccessPath> paths(const LunGroupMO& lunGroup, const std::string& hostID) const;
+    /** The ways from a host's own LUN group that an administrator made to host groups which are not its own.
+     */
+    std::vector<AccessPath> pathsToOthers(const LunGroupMO& lunGroup, const AccessNames& names) const;
     /** What shows the object to the result's host: its own LUN group, or others. */
     void tellWhatShows(AccessResult& result) const;
 

@@ -128,6 +128,18 @@ TEST_F(HostTest, DetachRemovesTheDevicesFirstWhenAskedTo)
     EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json().size(), 0U);
 }
 
+TEST_F(HostTest, ADetachThatIsRefusedRemovesNoDevices)
+{
+    bindAll();
+    addLunDisk();
+    EXPECT_THAT(expect(1, {"detach", "lun", lun, "--remove-devices"}).err,
+                HasSubstr("LUN group " + lunGroup + " (luns), which no attach has made"));
+    EXPECT_TRUE(diskIsThere());
+    EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json().size(), 1U);
+    expect(0, {"detach", "lun", lun, "--remove-devices", "--force"});
+    EXPECT_FALSE(diskIsThere());
+}
+
 TEST_F(HostTest, ADetachThatLeavesDevicesBehindSaysSo)
 {
     expect(0, {"attach", "lun", lun});
