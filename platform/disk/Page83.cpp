@@ -48,18 +48,18 @@ unsigned char byteAt(const std::string& page, size_t place)
 std::optional<DiskIdentity> parsePage83(const std::string& page)
 {
     const size_t length = byteAt(page, HEADER + LENGTH);
-    if (length > LONGEST_WWN) {
+    if (length > LONGEST_WWN) { // docs/oddities.md#first-designator
         return std::nullopt;
     }
     std::string designator;
     for (size_t i = 0; i < length; ++i) {
         designator += static_cast<char>(byteAt(page, 2 * HEADER + i));
     }
-    uint32_t lunId = 0;
+    uint32_t lunId = 0; // docs/oddities.md#lun-id-bytes
     for (size_t i = 0; i < sizeof(lunId); ++i) {
         lunId = lunId << 8U | byteAt(page, ARRAY_LUN_ID + i);
     }
-    // Ten characters, on purpose: the ID has always been cut there, and is the caller's to compare.
+    // Callers compare IDs that were always cut there: docs/oddities.md#ten-characters
     return DiskIdentity{hexOf(designator),
                         std::to_string(static_cast<int32_t>(lunId)).substr(0, LONGEST_LUN_ID)};
 }

@@ -13,7 +13,7 @@ struct FieldTable<HostMO>
     static constexpr auto fields =
         std::make_tuple(fields::read("ID", &HostMO::ID, readers::asText),
                         fields::read("NAME", &HostMO::NAME, readers::asText),
-                        // A JSON number where the states are texts: so the array has it.
+                        // A JSON number where the states are texts: docs/oddities.md#parenttype
                         fields::read("PARENTTYPE", &HostMO::PARENTTYPE, readers::asJsonUnsigned),
                         fields::read("PARENTID", &HostMO::PARENTID, readers::asText),
                         fields::read("LOCATION", &HostMO::LOCATION, readers::asText),

@@ -25,7 +25,7 @@ HostGroupMO CHostGroupHandlerImpl::createHostGroup(HostGroupMO& hostGroup)
         op.require(!hostGroup.NAME.empty(), "HostGroup name is empty! ");
         op.add("NAME", hostGroup.NAME);
         op.addIfSet("DESCRIPTION", hostGroup.DESCRIPTION);
-        op.addIfSet("ID", hostGroup.ID);
+        op.addIfSet("ID", hostGroup.ID); // docs/oddities.md#id-last
         const std::string id = op.post("/hostgroup").id();
         return retryWhile({NOT_YET_READABLE}, "retry get host group!", [&] { return getHostGroup(id); });
     });
@@ -76,7 +76,7 @@ void CHostGroupHandlerImpl::removeHostFromHostGroup(const std::string& hostID, c
     run("removeHostFromHostGroup", [&](Operation& op) {
         op.requireId(hostID, texts::HOST_ID_EMPTY);
         op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
-        // "/host" where the addition has "/hostgroup": so the array has it.
+        // "/host" where the addition has "/hostgroup": docs/oddities.md#host-associate
         absorb(REMOVING, op.name(),
                [&] { op.del("/host/associate?" + memberOf(hostGroupID, MO_HOST, hostID)); });
     });

@@ -13,7 +13,7 @@ HostMO CHostHandlerImpl::createHost(HostMO& host)
         op.add("TYPE", int{MO_HOST});
         op.require(!host.NAME.empty(), "Host name is empty! ");
         op.add("NAME", host.NAME);
-        // A warning only, by design: the unset value is sent as it is.
+        // A warning only: docs/oddities.md#operating-system-100
         op.expect(host.OPERATIONSYSTEM != HostMO().OPERATIONSYSTEM,
                   "OperationSystem value is initial value! ");
         op.add("OPERATIONSYSTEM", static_cast<int>(host.OPERATIONSYSTEM));

@@ -26,6 +26,7 @@ struct FieldTable<IscsiInitiatorMO>
         fields::read("CHAPNAME", &MO::CHAPNAME, readers::asTextIfPresent),
         fields::secret("CHAPPASSWORD", &MO::CHAPPASSWORD),
         fields::secret("CHAPOLDPASSWORD", &MO::CHAPOLDPASSWORD),
+        // docs/oddities.md#initator
         fields::read("CHAPNAMEINITATORVERTARGET", &MO::CHAPNAMEINITATORVERTARGET, readers::asTextIfPresent),
         fields::secret("CHAPPASSWORDINITATORVERTARGET", &MO::CHAPPASSWORDINITATORVERTARGET),
         fields::secret("CHAPOLDPASSWORDINITATORVERTARGET", &MO::CHAPOLDPASSWORDINITATORVERTARGET));

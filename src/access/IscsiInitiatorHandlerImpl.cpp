@@ -20,7 +20,7 @@ bool isMutual(const IscsiInitiatorMO& initiator)
     return initiator.NORMALVERMODE == MUTUAL_CHAP || initiator.DISCOVERYVERMODE == MUTUAL_CHAP;
 }
 
-/** "USECHAP" and the modes; true when CHAP is on. CHAP asked for without a mode is turned off. */
+/** "USECHAP" and the modes; true when CHAP is on. Off without a mode: docs/oddities.md#usechap */
 bool addChapModes(Operation& op, const IscsiInitiatorMO& initiator)
 {
     const bool on = initiator.USECHAP && isChapOn(initiator);
@@ -34,7 +34,7 @@ bool addChapModes(Operation& op, const IscsiInitiatorMO& initiator)
 
 void addChapOnCreate(Operation& op, const IscsiInitiatorMO& initiator)
 {
-    // What is missing is told and sent all the same, by design: the array decides.
+    // What is missing is told and sent all the same: docs/oddities.md#empty-chap
     if (initiator.USECHAP && isChapOn(initiator)) {
         op.expect(!initiator.CHAPNAME.empty(), "ChapName is empty! ");
         op.expect(!initiator.CHAPPASSWORD.empty(), "ChapPassword is empty! ");
@@ -73,7 +73,7 @@ void addChapOnModify(Operation& op, const IscsiInitiatorMO& initiator, const Isc
 
 IscsiInitiatorMO CIscsiInitiatorHandlerImpl::createIscsiInitiator(IscsiInitiatorMO& initiator)
 {
-    // Create and modify close with their enter text, on purpose.
+    // Create and modify close with their enter text: docs/oddities.md#closing-line
     const Frame frame = Frame("createIscsiInitiator").closingAsEntered();
     return run(frame, [&](Operation& op) {
         op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID_EMPTY);
@@ -100,7 +100,7 @@ void CIscsiInitiatorHandlerImpl::modifyIscsiInitiator(IscsiInitiatorMO& initiato
             op.add("PARENTID", initiator.PARENTID);
             op.add("PARENTTYPE", int{MO_HOST}); // whatever the record holds
         }
-        op.put("/iscsi_initiator");
+        op.put("/iscsi_initiator"); // docs/oddities.md#initiator-in-the-body
     });
 }
 

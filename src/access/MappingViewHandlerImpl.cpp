@@ -110,7 +110,7 @@ void CMappingViewHandlerImpl::removeAssociateFromMappingView(const std::string& 
 {
     const Frame frame = Frame("removeAssociateFromMappingView").errorsAs(callerName);
     run(frame, [&](Operation& op) {
-        op.add("ID", mappingViewID); // ahead of "TYPE" here, behind it when adding
+        op.add("ID", mappingViewID); // docs/oddities.md#id-and-type
         op.add("TYPE", int{MO_MAPPINGVIEW});
         op.add("ASSOCIATEOBJTYPE", objType);
         op.add("ASSOCIATEOBJID", objID);

@@ -39,6 +39,7 @@ int detachFromView(const AttachHandlers& handlers, const std::string& id, const 
     return matches;
 }
 
+/** Leaves the view, the host group and the host: docs/oddities.md#what-a-detach-leaves */
 template <class Kind>
 void detachFromHost(Operation& op, const AttachHandlers& handlers, const std::string& id,
                     const std::string& initiatorId)

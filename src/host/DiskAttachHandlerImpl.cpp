@@ -10,7 +10,7 @@ using namespace ovra::tessel;
 
 namespace {
 
-constexpr int ALREADY_MAPPED = 1;
+constexpr int ALREADY_MAPPED = 1; // docs/oddities.md#already-mapped
 
 /** The initiator's host; one is made for an initiator that has none. */
 HostMO hostOf(const AttachHandlers& handlers, const IscsiInitiatorMO& initiator, const std::string& newName,

@@ -19,10 +19,10 @@ public:
                              const std::string& hostIP) override;
     int detachSnapshotFromHost(const std::string& snapshotID, const std::string& iscsiInitiatorID) override;
 
-    /** prefix, "_" and the time in whole seconds since the epoch. */
+    /** prefix, "_" and the time in whole seconds since the epoch: docs/oddities.md#names-by-the-clock */
     std::string getBuildedName(const std::string& prefix);
 
-    /** Binds both groups to the view; when that fails, deletes the view and says so only in the run log. */
+    /** Binds both groups to the view, or deletes it and says so: docs/oddities.md#unbound-view */
     void addMappingView(const std::string& lunGroupID, const std::string& hostGroupID,
                         const std::string& mappingViewID, CMappingViewHandler* mappingViewHandler,
                         const std::string& callerName);

@@ -46,7 +46,7 @@ std::string awaitScan(const std::string& snapshotId, const std::string& wwn)
         COMMLOG(OS_LOG_INFO, "Target Snapshot ID [%s]", snapshotId.c_str());
     } else {
         COMMLOG(OS_LOG_INFO, "no find lun");
-        COMMLOG(OS_LOG_INFO, "exit ScanSnapshotPreare successfully!");
+        COMMLOG(OS_LOG_INFO, "exit ScanSnapshotPreare successfully!"); // docs/oddities.md#exit-preare
     }
     return path;
 }
@@ -75,7 +75,7 @@ std::string CDiskScannerHandlerImpl::scanLunAfterAttach(std::string& lunID)
         if (!lock) {
             return std::nullopt;
         }
-        rescanHost(lookForKorvex());
+        rescanHost(lookForKorvex()); // docs/oddities.md#korvex-each-time
         return GetDiskPath(lun.ID, lun.WWN, MO_LUN);
     };
     return scan<LunKind>("scanLunAfterAttach", m_pDeviceManager, lunID, steps);

@@ -30,7 +30,7 @@ public:
     /** The quick search among the device identifiers that hold the WWN; only with the Korvex product. */
     std::string GetDiskPathForWWN(const std::string& wwn);
 
-    /** Waits for another thread's scan and looks whether it has brought the snapshot's device. */
+    /** Waits for another thread's scan and looks for the snapshot's device. docs/oddities.md#preare */
     std::string ScanSnapshotPreare(std::string snapshotID, const std::string& wwn);
 
     // SCSI identity. These return 0, or -1 with the outputs as they were.

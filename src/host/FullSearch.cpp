@@ -73,7 +73,7 @@ Visit FullSearch::visit(const std::string& path, const std::set<std::string>& id
     COMMLOG(OS_LOG_INFO, "strDiskPath [%s]", path.c_str());
     const disk::DiskIdentity identity = disk::readIdentity(path);
     COMMLOG(OS_LOG_INFO, "Target %s ID [%s]", label, objectId.c_str());
-    if (identity.wwn == wwn && identifiers.count(wwn) != 0) {
+    if (identity.wwn == wwn && identifiers.count(wwn) != 0) { // docs/oddities.md#wwn-case
         record.write(RESULT_SUCCESS);
         rescanDevice(path);
         COMMLOG(OS_LOG_INFO, "---------GetDiskPath successfully---------!");

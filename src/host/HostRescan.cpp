@@ -54,11 +54,12 @@ bool checkDisks()
 void rescanWithScript(bool mayRemove)
 {
     mayRemove = mayRemove && checkScript();
-    // Twice: the second run finds what the first one's changes brought into view.
+    // The second run finds what the first one's changes brought into view: docs/oddities.md#rescan-twice
     for (int run = 0; run < 2; ++run) {
         mayRemove = mayRemove && checkDisks();
         runCommand(mayRemove ? RESCAN_AND_REMOVE : RESCAN_ONLY);
     }
+    // docs/oddities.md#rescan-start
     COMMLOG(OS_LOG_DEBUG, "=============rescan-scsi-bus.sh start============");
 }
 
@@ -83,7 +84,7 @@ void rescanHost(disk::Presence korvex)
     } else {
         rescanWithScript(korvex == disk::Presence::ABSENT);
     }
-    COMMLOG(OS_LOG_INFO, "============Rescan -r success=============\n");
+    COMMLOG(OS_LOG_INFO, "============Rescan -r success=============\n"); // docs/oddities.md#rescan-success
     waitForTemporaryDevices();
 }
 

@@ -120,7 +120,7 @@ int KxRescanLock::InitLock()
         COMMLOG(OS_LOG_INFO, "Sem exists.SemId:[%d]", existing);
         return 0;
     }
-    if (existing == 0) {
+    if (existing == 0) { // docs/oddities.md#semaphore-0
         COMMLOG(OS_LOG_WARN,
                 "The rescan lock has the ID 0: every program that starts frees it, so that rescans "
                 "may overlap. Remove it (ipcrm -S 1235) while no program that scans is running.");

@@ -70,6 +70,7 @@ std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std:
     });
 }
 
+/** Without the rescan lock: docs/oddities.md#no-lock */
 template <class Kind>
 void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id)
 {

@@ -15,6 +15,7 @@
 
 namespace ovra::tessel {
 
+// docs/oddities.md#line-feed
 const char* const SEARCH_SEPARATOR = "=========================================\n";
 
 namespace {

@@ -19,7 +19,7 @@ struct FieldTable<ETHPortMO>
         fields::read("LOGICTYPE", &MO::LOGICTYPE, readers::asUl),
         fields::read("MACADDRESS", &MO::MACADDRESS, readers::asText),
         fields::read("INIORTGT", &MO::INIORTGT, readers::asUl), fields::read("MTU", &MO::MTU, readers::asUl),
-        fields::read("ISCSITCPPORT", &MO::ISCSITCPPORT, readers::asText),
+        fields::read("ISCSITCPPORT", &MO::ISCSITCPPORT, readers::asText), // docs/oddities.md#iscsitcpport
         fields::read("ISCSINAME", &MO::ISCSINAME, readers::asText),
         fields::read("ERRORPACKETS", &MO::ERRORPACKETS, readers::asUl),
         fields::read("LOSTPACKETS", &MO::LOSTPACKETS, readers::asUl),

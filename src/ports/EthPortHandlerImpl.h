@@ -5,6 +5,7 @@
 
 #include <tessel/ETHPort.h>
 
+/** The name: docs/oddities.md#ethport */
 class CEthPortHandlerImpl : public ovra::tessel::HandlerOf<CETHPortHandler>
 {
 public:

@@ -19,7 +19,7 @@ struct Absorbed
     const char* otherwise;   ///< no answer
 };
 
-/** Runs an exchange and turns its failures into warnings. */
+/** Runs an exchange and turns its failures into warnings: docs/oddities.md#groups-never-fail */
 template <class Exchange>
 void absorb(const Absorbed& texts, const std::string& callerName, Exchange exchange)
 {

@@ -42,7 +42,7 @@ public:
         return index < count() ? (*this)[index]["ID"].asString() : std::string();
     }
 
-    /** Record 0, or the defaults when there is none, or none with an ID. */
+    /** Record 0; the defaults when there is none, or none with an ID: docs/oddities.md#missing-object */
     template <class Record>
     Record read() const
     {

@@ -81,7 +81,7 @@ void CDeviceManagerImpl::initial(unsigned int retryTimes, unsigned int retrySlee
 {
     const ovra::NoCancellation whole;
     const MutexLock lock(m_mutex);
-    COMMLOG(OS_LOG_INFO, "enter CDeviceManagerImpl::initial()!");
+    COMMLOG(OS_LOG_INFO, "enter CDeviceManagerImpl::initial()!"); // docs/oddities.md#first-enter-line
     if (iniCnt == 0) {
         LOG_INIT(); // a host without a place for its logs is still to be served
         gRetryTimes = retryTimes;

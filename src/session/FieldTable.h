@@ -92,13 +92,13 @@ inline void asJsonSigned(int32_t& out, Json::Value& record, const char* key)
     out = record[key].asInt();
 }
 
-/** As the C function does it: a text that is not a number reads as 0. */
+/** As the C function does it: docs/oddities.md#runspeed */
 inline void asAtoi(int64_t& out, Json::Value& record, const char* key)
 {
     out = std::atoi(text(record, key).c_str()); // NOLINT(cert-err34-c): 0 is what is wanted
 }
 
-/** Set only by exactly "true". */
+/** Set only by exactly "true": docs/oddities.md#flags */
 template <class T>
 void asFlag(T& out, Json::Value& record, const char* key)
 {

@@ -82,8 +82,7 @@ void COMMLOG(OS_LOGLEVEL level, const char* format, ...)
     const int written = vsnprintf_s(line, sizeof(line), sizeof(line) - 1, format, args);
     va_end(args);
     if (written < 0) {
-        // On purpose: a text that was cut is written a second time, so that a filter on the level cannot hide
-        // it.
+        // A text that was cut is written a second time: docs/oddities.md#cut-at-512
         Log_Run_Info(PRODUCT_TAG, line);
     }
     if (level >= OS_LOG_DEBUG && level <= OS_LOG_ERROR) {

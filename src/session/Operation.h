@@ -61,7 +61,7 @@ public:
     void require(bool holds, const char* text, int result = RESULT_BAD_ARGUMENT);
     /** The same for an ID, which is not empty, nor "." or "..": a server takes these for another path. */
     void requireId(const std::string& id, const char* textIfEmpty);
-    /** As require, but only says so, with a record of its own: the operation goes on. */
+    /** As require, but only says so, with a record of its own: docs/oddities.md#two-records */
     void expect(bool holds, const char* text);
     /** Ends the operation as one that got no answer unless the answer holds what it must. */
     void requireReadable(bool holds);

@@ -23,8 +23,8 @@ constexpr int LUNGROUP_BUSY = 1077949001;
 
 /**
  * Calls until it succeeds, at most gRetryTimes times more, as long as the array answers with one of the
- * codes. Any other error of the array, or the last of these, ends it quietly: the operation before it did
- * succeed.
+ * codes. Any other error of the array, or the last of these, ends it quietly
+ * (docs/oddities.md#not-yet-readable).
  */
 template <class Call>
 auto retryWhile(std::initializer_list<int> codes, const char* retryLine, Call call) -> decltype(call())

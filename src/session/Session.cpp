@@ -28,6 +28,7 @@ Frame logoutFrame()
 
 Frame keepAliveFrame()
 {
+    // No name, so no record: docs/oddities.md#keepalive
     return {"", "Keep alive start...", "", "Keep alive fail!", "Keep alive fail err msg:"};
 }
 
@@ -37,7 +38,7 @@ Frame useConnectionFrame()
             "Use existed connection fail", "Use existed connection fail,err msg:"};
 }
 
-/** The cookie is what stands before the first ";" of the first such line, leading blank included. */
+/** What stands before the first ";" of the first such line: docs/oddities.md#cookie */
 std::string findCookie(const std::vector<std::string>& headers)
 {
     const std::string name = "Set-Cookie:";
@@ -120,11 +121,11 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
         op.add("username", userName);
         op.add("password", password);
         op.add("scope", static_cast<int>(scope));
-        // "xxxx" stands in the path as it is: the device ID is what the login is to tell.
+        // docs/oddities.md#xxxx
         const Answer answer = op.checked(exchange(op.request(), REST_POST, "xxxx/sessions", true));
 
         const std::string deviceId = answer[0]["deviceid"].asString();
-        const std::string token = answer[0]["iBaseToken"].asString();
+        const std::string token = answer[0]["iBaseToken"].asString(); // docs/oddities.md#ibasetoken
         const std::string cookie = findCookie(answer.headers());
         op.require(!cookie.empty(), "Get cookie Err");
         if (!isUsable(deviceId) || token.empty()) {

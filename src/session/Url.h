@@ -23,7 +23,7 @@ std::string associatedWith(unsigned long otherType, const std::string& otherId);
 /** "ID=group&ASSOCIATEOBJTYPE=type&ASSOCIATEOBJID=id" */
 std::string memberOf(const std::string& groupId, MOType type, const std::string& id);
 
-/** "range=[start-end]" behind the separator; empty when count is 0. */
+/** "range=[start-end]" behind the separator; empty when count is 0. The end: docs/oddities.md#range */
 std::string rangeOf(unsigned long start, unsigned long count, const char* separator);
 
 /** True for a text that would be read as a value and a condition behind it: "a and NAME:b". */

@@ -70,7 +70,7 @@ struct SnapshotKind
                                         "add snapshot to lun group failed. "};
     static constexpr Absorbed REMOVING = {
         {1077948996},
-        "the snapshot was not in the lun group, ignore it. , ignore it. ", // on purpose
+        "the snapshot was not in the lun group, ignore it. , ignore it. ", // docs/oddities.md#ignore-it
         "remove object from lunGroup exception. ",
         "remove snapshot from lun group failed. "};
 

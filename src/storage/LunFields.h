@@ -14,7 +14,7 @@ inline void poolType(uint32_t& out, Json::Value&, const char*)
     out = MO_STORAGEPOOL;
 }
 
-/** Sectors to bytes; more than 64 bits hold reads as unset. */
+/** Sectors to bytes (docs/oddities.md#sectorsize); more than 64 bits hold reads as unset. */
 inline void asBytes(uint64_t& out, Json::Value& record, const char* key)
 {
     uint64_t sectors = 0;
@@ -49,7 +49,7 @@ struct FieldTable<LunMO>
         fields::read("ALLOCTYPE", &LunMO::ALLOCTYPE, readers::asUl),
         fields::read("CAPACITY", &LunMO::CAPACITY, readers::asBytes),
         fields::read("ALLOCCAPACITY", &LunMO::ALLOCCAPACITY, readers::asBytes),
-        // The same key a second time, unscaled, on purpose.
+        // The same key a second time, unscaled: docs/oddities.md#alloccapacity
         fields::named("ALLOCCAPACITYRAW", &LunMO::ALLOCCAPACITYRAW, "ALLOCCAPACITY", readers::asUll),
         fields::read("THINCAPACITYUSAGE", &LunMO::THINCAPACITYUSAGE, readers::asThinUsage),
         fields::read("EXPOSEDTOINITIATOR", &LunMO::EXPOSEDTOINITIATOR, readers::asFlag),

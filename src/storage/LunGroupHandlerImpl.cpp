@@ -22,11 +22,11 @@ LunGroupMO CLunGroupHandlerImpl::createLunGroup(LunGroupMO& lunGroup)
         op.add("NAME", lunGroup.NAME);
         op.addIfSet("DESCRIPTION", lunGroup.DESCRIPTION);
         if (lunGroup.APPTYPE == LunGroupMO().APPTYPE) {
-            lunGroup.APPTYPE = 0; // in the caller's record too, on purpose
+            lunGroup.APPTYPE = 0; // in the caller's record too: docs/oddities.md#apptype
         }
         op.add("APPTYPE", int{lunGroup.APPTYPE});
-        op.add("GROUPTYPE", 0UL); // whatever the record holds
-        const std::string id = op.post("/lungroup/").id();
+        op.add("GROUPTYPE", 0UL);                          // docs/oddities.md#grouptype
+        const std::string id = op.post("/lungroup/").id(); // docs/oddities.md#lungroup-slash
         return retryWhile({NOT_YET_READABLE, LUNGROUP_BUSY}, "retry get lun group!",
                           [&] { return getLunGroup(id); });
     });
@@ -34,7 +34,7 @@ LunGroupMO CLunGroupHandlerImpl::createLunGroup(LunGroupMO& lunGroup)
 
 void CLunGroupHandlerImpl::deleteLunGroup(const std::string& lunGroupID)
 {
-    // Closes with its enter text on purpose.
+    // docs/oddities.md#closing-line
     deleteById(Frame("deleteLunGroup").closingAsEntered(), "/lungroup/", lunGroupID,
                texts::LUNGROUP_ID_EMPTY);
 }
@@ -111,10 +111,11 @@ LunGroupMO CLunGroupHandlerImpl::getLunGroupByMappingView(const std::string& map
 
 uint64_t CLunGroupHandlerImpl::getObjNOFromLunGroup(const std::string& lunGroupID)
 {
-    // The lines name it otherwise than the record does, on purpose.
+    // The lines name it otherwise than the record does: docs/oddities.md#getlunno
     const Frame frame = Frame("getObjNOFromLunGroup").loggedAs("getLunNOFromLunGroup");
     return run(frame, [&](Operation& op) {
         op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        // docs/oddities.md#counted-apart
         const uint64_t luns = getCountByAssociate(lunGroupID, "lun");
         return saturatedSum(luns, getCountByAssociate(lunGroupID, "snapshot"));
     });

@@ -8,7 +8,7 @@ using namespace ovra::tessel;
 
 namespace {
 
-constexpr unsigned int SECTOR_SHIFT = 9; // 512-byte sectors
+constexpr unsigned int SECTOR_SHIFT = 9; // docs/oddities.md#sectors
 constexpr uint32_t THIN = 1;
 constexpr uint64_t MAX_USAGE_PERCENT = 100;
 constexpr useconds_t SETTLE_MICROSECONDS = 200000; // a new LUN is seldom readable earlier
@@ -18,7 +18,7 @@ void addCapacities(Operation& op, const LunMO& lun)
     using Sectors = unsigned long long;
     op.add("CAPACITY", Sectors{lun.CAPACITY >> SECTOR_SHIFT});
     op.addIfSet("DESCRIPTION", lun.DESCRIPTION);
-    op.add("ALLOCTYPE", lun.ALLOCTYPE == THIN ? 1 : 0);
+    op.add("ALLOCTYPE", lun.ALLOCTYPE == THIN ? 1 : 0); // docs/oddities.md#alloctype
     if (lun.ALLOCTYPE == THIN) {
         op.add("INITIALALLOCCAPACITY", Sectors{lun.ALLOCCAPACITY >> SECTOR_SHIFT});
         if (lun.THINCAPACITYUSAGE <= MAX_USAGE_PERCENT) {
@@ -54,7 +54,7 @@ LunMO CLunHandlerImpl::createLun(LunMO& lun)
         op.require(!lun.PARENTID.empty(), "ParentID is empty! ");
         op.add("PARENTID", lun.PARENTID);
         op.require(lun.CAPACITY != LunMO().CAPACITY,
-                   "Capacity value is initial value"); // without a blank, as it is
+                   "Capacity value is initial value"); // docs/oddities.md#no-blank
         addCapacities(op, lun);
         addTuning(op, lun);
         const std::string id = op.post("/lun").id();

@@ -19,6 +19,7 @@ struct FieldTable<SnapshotMO>
                         fields::read("HEALTHSTATUS", &SnapshotMO::HEALTHSTATUS, readers::asUl),
                         fields::read("RUNNINGSTATUS", &SnapshotMO::RUNNINGSTATUS, readers::asUl),
                         fields::read("DESCRIPTION", &SnapshotMO::DESCRIPTION, readers::asText),
+                        // Numbers of the array: docs/oddities.md#snapshot-capacities
                         fields::read("USERCAPACITY", &SnapshotMO::USERCAPACITY, readers::asUll),
                         fields::read("CONSUMEDCAPACITY", &SnapshotMO::CONSUMEDCAPACITY, readers::asUll),
                         fields::read("WWN", &SnapshotMO::WWN, readers::asText));

@@ -33,7 +33,7 @@ std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByCondition(const std::
                                                                      SnapshotQuery& query,
                                                                      const std::string& interfaceName)
 {
-    // Recorded under the operation that it works for.
+    // docs/oddities.md#recorded-as-the-caller
     const Frame frame = Frame(interfaceName).loggedAs("getSnapshotByCondition");
     return run(frame, [&](Operation& op) {
         return list(op, objType, objID, query, &CSnapshotHandler::getSnapshot);

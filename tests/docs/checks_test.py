@@ -10,6 +10,7 @@ import unittest
 import check_blocks
 import check_links
 import check_messages
+import check_oddities
 from manual import ROOT
 
 
@@ -17,7 +18,7 @@ class Checks(unittest.TestCase):
     def setUp(self):
         self.root = tempfile.mkdtemp(prefix="tessel-manual-")
         self.addCleanup(shutil.rmtree, self.root)
-        for part in ("docs", "examples", "lab", "scripts", "src", os.path.join("platform", "rest"), os.path.join("platform", "log")):
+        for part in ("docs", "examples", "lab", "scripts", "src", "platform"):
             shutil.copytree(os.path.join(ROOT, part), os.path.join(self.root, part), symlinks=True)
         shutil.copy(os.path.join(ROOT, "README.md"), self.root)
 
@@ -85,6 +86,18 @@ class Checks(unittest.TestCase):
     def test_a_message_that_no_source_has(self):
         self.change("src/session/Session.cpp", '"Get cookie Err"', '"Get no cookie"')
         self.assert_found(check_messages, "no source has 'Get cookie Err'")
+
+    def test_an_oddity_that_is_gone(self):
+        self.change("docs/oddities.md", '<a id="closing-line"></a>', "")
+        self.assert_found(check_oddities, "no oddity 'closing-line'")
+
+    def test_an_oddity_that_no_source_names(self):
+        self.change("src/session/Log.cpp", "docs/oddities.md#cut-at-512", "on purpose")
+        self.assert_found(check_oddities, "no source names 'cut-at-512'")
+
+    def test_an_oddity_without_an_anchor(self):
+        self.change("docs/oddities.md", '<a id="lun-0"></a>', "")
+        self.assert_found(check_oddities, "no anchor: - LUN 0 is never removed")
 
 
 if __name__ == "__main__":

@@ -31,7 +31,7 @@ public:
      * @param identity whose session.
      * @param deviceId the array's ID, part of the path.
      * @param ip address of the server, IPv6 without brackets.
-     * @param port 1 to 65535.
+     * @param port 1 to 65535; another one is taken, and each request on the session fails.
      * @param token value of the token header.
      * @param cookie value of the cookie header.
      * @param loggedIn true for a session that a login opened, false for an adopted one.
