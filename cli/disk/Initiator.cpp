@@ -7,14 +7,15 @@
 #include <arpa/inet.h>
 #include <array>
 #include <netdb.h>
+#include <string_view>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace tesselctl {
 namespace {
 
-const char* const ownInitiator = "/etc/iscsi/initiatorname.iscsi";
-const std::string key = "InitiatorName=";
+constexpr const char* OWN_INITIATOR = "/etc/iscsi/initiatorname.iscsi";
+constexpr std::string_view KEY = "InitiatorName=";
 
 } // namespace
 
@@ -30,8 +31,8 @@ std::string initiatorFromFile(const std::string& path)
 {
     for (std::string line : ovra::disk::linesOf(ovra::disk::contentOf(path))) {
         line.erase(0, line.find_first_not_of(" \t"));
-        if (line.compare(0, key.size(), key) == 0) {
-            std::string name = line.substr(key.size());
+        if (line.compare(0, KEY.size(), KEY) == 0) {
+            std::string name = line.substr(KEY.size());
             name.erase(name.find_last_not_of(" \t\r") + 1);
             if (!name.empty()) {
                 return name;
@@ -48,7 +49,7 @@ std::string chosenInitiator(const Context& context)
     if (context.has("--initiator")) {
         return context.text("--initiator");
     }
-    return initiatorFromFile(context.text("--initiator-file", hostPath(ownInitiator)));
+    return initiatorFromFile(context.text("--initiator-file", hostPath(OWN_INITIATOR)));
 }
 
 std::string localAddressTowards(const ArrayAddress& array)

@@ -37,28 +37,28 @@ Findings checkLogs(Context&)
         CDeviceManager::getInstance(0, 0), CDeviceManager::releaseInstance);
     const std::string directory = Log_Directory();
     if (directory.empty()) {
-        return {{Verdict::warning, "log directory", "none can be written",
+        return {{Verdict::WARNING, "log directory", "none can be written",
                  "name one in Tessel_API.ini beside the log library"}};
     }
-    return {{Verdict::ok, "log directory", directory, ""}};
+    return {{Verdict::OK, "log directory", directory, ""}};
 }
 
 Findings checkTrust(Context&)
 {
     const std::string file = environment("OVRA_REST_CA_FILE");
     if (environment("OVRA_REST_INSECURE") == "1") {
-        return {{Verdict::warning, "trust", "--insecure: the array is not verified",
+        return {{Verdict::WARNING, "trust", "--insecure: the array is not verified",
                  "use --pin or --ca-file: anybody on the way can read the password"}};
     }
     if (file.empty()) {
         const bool pinned = !environment("OVRA_REST_PINNED_KEY").empty();
-        return {{Verdict::ok, "trust", pinned ? "a pinned key" : "the certificates of this system", ""}};
+        return {{Verdict::OK, "trust", pinned ? "a pinned key" : "the certificates of this system", ""}};
     }
     if (!holdsCertificate(file)) {
-        return {{Verdict::failure, "CA file", file + " holds no certificate that can be read",
+        return {{Verdict::FAILURE, "CA file", file + " holds no certificate that can be read",
                  "name a file with certificates in PEM form"}};
     }
-    return {{Verdict::ok, "CA file", file, ""}};
+    return {{Verdict::OK, "CA file", file, ""}};
 }
 
 Findings checkArray(Context& context)
@@ -70,16 +70,16 @@ Findings checkArray(Context& context)
     const ArrayAddress address = parseArrayAddress("--array", array);
     const Reach reach = tryReach(address);
     if (!reach.reached) {
-        return {{Verdict::failure, "array " + address.text(), "not reached", reach.advice}};
+        return {{Verdict::FAILURE, "array " + address.text(), "not reached", reach.advice}};
     }
-    Findings findings = {{Verdict::ok, "array " + address.text(), "reached and trusted", ""}};
+    Findings findings = {{Verdict::OK, "array " + address.text(), "reached and trusted", ""}};
     try {
         const bool alive = context.session().keepAlive();
-        findings.push_back({alive ? Verdict::ok : Verdict::failure, "session",
+        findings.push_back({alive ? Verdict::OK : Verdict::FAILURE, "session",
                             alive ? "open" : "the keep-alive failed",
                             alive ? "" : "see the run log in " + logDirectory()});
     } catch (const std::exception& error) {
-        findings.push_back({Verdict::failure, "session", "none", outcomeOf(error).message});
+        findings.push_back({Verdict::FAILURE, "session", "none", outcomeOf(error).message});
     }
     return findings;
 }

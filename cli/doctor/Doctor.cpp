@@ -57,9 +57,9 @@ void doctor(Context& context)
         const Findings found = check(context);
         findings.insert(findings.end(), found.begin(), found.end());
     }
-    const bool isFit = !has(findings, Verdict::failure);
+    const bool isFit = !has(findings, Verdict::FAILURE);
     const char* sum = !isFit                            ? "This host is not fit to scan: see the failures."
-                      : has(findings, Verdict::warning) ? "This host can scan; look at the warnings."
+                      : has(findings, Verdict::WARNING) ? "This host can scan; look at the warnings."
                                                         : "This host is fit to scan.";
     Json::Value json = jsonOf(findings);
     json["fit"] = isFit;

@@ -10,9 +10,9 @@ namespace tesselctl {
 
 enum class Verdict
 {
-    ok,
-    warning,
-    failure
+    OK,
+    WARNING,
+    FAILURE
 };
 
 /** What one check found. */

@@ -41,7 +41,7 @@ Findings checkRights(Context&)
     Findings findings;
     const auto check = [&](int capability, const char* name, const char* use) {
         const bool has = hasCapability(capability);
-        findings.push_back({has ? Verdict::ok : Verdict::failure, name, has ? "held" : "not held",
+        findings.push_back({has ? Verdict::OK : Verdict::FAILURE, name, has ? "held" : "not held",
                             has ? "" : std::string(use) + " needs it: run as root"});
     };
     check(CAP_SYS_ADMIN, "right CAP_SYS_ADMIN", "rescanning and removing devices");
@@ -54,9 +54,9 @@ Findings checkTools(Context&)
     Findings findings;
     for (const auto& tool : tools()) {
         const std::string program = findProgram(tool.name);
-        const Verdict missing = tool.needed ? Verdict::failure : Verdict::warning;
+        const Verdict missing = tool.needed ? Verdict::FAILURE : Verdict::WARNING;
         findings.push_back(
-            {program.empty() ? missing : Verdict::ok, std::string("tool ") + tool.name,
+            {program.empty() ? missing : Verdict::OK, std::string("tool ") + tool.name,
              program.empty() ? "not found in PATH" : program,
              program.empty() ? "install the package " + std::string(tool.package) + ": it " + tool.use : ""});
     }
@@ -69,7 +69,7 @@ namespace {
 void lookForDisksAway(Findings& findings)
 {
     for (const auto& disk : ovra::disk::disksNotRunning(hostPath(""))) {
-        findings.push_back({Verdict::warning, "disks", disk,
+        findings.push_back({Verdict::WARNING, "disks", disk,
                             "scans run without -r until it runs again or is removed, and dead disks stay"});
     }
 }
@@ -85,10 +85,10 @@ Findings checkRescanScript(Context&)
     }
     const std::string harmful = ovra::disk::harmfulRescanScript();
     if (harmful.empty()) {
-        findings.push_back({Verdict::ok, "rescan-scsi-bus.sh -r", "understands what sg_inq prints", ""});
+        findings.push_back({Verdict::OK, "rescan-scsi-bus.sh -r", "understands what sg_inq prints", ""});
     } else {
         findings.push_back(
-            {Verdict::warning, "rescan-scsi-bus.sh -r",
+            {Verdict::WARNING, "rescan-scsi-bus.sh -r",
              "removes healthy disks: " + harmful + " looks for words that sg_inq does not print",
              "install sg3-utils 1.48 or later; until then scans run without -r and dead disks stay"});
     }
@@ -98,7 +98,7 @@ Findings checkRescanScript(Context&)
 Findings checkKorvex(Context&)
 {
     const std::string program = findProgram("kxRescan");
-    return {{Verdict::ok, "Korvex multipath",
+    return {{Verdict::OK, "Korvex multipath",
              program.empty() ? "not installed; the system's own rescan is used"
                              : program + " rescans and removes devices",
              ""}};
@@ -114,7 +114,7 @@ Findings checkUdev(Context&)
         hasScsi = hasScsi || name.compare(0, 5, "scsi-") == 0 || name.compare(0, 4, "wwn-") == 0;
     }
     Findings findings;
-    findings.push_back({isThere ? Verdict::ok : Verdict::warning, folder,
+    findings.push_back({isThere ? Verdict::OK : Verdict::WARNING, folder,
                         !isThere  ? "not there"
                         : hasScsi ? std::to_string(names.size()) + " names of disks"
                                   : "there, without SCSI disks yet",

@@ -30,13 +30,13 @@ void judgeSet(int set, Findings& findings)
 {
     if (set == 0) {
         findings.push_back(
-            finding(Verdict::warning, "its ID is 0: every program that starts frees it",
+            finding(Verdict::WARNING, "its ID is 0: every program that starts frees it",
                     "rescans may overlap; remove it with 'ipcrm -S 1235' while nothing scans, it is "
                     "made anew with another ID"));
     }
     semid_ds status = {};
     if (semctl(set, 0, IPC_STAT, &status) == 0 && status.sem_perm.cuid != geteuid()) {
-        findings.push_back(finding(Verdict::warning,
+        findings.push_back(finding(Verdict::WARNING,
                                    "made by user " + std::to_string(status.sem_perm.cuid) +
                                        ", not by this one (" + std::to_string(geteuid()) + ")",
                                    "let all programs that scan run as one user, or only root gets the lock"));
@@ -49,19 +49,19 @@ Findings checkRescanLock(Context&)
 {
     const int set = semget(RESCAN_KEY, 0, NO_CREATION); // looks only
     if (set < 0 && errno == ENOENT) {
-        return {finding(Verdict::ok, "not made yet; the first scan makes it")};
+        return {finding(Verdict::OK, "not made yet; the first scan makes it")};
     }
     const int value = set < 0 ? -1 : semctl(set, 0, GETVAL);
     if (value < 0) {
-        return {finding(Verdict::failure, std::string("cannot be read: ") + std::strerror(errno),
+        return {finding(Verdict::FAILURE, std::string("cannot be read: ") + std::strerror(errno),
                         "it belongs to another user: see 'ipcs -s' and run as that user or root")};
     }
     Findings findings;
     if (value > 0) {
-        findings.push_back(finding(Verdict::ok, "free"));
+        findings.push_back(finding(Verdict::OK, "free"));
     } else {
         findings.push_back(finding(
-            Verdict::warning, "held by " + processName(semctl(set, 0, GETPID)),
+            Verdict::WARNING, "held by " + processName(semctl(set, 0, GETPID)),
             "scans wait until it is free; a holder that is gone has left it broken: see 'ipcs -s -i " +
                 std::to_string(set) + "'"));
     }

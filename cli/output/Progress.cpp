@@ -10,7 +10,7 @@
 namespace tesselctl {
 namespace {
 
-const std::string CLEAR_LINE = "\r\033[K";
+constexpr const char* CLEAR_LINE = "\r\033[K";
 
 size_t columns(int terminal)
 {
@@ -86,7 +86,7 @@ void Progress::draw()
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
     const std::string text =
         m_work + (m_state.empty() ? "" : ", " + m_state) + ", " + std::to_string(seconds) + " s";
-    write(CLEAR_LINE + cutTo(printable(text), columns(m_terminal) - 1));
+    write(std::string(CLEAR_LINE) + cutTo(printable(text), columns(m_terminal) - 1));
 }
 
 } // namespace tesselctl

@@ -5,6 +5,7 @@
 #include "network/ArrayAddress.h"
 #include "session/SignalExit.h"
 
+#include <tessel/Handlers.h>
 #include <tessel/Tessel.h>
 
 #include <memory>
@@ -12,25 +13,6 @@
 #include <string>
 
 namespace tesselctl {
-
-/** The value of HANDLERTYPE that stands for a handler interface. */
-template <class Handler>
-struct TypeOf;
-// clang-format off
-template <> struct TypeOf<CLunHandler> { static constexpr HANDLERTYPE value = LUN_HANDLER; };
-template <> struct TypeOf<CLunGroupHandler> { static constexpr HANDLERTYPE value = LUNGROUP_HANDLER; };
-template <> struct TypeOf<CSnapshotHandler> { static constexpr HANDLERTYPE value = SNAPSHOT_HANDLER; };
-template <> struct TypeOf<CHostHandler> { static constexpr HANDLERTYPE value = HOST_HANDLER; };
-template <> struct TypeOf<CHostGroupHandler> { static constexpr HANDLERTYPE value = HOSTGROUP_HANDLER; };
-template <> struct TypeOf<CMappingViewHandler> { static constexpr HANDLERTYPE value = MAPPINGVIEW_HANDLER; };
-template <> struct TypeOf<CIscsiInitiatorHandler> { static constexpr HANDLERTYPE value = ISCSIINITIATOR_HANDLER; };
-template <> struct TypeOf<CFCInitiatorHandler> { static constexpr HANDLERTYPE value = FCINITIATOR_HANDLER; };
-template <> struct TypeOf<CFCPortHandler> { static constexpr HANDLERTYPE value = FCPORT_HANDLER; };
-template <> struct TypeOf<CFCoEPortHandler> { static constexpr HANDLERTYPE value = FCOEPORT_HANDLER; };
-template <> struct TypeOf<CETHPortHandler> { static constexpr HANDLERTYPE value = ETHPORT_HANDLER; };
-template <> struct TypeOf<CDiskAttachHandler> { static constexpr HANDLERTYPE value = DISKATTACH_HANDLER; };
-template <> struct TypeOf<CDiskScannerHandler> { static constexpr HANDLERTYPE value = DISKSCANNER_HANDLER; };
-// clang-format on
 
 /** One open session; one that logged in logs out at its end and before a signal ends the process. */
 class Session
@@ -45,7 +27,7 @@ public:
     template <class Handler>
     Handler& handler()
     {
-        return static_cast<Handler&>(*m_manager->getHandler(TypeOf<Handler>::value));
+        return ovra::tessel::handlerOf<Handler>(*m_manager);
     }
 
     CDeviceManager& manager() { return *m_manager; }
