@@ -4,11 +4,12 @@
 #include "wire/ObjectRoutes.h"
 
 #include <exception>
+#include <string_view>
 
 namespace arraysim {
 namespace {
 
-const std::string ROOT = "/deviceManager/rest/";
+constexpr std::string_view ROOT = "/deviceManager/rest/";
 constexpr const char* SESSIONS = "/sessions";
 constexpr const char* KEEP_ALIVE = "/server/logininfo";
 
@@ -67,7 +68,8 @@ Answer ArrayInterface::route(const ArrayRequest& request)
     const Target whole = parseTarget(request.target);
     const auto& segments = whole.segments;
     if (segments.size() < 4 || segments[0] != "deviceManager" || segments[1] != "rest") {
-        throw ArrayError(Code::RESOURCE_UNKNOWN, "The array's interface is below " + ROOT + "DEVICEID/.");
+        throw ArrayError(Code::RESOURCE_UNKNOWN,
+                         "The array's interface is below " + std::string(ROOT) + "DEVICEID/.");
     }
     const bool isSession = segments[3] == "sessions" && segments.size() == 4;
     if (isSession && request.method == "POST") {
