@@ -42,13 +42,15 @@ void tidyUp(Context& context)
     options.isDryRun = !context.has("--remove");
     options.most = context.has("--most") ? parseNumber("--most", context.text("--most"), 1, UINT32_MAX) : 0;
     const std::string host = chosenHost(context);
-    std::string text;
+    Printer& printer = context.printer();
     Json::Value objects(Json::arrayValue);
     const auto result =
         ovra::tessel::tidy(context.session().manager(), host, options, [&](const TidyFinding& finding) {
-            text += std::string(DOES[finding.verdict]) + " " + titleOf(finding.object.type) + " " +
-                    finding.object.ID + " (" + printable(finding.object.NAME) +
-                    "): " + printable(finding.reason) + "\n";
+            if (!printer.isJson()) { // at once: there may be thousands, and Ctrl-C
+                printer.write(std::string(DOES[finding.verdict]) + " " + titleOf(finding.object.type) + " " +
+                              finding.object.ID + " (" + printable(finding.object.NAME) +
+                              "): " + printable(finding.reason) + "\n");
+            }
             Json::Value entry(Json::objectValue);
             entry["type"] = titleOf(finding.object.type);
             entry["id"] = finding.object.ID;
@@ -66,10 +68,11 @@ void tidyUp(Context& context)
     json["removed"] = Json::UInt64(result.removed);
     json["kept"] = Json::UInt64(result.kept);
     json["complete"] = result.isComplete;
-    text += "host " + host + ": " + std::to_string(result.removed) +
-            (options.isDryRun ? " to remove (with --remove), " : " removed, ") + std::to_string(result.kept) +
-            " kept" + (result.isComplete ? "" : "; ended early, call it again") + "\n";
-    context.printer().result(text, json);
+    const std::string text = "host " + host + ": " + std::to_string(result.removed) +
+                             (options.isDryRun ? " to remove (with --remove), " : " removed, ") +
+                             std::to_string(result.kept) + " kept" +
+                             (result.isComplete ? "" : "; ended early, call it again") + "\n";
+    printer.result(text, json);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "disk/Initiator.h"
 #include "graph/ArrayWalk.h"
+#include "graph/OwnObjects.h"
 #include "graph/Visibility.h"
 #include "text/Display.h"
 
@@ -21,13 +22,14 @@ size_t walkFromHost(Context& context, ArrayWalk& walk)
     }
 }
 
-std::string hostOf(const Graph& graph, size_t from)
+/** The node of the host, where there is one. */
+std::optional<size_t> hostOf(const Graph& graph, size_t from)
 {
     if (graph.nodes()[from].layer == Layer::HOST) {
-        return graph.nodes()[from].id;
+        return from;
     }
     const auto hosts = graph.after(from);
-    return hosts.empty() ? "" : graph.nodes()[hosts[0]].id;
+    return hosts.empty() ? std::nullopt : std::make_optional(hosts[0]);
 }
 
 Json::Value jsonOf(const Visibility& visibility, bool isVisible, const Graph& graph, size_t from, size_t to)
@@ -84,10 +86,16 @@ void explain(Context& context, const Attachable& object)
     const size_t from = walkFromHost(context, walk);
     const Visibility visibility = examine(graph, from, to);
     // The array has the last word: the host sees what the array lists for it.
-    const std::string host = hostOf(graph, from);
-    const bool isVisible = !host.empty() && object.isSeenByHost(context.session(), id, host);
-    context.printer().result(textOf(visibility, isVisible, graph, from, to),
-                             jsonOf(visibility, isVisible, graph, from, to));
+    const std::optional<size_t> host = hostOf(graph, from);
+    const bool isVisible = host && object.isSeenByHost(context.session(), id, graph.nodes()[*host].id);
+    std::string text = textOf(visibility, isVisible, graph, from, to);
+    Json::Value json = jsonOf(visibility, isVisible, graph, from, to);
+    if (host) {
+        const OwnObjects own(graph, *host);
+        text += own.text();
+        json["own"] = own.json();
+    }
+    context.printer().result(text, json);
     context.endWith(isVisible ? ExitCode::SUCCESS : ExitCode::FAILURE);
 }
 

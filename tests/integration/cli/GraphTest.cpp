@@ -141,6 +141,47 @@ TEST_F(MappingTest, ExplainProposesTheViewThatExistsWhereOnlyAGroupIsMissing)
                 HasSubstr("tesselctl view add " + view + " --hostgroup HOSTGROUP"));
 }
 
+TEST_F(MappingTest, ExplainTellsTheObjectsOfTheHostsOwn)
+{
+    bindAll();
+    EXPECT_THAT(expect(0, {"explain", "lun", lun, "--initiator", iqn}).out, Not(HasSubstr("The host's own")));
+    const std::string other = array.createLun("db02");
+    expect(0, {"attach", "lun", other, "--initiator", iqn});
+    const std::string own = "tessel_host_" + host;
+    const Json::Value json = cli.json({"explain", "lun", other, "--host", host}).json()["own"];
+    EXPECT_EQ(array.record("hostgroup", json["hostGroup"].asString())["NAME"], own);
+    EXPECT_EQ(array.record("mappingview", json["view"].asString())["NAME"], own);
+    EXPECT_EQ(array.record("lungroup", json["lunGroup"].asString())["NAME"], own);
+    const std::string whole = "\nThe host's own, by which attaches show it disks:\n  ok       host group " +
+                              json["hostGroup"].asString() + " (" + own + ")\n  ok       view " +
+                              json["view"].asString() + " (" + own + ")\n  ok       LUN group " +
+                              json["lunGroup"].asString() + " (" + own + ")\n";
+    EXPECT_THAT(expect(0, {"explain", "lun", other, "--initiator", iqn}).out, ::testing::EndsWith(whole));
+    EXPECT_THAT(expect(0, {"explain", "lun", lun, "--initiator", iqn}).out, ::testing::EndsWith(whole));
+}
+
+TEST_F(MappingTest, ExplainTellsWhatACrashHasLeftUnmade)
+{
+    const std::string own = "tessel_host_" + host;
+    const std::string hosts = make({"hostgroup", "create", "--name", own});
+    expect(0, {"hostgroup", "add", hosts, "--host", host});
+    const auto end = [&](const std::string& links) {
+        return ::testing::EndsWith("  ok       host group " + hosts + " (" + own + ")\n" + links +
+                                   "  MISSING  LUN group\n"
+                                   "An attach was not finished: the next one makes what is missing.\n");
+    };
+    EXPECT_THAT(expect(1, {"explain", "lun", lun, "--initiator", iqn}).out, end("  MISSING  view\n"));
+    const std::string binding = make({"view", "create", "--name", own});
+    expect(0, {"view", "add", binding, "--hostgroup", hosts});
+    EXPECT_THAT(expect(1, {"explain", "lun", lun, "--initiator", iqn}).out,
+                end("  ok       view " + binding + " (" + own + ")\n"));
+    expect(0, {"attach", "lun", lun, "--initiator", iqn});
+    const Json::Value finished = cli.json({"explain", "lun", lun, "--initiator", iqn}).json()["own"];
+    EXPECT_EQ(finished["hostGroup"], hosts);
+    EXPECT_EQ(finished["view"], binding);
+    EXPECT_FALSE(finished["lunGroup"].isNull());
+}
+
 TEST_F(MappingTest, ExplainWorksForSnapshotsAndFCInitiators)
 {
     const std::string snapshot = array.createSnapshot(lun, "snap");

@@ -43,6 +43,15 @@ class TidyCommand(unittest.TestCase):
         self.assertEqual(json.loads(done.stdout)["removed"], 1)
         self.assertEqual(self.groups(), ["hostgroup_payroll"])
 
+    def test_tells_each_object_at_once(self):
+        second = self.array.control("GET", "/objects/hostgroup")["data"][1]["ID"]
+        self.array.control("POST", "/faults", {"path": "/mappingview/associate", "query": f"*ASSOCIATEOBJID={second}*",
+                                               "action": "error", "code": 1077000001, "count": 0})
+        done = self.tidy("tidy", "--host", self.host, "--remove")
+        self.assertEqual(done.returncode, 3, done.stderr)
+        self.assertIn("removes host group", done.stdout)
+        self.assertIn("(hostgroup_1700000000): left by an attach", done.stdout)
+
     def test_refuses_two_hosts_and_no_objects(self):
         self.assertEqual(self.tidy("tidy", "--host", self.host, "--initiator", INITIATOR).returncode, 2)
         self.assertEqual(self.tidy("tidy", "--host", self.host, "--most", "0").returncode, 2)
