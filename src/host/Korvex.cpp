@@ -21,7 +21,8 @@ using disk::Presence;
 constexpr const char* KORVEX_RESCAN = "kxRescan";
 constexpr int CANNOT_BE_RUN = 126; // exit code of a shell, as is 127: not found
 
-std::atomic<bool> g_isUnknown{false};
+// Until the first look, which a scanner that could not make the rescan lock does not take.
+std::atomic<bool> g_isUnknown{true};
 
 /** Whether it is in PATH, where no command can tell. */
 Presence lookInPath()
@@ -49,10 +50,13 @@ Presence lookForKorvex()
 
 Presence knownKorvex()
 {
+    if (!g_korvexInstalled && g_isUnknown && lookInPath() == Presence::PRESENT) {
+        g_korvexInstalled = true;
+    }
     if (g_korvexInstalled) {
         return Presence::PRESENT;
     }
-    return g_isUnknown ? lookInPath() : Presence::ABSENT;
+    return g_isUnknown ? Presence::UNKNOWN : Presence::ABSENT;
 }
 
 bool mayRemoveDevices()

@@ -80,11 +80,11 @@ void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const 
         if (!object) {
             return;
         }
-        if (g_korvexInstalled) {
+        const disk::Presence korvex = knownKorvex();
+        if (korvex == disk::Presence::PRESENT) {
             COMMLOG(OS_LOG_INFO, "Korvex installed,No need to delete device");
-            return;
         }
-        if (!checkWwn(object->WWN) || !mayRemoveDevices()) {
+        if (korvex != disk::Presence::ABSENT || !checkWwn(object->WWN)) {
             return;
         }
         const bool listed = untilInterrupted([&] { return removeDevices(Kind::NOUN, {object->WWN, id}); });

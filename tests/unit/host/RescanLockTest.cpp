@@ -1,7 +1,11 @@
 #include "ScannerTest.h"
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
 #include <type_traits>
+#include <unistd.h>
 
 using testing::ElementsAre;
 
@@ -196,6 +200,37 @@ TEST_F(Construction, IsTriedAgainAfterTheLockCouldNotBeMade)
     const CDiskScannerHandlerImpl made(&manager);
     EXPECT_THAT(commands(), ElementsAre(WHICH));
     EXPECT_EQ(g_scannerInitialised, 1);
+}
+
+/** Two removals in a process where nobody has looked for Korvex yet; ends with 0 when no disk was removed. */
+[[noreturn]] void removeWithoutALook(const std::string& path)
+{
+    setenv("PATH", path.c_str(), 1);
+    RecordingPlatform::get().replyWith([](const SentRequest&) {
+        return Reply::object(R"({"ID":"7","WWN":")" + std::string(WWN) + R"("})");
+    });
+    HostSeam seam;
+    seam.semgetFails = true;
+    seam.addDisk("sdc", WWN);
+    seam.prints("lsscsi", {scsi("2:0:0:1", "sdc")});
+    CDeviceManagerImpl manager;
+    CDiskScannerHandlerImpl made(&manager);
+    std::string id = "7";
+    made.scanLunBeforeDetach(id);
+    made.scanSnapshotBeforeDetach(id);
+    const bool isSpared = commands().empty() && count("info: Korvex installed,No need to delete device") == 2;
+    _exit(isSpared ? 0 : 1);
+}
+
+TEST(ScannerWithoutALock, DoesNotTakeKorvexForAbsent)
+{
+    char folder[] = "/tmp/korvex-XXXXXX";
+    const std::string program = std::string(mkdtemp(folder)) + "/kxRescan";
+    std::ofstream(program) << "#!/bin/sh\n";
+    chmod(program.c_str(), 0755);
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // runs the program anew
+    EXPECT_EXIT(removeWithoutALook(folder), testing::ExitedWithCode(0), "");
+    std::filesystem::remove_all(folder);
 }
 
 TEST_F(Construction, WithoutADeviceManagerSetsNothingUp)
