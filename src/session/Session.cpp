@@ -9,7 +9,8 @@ using namespace ovra::tessel;
 namespace {
 
 constexpr unsigned int MAX_PORT = 65535;
-constexpr const char* NOT_REGISTERED = "token or cookie hold a line break, or another live session of this "
+constexpr const char* NOT_REGISTERED = "device ID, token or cookie cannot be sent (a line break, more than 8 "
+                                       "KiB), or another live session of this "
                                        "process has the same key: release it first";
 constexpr const char* NO_SESSION_IN_ANSWER = "the answer holds no device ID or no token";
 
