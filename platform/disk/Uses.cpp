@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* OWN_MOUNTS = "/proc/self/mountinfo";
 constexpr const char* SWAPS = "/proc/swaps";
+constexpr const char* BTRFS = "/sys/fs/btrfs/";
 
 bool isNumber(const std::string& name)
 {
@@ -47,10 +48,15 @@ public:
     }
 
 private:
-    /** The mounts of every process: containers have mounts that this one does not see. */
-    std::vector<Mount> mounts()
+    struct SeenMount : Mount
     {
-        std::vector<Mount> all = mountsIn(m_root + OWN_MOUNTS);
+        std::string path; ///< by which this process gets there
+    };
+
+    /** The mounts of every process: containers have mounts that this one does not see. */
+    std::vector<SeenMount> mounts()
+    {
+        std::vector<SeenMount> all = mountsIn(m_root + OWN_MOUNTS, "");
         if (all.empty()) {
             m_uses.unknown.push_back(m_root + OWN_MOUNTS + " cannot be read");
         }
@@ -60,9 +66,10 @@ private:
             if (!isNumber(process) || (!view.empty() && !seen.insert(view).second)) {
                 continue;
             }
-            const std::string file = m_root + "/proc/" + process + "/mountinfo";
+            const std::string folder = m_root + "/proc/" + process;
+            const std::string file = folder + "/mountinfo";
             errno = 0;
-            const std::vector<Mount> more = mountsIn(file);
+            const std::vector<SeenMount> more = mountsIn(file, folder + "/root");
             if (more.empty() &&
                 (errno == EACCES || errno == EPERM)) { // a process that has ended has no mounts
                 m_uses.unknown.push_back(file + " cannot be read");
@@ -72,7 +79,14 @@ private:
         return all;
     }
 
-    static std::vector<Mount> mountsIn(const std::string& file) { return parseMounts(contentOf(file)); }
+    static std::vector<SeenMount> mountsIn(const std::string& file, const std::string& top)
+    {
+        std::vector<SeenMount> mounts;
+        for (const Mount& mount : parseMounts(contentOf(file))) {
+            mounts.push_back({mount, top + mount.point});
+        }
+        return mounts;
+    }
 
     /** What a process's mountinfo depends on: its namespace, and its root directory. */
     std::string viewOf(const std::string& process) const
@@ -91,15 +105,52 @@ private:
         return parseSwaps(table.value_or(std::string()));
     }
 
+    /** A node and those that a file system holds together with it, of which its mounts show but one. */
+    std::vector<std::string> membersWith(const Node& node) const
+    {
+        for (const std::string& system : namesIn(m_root + BTRFS)) {
+            std::vector<std::string> members = namesIn(m_root + BTRFS + system + "/devices");
+            if (std::find(members.begin(), members.end(), node.name) != members.end()) {
+                return members;
+            }
+        }
+        return {node.name};
+    }
+
+    /** What mounts name as their source. */
+    std::set<std::string> sourcesOf(const std::vector<std::string>& names) const
+    {
+        std::set<std::string> sources;
+        for (const std::string& name : names) {
+            const std::string mapped = valueOf(m_root + "/sys/block/" + name + "/dm/name");
+            sources.insert(mapped.empty() ? "/dev/" + name : "/dev/mapper/" + mapped);
+            sources.insert("/dev/" + name);
+        }
+        return sources;
+    }
+
+    /** Keeps one way into a file system in mind. */
+    void reach(const SeenMount& mount, const std::vector<std::string>& members)
+    {
+        const bool isNew = m_reached.insert(mount.device).second;
+        if (isNew && std::all_of(members.begin(), members.end(),
+                                 [&](const std::string& name) { return canAnswer(name, m_root); })) {
+            m_uses.unreached.push_back(mount.path);
+        }
+    }
+
     void lookForMounts(const Node& node)
     {
+        const std::vector<std::string> members = membersWith(node);
+        const std::set<std::string> sources = sourcesOf(members);
         std::set<std::string> points;
-        for (const Mount& mount : m_mounts) {
-            // File systems with a number of their own, such as btrfs, show the device as their source alone.
-            if ((mount.device == node.number && !node.number.empty()) ||
-                mount.source == "/dev/" + node.name ||
-                (!node.mapped.empty() && mount.source == "/dev/mapper/" + node.mapped)) {
+        for (const SeenMount& mount : m_mounts) {
+            const bool isSource = sources.count(mount.source) != 0;
+            if (isSource || (mount.device == node.number && !node.number.empty())) {
                 points.insert(mount.point);
+            }
+            if (isSource && mount.device.compare(0, 2, "0:") == 0) { // a number of its own
+                reach(mount, members);
             }
         }
         for (const std::string& point : points) {
@@ -110,8 +161,9 @@ private:
     const std::string& m_root;
     Uses m_uses;
     const std::vector<Node> m_nodes;
-    const std::vector<Mount> m_mounts;
+    const std::vector<SeenMount> m_mounts;
     const std::vector<std::string> m_swaps;
+    std::set<std::string> m_reached; ///< numbers of file systems
 };
 
 } // namespace

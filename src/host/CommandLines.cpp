@@ -6,13 +6,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <sys/wait.h>
 
 namespace ovra::tessel {
 
 namespace {
 
 constexpr size_t LINE_SIZE = 1024;
-constexpr size_t TOLD = 100; // characters of a line that is left out
+constexpr int CANNOT_BE_RUN = 126; // exit code of a shell, as is 127: not found
+constexpr size_t TOLD = 100;       // characters of a line that is left out
 
 bool isText(const std::string& line)
 {
@@ -52,6 +54,15 @@ int CommandLines::end()
         m_status = pclose(m_output);
     }
     return *m_status;
+}
+
+void CommandLines::sayIfNotRun() const
+{
+    const int status = m_status.value_or(0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) >= CANNOT_BE_RUN) {
+        COMMLOG(OS_LOG_WARN, "[%s] cannot be run: it is not known which devices there are.",
+                m_command.c_str());
+    }
 }
 
 /** Reads as much of a line as the buffer of a line holds; empty at the end. */

@@ -39,6 +39,10 @@ public:
      */
     bool next(std::string& line);
 
+    /** Says in the run log when the command, which has ended, could not be run at all: it has listed nothing.
+     */
+    void sayIfNotRun() const;
+
 private:
     std::string readPiece() const;
     int end();

@@ -21,9 +21,8 @@ namespace {
 
 constexpr int PASSES = 5;
 
-void nameUses(const std::string& device)
+void nameUses(const std::string& device, const disk::Uses& uses)
 {
-    const disk::Uses uses = disk::usesOf(disk::lastName(device));
     for (const std::string& use : uses.found) {
         COMMLOG(OS_LOG_WARN, "%s is removed while in use: %s", device.c_str(), use.c_str());
     }
@@ -33,29 +32,44 @@ void nameUses(const std::string& device)
     }
 }
 
-/** Writes back what waits in the file system and the pages of one device. */
-void flush(const std::string& path, const std::string& device)
+/** Opens what is to be written back, writes it back, and says when that fails. */
+template <class WriteBack>
+void flush(const std::string& path, const std::string& name, WriteBack writeBack)
 {
     const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    // The first for a file system mounted from it, the second for the cache of the disk itself.
-    const int error = fd < 0 || ioctl(fd, BLKFLSBUF, 0) != 0 || fsync(fd) != 0 ? errno : 0;
+    const int error = fd < 0 || !writeBack(fd) ? errno : 0;
     if (fd >= 0) {
         close(fd);
     }
     if (error != 0) {
         COMMLOG(OS_LOG_WARN, "%s: data not yet written could not be written back before its removal: %s",
-                device.c_str(), std::system_category().message(error).c_str());
+                name.c_str(), std::system_category().message(error).c_str());
     }
 }
 
-/** Writes back a disk and all that stands on it, from the top: what is removed with it is lost. */
-void flushAll(const std::string& path, const std::string& device)
+/** Of one device: the first for a file system mounted from it, the second for the cache of the disk itself.
+ */
+bool flushDevice(int fd)
 {
+    return ioctl(fd, BLKFLSBUF, 0) == 0 && fsync(fd) == 0;
+}
+
+bool flushMount(int fd)
+{
+    return syncfs(fd) == 0;
+}
+
+/** Writes back a disk and all that stands on it, from the top: what is removed with it is lost. */
+void flushAll(const std::string& path, const std::string& device, const std::vector<std::string>& mounts)
+{
+    for (const std::string& mount : mounts) {
+        flush(mount, mount, flushMount);
+    }
     const std::vector<disk::Node> nodes = disk::nodesOn(disk::lastName(device));
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
         const std::string name = "/dev/" + node->name;
         if (disk::canAnswer(node->name)) {
-            flush(name == device ? path : name, name);
+            flush(name == device ? path : name, name, flushDevice);
         } else {
             COMMLOG(OS_LOG_WARN, "%s is not running: data not yet written to it is lost", name.c_str());
         }
@@ -73,6 +87,7 @@ bool listDisks(std::set<std::string>& devices)
             devices.insert(*device);
         }
     }
+    listing.sayIfNotRun();
     return true;
 }
 
@@ -115,8 +130,9 @@ bool checkWwn(const std::string& wwn)
 
 bool prepareRemoval(const std::string& path, const std::string& device, const IsWanted& isWanted)
 {
-    nameUses(device);
-    flushAll(path, device);
+    const disk::Uses uses = disk::usesOf(disk::lastName(device));
+    nameUses(device, uses);
+    flushAll(path, device, uses.unreached);
     const bool isStill = isWanted(disk::readIdentity(path));
     if (!isStill) {
         COMMLOG(OS_LOG_ERROR, "%s has changed or does not answer any more: it is not removed. Scan again.",
@@ -144,6 +160,10 @@ bool removeDevices(const char* label, const disk::DiskIdentity& wanted)
     }
     if (!removed) {
         sayNothingRemoved(label, wanted);
+    } else if (again) {
+        COMMLOG(OS_LOG_WARN,
+                "A device of %s %s was still there in the last of %d rounds: look whether it is gone.", label,
+                wanted.lunId.c_str(), PASSES);
     }
     return true;
 }

@@ -81,6 +81,7 @@ std::optional<Disk> diskOf(const InterfaceRecord& record, const std::string& pat
     for (std::string line; listing.next(line);) {
         lines.push_back(line);
     }
+    listing.sayIfNotRun();
     const std::optional<std::string> first = disk::firstPathOf(name, lines);
     if (!first) {
         COMMLOG(OS_LOG_ERROR, "multipath -ll shows no path device of %s: nothing is removed for it.",
@@ -141,6 +142,7 @@ Renewal renewStaleDevice(const InterfaceRecord& record, const std::string& path,
             renewAt(*address, *stale, wwn);
         }
     }
+    listing.sayIfNotRun();
     return Renewal::DONE;
 }
 

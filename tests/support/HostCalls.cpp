@@ -151,6 +151,19 @@ int fsync(int fd)
     return seam != nullptr && seam->owns(fd) ? seam->fsync(fd) : next("fsync", &fsync)(fd);
 }
 
+int syncfs(int fd) noexcept
+{
+    if (HostSeam::active() == nullptr) {
+        return next("syncfs", &syncfs)(fd);
+    }
+    char path[4096] = {};
+    const std::string link = "/proc/self/fd/" + std::to_string(fd);
+    RecordingPlatform::get().note(
+        std::string("syncfs: ") +
+        (next("readlink", &readlink)(link.c_str(), path, sizeof(path) - 1) > 0 ? path : "unknown"));
+    return 0;
+}
+
 int semget(key_t key, int count, int flags) noexcept
 {
     HostSeam* const seam = HostSeam::active();

@@ -25,7 +25,8 @@ struct SeamDisk
  * While one lives, the host that the scanner works on is a script: system, popen, pclose, sleep, usleep, open
  * of disks, ioctl, fsync, System V semaphores and the kernel's and udev's files are answered from it and
  * noted in RecordingPlatform's journal: "system: COMMAND", "popen: COMMAND", "pclose", "sleep: 1", "usleep:
- * 5", "open: PATH rw" or "ro", "inquiry: sdc 83", "flush: sdc", "fsync: sdc", "semget: 1235 1 0600 create" or
+ * 5", "open: PATH rw" or "ro", "inquiry: sdc 83", "flush: sdc", "fsync: sdc", "syncfs: PATH", "semget: 1235 1
+ * 0600 create" or
  * "... excl", "semop: ID -1 undo", "semctl: ID SETVAL 1". Nothing sleeps, and no device of this machine is
  * touched. /sys, /proc and /dev/disk are those below root; other files are opened as ever.
  */

@@ -64,6 +64,9 @@ TEST_F(RemovalOfDisks, EndsAfterFivePassesThatRemovedSomething)
     EXPECT_EQ(commands().size(), 5u);
     EXPECT_EQ(count("popen: lsscsi"), 5u);
     EXPECT_EQ(platform.journal().back(), "record scanLunBeforeDetach 0");
+    EXPECT_THAT(platform.lines("warn: "),
+                ElementsAre("warn: A device of LUN 7 was still there in the last of 5 "
+                            "rounds: look whether it is gone."));
 }
 
 TEST_F(RemovalOfDisks, WithKorvexRemovesAndListsNothing)
@@ -241,6 +244,32 @@ TEST_F(RemovalOfDisks, WritesBackWhatStandsOnTheDiskFirstAndNothingToWhatIsDead)
     EXPECT_THAT(platform.lines("flush: "), ElementsAre("flush: dm-0", "flush: sdc1", "flush: sdc"));
     EXPECT_EQ(count("warn: /dev/dm-1 is not running: data not yet written to it is lost"), 1u);
     EXPECT_THAT(commands(), ElementsAre(removal("sdc")));
+}
+
+TEST_F(RemovalOfDisks, WritesBackAFileSystemThatTheDiskDoesNotLeadTo)
+{
+    seam.write("/data/file", "");
+    seam.files["/proc/self/mountinfo"] = "40 22 0:44 / " + seam.root +
+                                         "/data rw - btrfs /dev/sdc rw\n"
+                                         "41 22 0:45 / /nonexistent rw - btrfs /dev/sdc rw\n";
+    seam.addDisk("sdc", WWN);
+    list({scsi("2:0:0:1", "sdc"), ""});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(journalWithout({"info", "warn: /dev", "record", "GET", "popen", "pclose", "inquiry"}),
+                ElementsAre("open: /dev/sdc rw", "syncfs: " + seam.root + "/data",
+                            "warn: /nonexistent: data not yet written could not be written back before its "
+                            "removal: No such file or directory",
+                            "open: /dev/sdc ro", "flush: sdc", "fsync: sdc", "open: /dev/sdc rw",
+                            "system: " + removal("sdc")));
+}
+
+TEST_F(RemovalOfDisks, WhoseListingCannotBeRunSaysSo)
+{
+    seam.exits("lsscsi", {127});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(platform.lines("warn: "),
+                ElementsAre("warn: [lsscsi] cannot be run: it is not known which devices there are.",
+                            "warn: No device of LUN 7 was found on this host: none was removed."));
 }
 
 TEST_F(RemovalOfDisks, ThatMayBeInUseSaysSo)

@@ -69,6 +69,31 @@ TEST_F(DeviceInUse, IsMountedByAFileSystemWithANumberOfItsOwn)
     EXPECT_THAT(uses(), ElementsAre("sda1 is mounted on /data"));
 }
 
+TEST_F(DeviceInUse, HasFileSystemsThatFlushingItDoesNotReach)
+{
+    write("proc/self/mountinfo", "40 22 0:44 /@ /data rw - btrfs /dev/sda1 rw\n"
+                                 "41 22 0:44 /@home /home rw - btrfs /dev/sda1 rw\n"
+                                 "42 22 8:1 / /ordinary rw - ext4 /dev/sda1 rw\n");
+    write("proc/77/mountinfo", "90 80 0:45 / /inside rw - btrfs /dev/sda rw\n");
+    EXPECT_THAT(usesOf("sda", root).unreached, ElementsAre((root / "proc/77/root/inside").string(), "/data"));
+    EXPECT_THAT(usesOf("sdaa", root).unreached, ElementsAre());
+}
+
+TEST_F(DeviceInUse, BelongsToAFileSystemThatShowsAnotherDevice)
+{
+    write("proc/self/mountinfo", "40 22 0:44 / /data rw - btrfs /dev/sdaa rw\n"
+                                 "41 22 0:45 / /more rw - btrfs /dev/mapper/other rw\n");
+    write("sys/fs/btrfs/9f5c/devices/sda1/x", "");
+    write("sys/fs/btrfs/9f5c/devices/sdaa/x", "");
+    write("sys/fs/btrfs/77aa/devices/dm-3/x", "");
+    write("sys/fs/btrfs/features/x", "");
+    EXPECT_THAT(uses(), ElementsAre("sda1 is mounted on /data"));
+    EXPECT_THAT(usesOf("sda", root).unreached, ElementsAre("/data"));
+    write("sys/block/sdaa/device/state", "transport-offline\n");
+    EXPECT_THAT(uses(), ElementsAre("sda1 is mounted on /data"));
+    EXPECT_THAT(usesOf("sda", root).unreached, ElementsAre()); // a sync would wait for the other one
+}
+
 TEST_F(DeviceInUse, IsNotMountedByANumberThatOnlyBeginsAlike)
 {
     write("proc/self/mountinfo", "40 22 8:16 / /data rw - ext4 /dev/sdb rw\n41 22 8:1");

@@ -11,6 +11,12 @@ struct Uses
 {
     std::vector<std::string> found;   ///< "sdc1 is mounted on /data", "sdc is held by dm-3 (mpatha)"
     std::vector<std::string> unknown; ///< "/proc/swaps cannot be read": the disk may be in use all the same
+    /**
+     * A path into each file system that has a number of its own, as btrfs has: the kernel does not find it by
+     * the disk, so that flushing the disk does not write it back. None into one that stands on a device which
+     * cannot answer as well.
+     */
+    std::vector<std::string> unreached;
 };
 
 /**
