@@ -15,12 +15,6 @@ struct CertificateFiles
 };
 
 /**
- * What clients may call a server that listens on an address: the loopback names and the address; for all
- * addresses (0.0.0.0 and ::) this host's name and each of its addresses that is up.
- */
-std::set<std::string> serverNames(const std::string& address);
-
-/**
  * Makes an authority on the first start, and a server certificate when there is none that has all these names
  * and stays valid for a day. Throws std::runtime_error.
  */

@@ -38,6 +38,80 @@ void printCodes()
     }
 }
 
+/** Adds options to one group of the help; each shows its default. */
+struct Group
+{
+    CLI::App& app;
+    const char* const name;
+
+    template <class Value>
+    CLI::Option* operator()(const char* option, Value& value, const char* type, const char* about) const
+    {
+        return app.add_option(option, value, about)->capture_default_str()->type_name(type)->group(name);
+    }
+    void operator()(const char* flag, bool& value, const char* about) const
+    {
+        app.add_flag(flag, value, about)->group(name);
+    }
+};
+
+void addPlace(const Group& option, Options& options)
+{
+    const CLI::Range port(0, 65535);
+    option("--state-dir", options.stateDir, "DIR", "Keeps objects and certificates; made if missing");
+    option("--listen", options.listen, "ADDRESS", "Address of the array's interface");
+    option("--port", options.port, "N", "Its port; 0: a free one")->check(port);
+    option("--port-file", options.portFile, "FILE", "Is written with the port once the array listens");
+    option("--control-port", options.controlPort, "N",
+           "Serve the control interface on this port of 127.0.0.1; 0: a free one")
+        ->check(port)
+        ->default_str("");
+    option("--control-port-file", options.controlPortFile, "FILE", "Is written with the control port");
+    CLI::Option* const certificate = option("--certificate", options.certificate, "FILE",
+                                            "Serve this certificate (PEM) instead of an own one");
+    CLI::Option* const key = option("--key", options.key, "FILE", "The key of --certificate (PEM)");
+    certificate->needs(key);
+    key->needs(certificate);
+}
+
+void addSessions(const Group& option, Options& options)
+{
+    option("--user", options.user, "NAME", "The user who may log in");
+    option("--password-file", options.passwordFile, "FILE", "The password is the first line of this file");
+    option("--session-limit", options.sessionLimit, "N", "Sessions that can be open at a time")
+        ->check(CLI::Range(1, 100000));
+    option("--connection-limit", options.connectionLimit, "N",
+           "Connections that can be open at a time; those above are ended")
+        ->check(CLI::Range(1, 100000));
+    option("--session-timeout", options.sessionTimeout, "S", "Seconds without a request that end a session")
+        ->check(CLI::Range(1, 100000000));
+}
+
+void addBehaviour(const Group& option, Options& options)
+{
+    option("--settle", options.settling.reads, "N",
+           "A new object answers its first N reads by ID with code 1077949006");
+    option("--settle-lungroup", options.settling.lunGroupReads, "N",
+           "A new LUN group answers N reads with code 1077949001 first");
+    option("--answer-time", options.answerMs, "MS", "Milliseconds that every answer takes");
+    option("--busy", options.busyShare, "PERCENT",
+           "Percent of the requests, drawn by chance, that are refused as busy")
+        ->check(CLI::Range(0, 100));
+    option("--busy-code", options.busyCode, "N", "The code of these refusals");
+    option("--busy-seed", options.busySeed, "N", "The same seed refuses the same requests");
+    option("--shift-codes", options.codeShift, "N",
+           "Add N to the error codes that are this array's own, for clients that must not know them")
+        ->check(CLI::Range(-1000000, 1000000));
+    option("--company-id", options.companyId, "HEX", "The company ID in WWNs, six hexadecimal digits")
+        ->check([](const std::string& id) {
+            const bool good = id.size() == 6 && id.find_first_not_of("0123456789abcdef") == std::string::npos;
+            return good ? std::string() : std::string("needs six lowercase hexadecimal digits");
+        });
+    option("--export-iscsi", options.exportIscsi, "IQN",
+           "Show what mapping views expose as real disks: through this target of the kernel, which must\n"
+           "exist. Needs root; meant for a virtual machine");
+}
+
 } // namespace
 
 bool readOptions(int argc, char** argv, Options& options, int& status)
@@ -56,129 +130,19 @@ bool readOptions(int argc, char** argv, Options& options, int& status)
     bool codes = false;
     app.footer(FOOTER);
     app.set_version_flag("--version", ARRAYSIM_VERSION);
-    const char* const place = "Where it lives and listens";
-    app.add_option("--state-dir", options.stateDir, "Keeps objects and certificates; made if missing")
-        ->capture_default_str()
-        ->type_name("DIR")
-        ->group(place);
-    app.add_option("--listen", options.listen, "Address of the array's interface")
-        ->capture_default_str()
-        ->type_name("ADDRESS")
-        ->group(place);
-    app.add_option("--port", options.port, "Its port; 0: a free one")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 65535))
-        ->type_name("N")
-        ->group(place);
-    app.add_option("--port-file", options.portFile, "Is written with the port once the array listens")
-        ->type_name("FILE")
-        ->group(place);
-    app.add_option("--control-port", options.controlPort,
-                   "Serve the control interface on this port of 127.0.0.1; 0: a free one")
-        ->check(CLI::Range(0, 65535))
-        ->type_name("N")
-        ->group(place);
-    app.add_option("--control-port-file", options.controlPortFile, "Is written with the control port")
-        ->type_name("FILE")
-        ->group(place);
-    app.add_option("--certificate", options.certificate, "Serve this certificate (PEM) instead of an own one")
-        ->type_name("FILE")
-        ->group(place);
-    app.add_option("--key", options.key, "The key of --certificate (PEM)")->type_name("FILE")->group(place);
-    app.get_option("--certificate")->needs("--key");
-    app.get_option("--key")->needs("--certificate");
-
-    const char* const sessions = "Sessions";
-    app.add_option("--user", options.user, "The user who may log in")
-        ->capture_default_str()
-        ->type_name("NAME")
-        ->group(sessions);
-    app.add_option("--password-file", options.passwordFile, "The password is the first line of this file")
-        ->type_name("FILE")
-        ->group(sessions);
-    app.add_option("--session-limit", options.sessionLimit, "Sessions that can be open at a time")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 100000))
-        ->type_name("N")
-        ->group(sessions);
-    app.add_option("--connection-limit", options.connectionLimit,
-                   "Connections that can be open at a time; those above are ended")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 100000))
-        ->type_name("N")
-        ->group(sessions);
-    app.add_option("--session-timeout", options.sessionTimeout,
-                   "Seconds without a request that end a session")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 100000000))
-        ->type_name("S")
-        ->group(sessions);
-
-    const char* const behaviour = "Behaviour";
-    app.add_option("--settle", options.settling.reads,
-                   "A new object answers its first N reads by ID with code 1077949006")
-        ->capture_default_str()
-        ->type_name("N")
-        ->group(behaviour);
-    app.add_option("--settle-lungroup", options.settling.lunGroupReads,
-                   "A new LUN group answers N reads with code 1077949001 first")
-        ->capture_default_str()
-        ->type_name("N")
-        ->group(behaviour);
-    app.add_option("--answer-time", options.answerMs, "Milliseconds that every answer takes")
-        ->capture_default_str()
-        ->type_name("MS")
-        ->group(behaviour);
-    app.add_option("--busy", options.busyShare,
-                   "Percent of the requests, drawn by chance, that are refused as busy")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 100))
-        ->type_name("PERCENT")
-        ->group(behaviour);
-    app.add_option("--busy-code", options.busyCode, "The code of these refusals")
-        ->capture_default_str()
-        ->type_name("N")
-        ->group(behaviour);
-    app.add_option("--busy-seed", options.busySeed, "The same seed refuses the same requests")
-        ->capture_default_str()
-        ->type_name("N")
-        ->group(behaviour);
-    app.add_option("--shift-codes", options.codeShift,
-                   "Add N to the error codes that are this array's own, for clients that must not know them")
-        ->capture_default_str()
-        ->check(CLI::Range(-1000000, 1000000))
-        ->type_name("N")
-        ->group(behaviour);
-    app.add_option("--company-id", options.companyId, "The company ID in WWNs, six hexadecimal digits")
-        ->capture_default_str()
-        ->check([](const std::string& id) {
-            const bool good = id.size() == 6 && id.find_first_not_of("0123456789abcdef") == std::string::npos;
-            return good ? std::string() : std::string("needs six lowercase hexadecimal digits");
-        })
-        ->type_name("HEX")
-        ->group(behaviour);
-
-    app.add_option(
-           "--export-iscsi", options.exportIscsi,
-           "Show what mapping views expose as real disks: through this target of the kernel, which must\n"
-           "exist. Needs root; meant for a virtual machine")
-        ->type_name("IQN")
-        ->group(behaviour);
-
-    const char* const others = "Other";
-    app.add_option("--log", options.log, "Log of requests, without secrets; -: standard error, \"\": none")
-        ->capture_default_str()
-        ->type_name("FILE")
-        ->group(others);
-    app.add_flag("--stop-on-stdin-eof", options.stopOnStdinEof,
-                 "End when the standard input ends, and so with the process that holds its other end")
-        ->group(others);
+    addPlace({app, "Where it lives and listens"}, options);
+    addSessions({app, "Sessions"}, options);
+    addBehaviour({app, "Behaviour"}, options);
+    const Group other{app, "Other"};
+    other("--log", options.log, "FILE", "Log of requests, without secrets; -: standard error, \"\": none");
+    other("--stop-on-stdin-eof", options.stopOnStdinEof,
+          "End when the standard input ends, and so with the process that holds its other end");
     app.add_flag(
            "--run",
            "Run the command that follows beside the array, and end as it ends: on free ports, with a state\n"
            "directory that goes with it, no log, and the environment that clients need (see below)")
-        ->group(others);
-    app.add_flag("--error-codes", codes, "Print the error codes and what they mean, and end")->group(others);
+        ->group(other.name);
+    other("--error-codes", codes, "Print the error codes and what they mean, and end");
 
     status = 0;
     try {

@@ -1,5 +1,7 @@
 #include "Simulator.h"
 
+#include "ServerNames.h"
+
 #include <iostream>
 
 namespace arraysim {

@@ -75,4 +75,21 @@ std::string jsonText(const Json::Value& value)
     return Json::writeString(builder, value);
 }
 
+unsigned numberIn(const Json::Value& body, const char* key, unsigned otherwise)
+{
+    if (!body.isMember(key)) {
+        return otherwise;
+    }
+    const int value = requiredNumber(body, key);
+    if (value < 0) {
+        throw ArrayError(Code::MEMBER_INVALID, std::string("The member ") + key + " must not be negative.");
+    }
+    return static_cast<unsigned>(value);
+}
+
+std::string textIn(const Json::Value& body, const char* key, const std::string& otherwise)
+{
+    return body.isMember(key) ? requiredText(body, key) : otherwise;
+}
+
 } // namespace arraysim

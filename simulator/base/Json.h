@@ -30,6 +30,10 @@ int requiredNumber(const Json::Value& body, const std::string& key);
 /** One line of JSON without blanks, UTF-8 as it is. */
 std::string jsonText(const Json::Value& value);
 
+/** The same for a member that may be missing; a number must not be negative. */
+unsigned numberIn(const Json::Value& body, const char* key, unsigned otherwise);
+std::string textIn(const Json::Value& body, const char* key, const std::string& otherwise);
+
 } // namespace arraysim
 
 #endif

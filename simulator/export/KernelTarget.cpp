@@ -1,5 +1,7 @@
 #include "export/KernelTarget.h"
 
+#include "export/NumberedLinks.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -12,47 +14,6 @@ namespace fs = std::filesystem;
 
 namespace arraysim {
 namespace {
-
-bool isNumbered(const fs::directory_entry& entry)
-{
-    return entry.is_directory() && entry.path().filename().string().rfind("lun_", 0) == 0;
-}
-
-/** The links that a directory of a target holds. */
-std::vector<fs::path> linksIn(const fs::path& directory)
-{
-    std::vector<fs::path> links;
-    for (const auto& entry : fs::directory_iterator(directory)) {
-        if (entry.is_symlink()) {
-            links.push_back(entry.path());
-        }
-    }
-    return links;
-}
-
-bool linksTo(const fs::path& from, const fs::path& to)
-{
-    for (const auto& link : linksIn(from)) {
-        std::error_code broken;
-        if (fs::equivalent(link, to, broken)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-/** The numbered directory in a directory that links to another one; empty where there is none. */
-fs::path numberedLink(const fs::path& in, const fs::path& to)
-{
-    if (fs::exists(in) && fs::exists(to)) {
-        for (const auto& entry : fs::directory_iterator(in)) {
-            if (isNumbered(entry) && linksTo(entry.path(), to)) {
-                return entry.path();
-            }
-        }
-    }
-    return {};
-}
 
 /** Kept with a store in the kernel, to know it again. */
 std::string mark(const StoreFacts& store)
@@ -99,7 +60,7 @@ KernelTarget::reconcile(const std::map<std::string, std::pair<StoreFacts, std::s
             }
             for (const auto& initiator : seenBy(name)) {
                 if (found->second.second.count(initiator) == 0) {
-                    removeLinked(mapped(name, initiator));
+                    removeWithLinks(m_config, mapped(name, initiator));
                 }
             }
         } catch (const std::exception& failure) {
@@ -118,10 +79,10 @@ void KernelTarget::map(const StoreFacts& store, const std::string& initiator)
     }
     fs::path exportedAt = exported(store.name);
     if (exportedAt.empty()) {
-        exportedAt = makeNext(m_group / "lun", 0);
+        exportedAt = makeNextNumber(m_config, m_group / "lun", 0);
         fs::create_directory_symlink(storeDir(store.name), exportedAt / "store");
     }
-    const fs::path number = makeNext(m_group / "acls" / initiator, 1);
+    const fs::path number = makeNextNumber(m_config, m_group / "acls" / initiator, 1);
     fs::create_directory_symlink(exportedAt, number / "export");
     m_config.write(number / "write_protect", "0");
 }
@@ -129,7 +90,7 @@ void KernelTarget::map(const StoreFacts& store, const std::string& initiator)
 void KernelTarget::unmap(const std::string& storeName, const std::string& initiator)
 {
     if (const fs::path number = mapped(storeName, initiator); !number.empty()) {
-        removeLinked(number);
+        removeWithLinks(m_config, number);
     }
     if (!exported(storeName).empty() && seenBy(storeName).empty()) {
         removeStore(storeName);
@@ -209,33 +170,12 @@ std::set<std::string> KernelTarget::familyStores() const
 void KernelTarget::removeStore(const std::string& storeName)
 {
     for (const auto& initiator : seenBy(storeName)) {
-        removeLinked(mapped(storeName, initiator));
+        removeWithLinks(m_config, mapped(storeName, initiator));
     }
     if (const fs::path exportedAt = exported(storeName); !exportedAt.empty()) {
-        removeLinked(exportedAt);
+        removeWithLinks(m_config, exportedAt);
     }
     m_config.removeDirectory(storeDir(storeName));
-}
-
-/** Directories of configfs go by themselves alone; their links first. */
-void KernelTarget::removeLinked(const Path& directory)
-{
-    for (const auto& link : linksIn(directory)) {
-        fs::remove(link);
-    }
-    m_config.removeDirectory(directory);
-}
-
-/** The directory lun_N with the lowest number from first on that does not exist, made. */
-fs::path KernelTarget::makeNext(const Path& in, int first)
-{
-    for (int number = first;; ++number) {
-        fs::path next = in / ("lun_" + std::to_string(number));
-        if (!fs::exists(next)) {
-            m_config.makeDirectory(next);
-            return next;
-        }
-    }
 }
 
 } // namespace arraysim

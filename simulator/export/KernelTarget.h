@@ -63,8 +63,6 @@ private:
     /** The stores that the target exports, and those of this array that it does not. */
     std::set<std::string> familyStores() const;
     void removeStore(const std::string& storeName);
-    void removeLinked(const Path& directory);
-    Path makeNext(const Path& in, int first);
 
     ConfigFs& m_config;
     const std::string m_prefix;

@@ -2,19 +2,28 @@
 
 #include "base/Json.h"
 #include "base/Text.h"
+#include "model/BulkLuns.h"
 #include "model/Exposure.h"
 #include "types/StoragePool.h"
+
+#include <type_traits>
 
 namespace arraysim {
 namespace {
 
-/** A handler that answers what the function returns as JSON, or status 400 with the reason it threw. */
+/** A handler that answers what the function returns as JSON ({} for nothing), or status 400 and why. */
 template <typename Function>
 httplib::Server::Handler handler(Function function)
 {
     return [function](const httplib::Request& request, httplib::Response& response) {
         try {
-            response.set_content(jsonText(function(request)), JSON_TYPE);
+            Json::Value result(Json::objectValue);
+            if constexpr (std::is_void_v<decltype(function(request))>) {
+                function(request);
+            } else {
+                result = function(request);
+            }
+            response.set_content(jsonText(result), JSON_TYPE);
         } catch (const std::exception& refused) {
             Json::Value why(Json::objectValue);
             why["error"] = refused.what();
@@ -24,26 +33,22 @@ httplib::Server::Handler handler(Function function)
     };
 }
 
-Json::Value done()
+/** Who sees which LUN and snapshot. */
+Json::Value exposures(const World& world)
 {
-    return Json::Value(Json::objectValue);
-}
-
-unsigned numberIn(const Json::Value& body, const char* key, unsigned otherwise)
-{
-    if (!body.isMember(key)) {
-        return otherwise;
+    Json::Value all(Json::arrayValue);
+    for (const Type type : {Type::LUN, Type::SNAPSHOT}) {
+        for (const auto& entry : world.all(type)) {
+            for (const auto& initiator : exposedInitiators(world, {type, entry.first})) {
+                Json::Value one(Json::objectValue);
+                one["type"] = static_cast<int>(type);
+                one["id"] = entry.first;
+                one["initiator"] = initiator.second;
+                all.append(one);
+            }
+        }
     }
-    const int value = requiredNumber(body, key);
-    if (value < 0) {
-        throw ArrayError(Code::MEMBER_INVALID, std::string("The member ") + key + " must not be negative.");
-    }
-    return static_cast<unsigned>(value);
-}
-
-std::string textIn(const Json::Value& body, const char* key, const std::string& otherwise)
-{
-    return body.isMember(key) ? requiredText(body, key) : otherwise;
+    return all;
 }
 
 } // namespace
@@ -69,47 +74,25 @@ void ControlServer::routeFaults()
                       added["id"] = m_faults.add(parseBody(request.body));
                       return added;
                   }));
-    m_server.Delete("/faults", handler([this](const httplib::Request&) {
-                        m_faults.clear();
-                        return done();
-                    }));
+    m_server.Delete("/faults", handler([this](const httplib::Request&) { m_faults.clear(); }));
     m_server.Delete(R"(/faults/(\d{1,9}))", handler([this](const httplib::Request& request) {
                         if (!m_faults.remove(static_cast<unsigned>(std::stoul(request.matches[1])))) {
                             throw ArrayError(Code::OBJECT_MISSING, "There is no such fault.");
                         }
-                        return done();
                     }));
 }
 
 void ControlServer::routeWatch()
 {
     m_server.Get("/counters", handler([this](const httplib::Request&) { return m_arrayServer.counters(); }));
-    m_server.Delete("/counters", handler([this](const httplib::Request&) {
-                        m_arrayServer.clearCounters();
-                        return done();
-                    }));
+    m_server.Delete("/counters", handler([this](const httplib::Request&) { m_arrayServer.clearCounters(); }));
     m_server.Get("/journal", handler([this](const httplib::Request& request) {
                      return m_journal.entries(decimal(request.get_param_value("since")).value_or(0));
                  }));
-    m_server.Delete("/journal", handler([this](const httplib::Request&) {
-                        m_journal.clearEntries();
-                        return done();
-                    }));
+    m_server.Delete("/journal", handler([this](const httplib::Request&) { m_journal.clearEntries(); }));
     m_server.Get("/exposures", handler([this](const httplib::Request&) {
                      const auto lock = m_world.lock();
-                     Json::Value all(Json::arrayValue);
-                     for (const Type type : {Type::LUN, Type::SNAPSHOT}) {
-                         for (const auto& entry : m_world.all(type)) {
-                             for (const auto& initiator : exposedInitiators(m_world, {type, entry.first})) {
-                                 Json::Value one(Json::objectValue);
-                                 one["type"] = static_cast<int>(type);
-                                 one["id"] = entry.first;
-                                 one["initiator"] = initiator.second;
-                                 all.append(one);
-                             }
-                         }
-                     }
-                     return all;
+                     return exposures(m_world);
                  }));
 }
 
@@ -124,7 +107,8 @@ void ControlServer::routeObjects()
     const char* objects = "/objects/.*";
     m_server.Get(objects, answer).Post(objects, answer).Put(objects, answer).Delete(objects, answer);
     m_server.Post("/bulk/luns", handler([this](const httplib::Request& request) {
-                      return bulkLuns(parseBody(request.body));
+                      const auto lock = m_world.lock();
+                      return createLuns(m_world, parseBody(request.body));
                   }));
 }
 
@@ -137,7 +121,6 @@ void ControlServer::routeState()
                      }
                      const auto lock = m_world.lock();
                      adjustObject(m_world, *type, request.matches[2], parseBody(request.body));
-                     return done();
                  }));
     m_server.Post(
         "/pools", handler([this](const httplib::Request& request) {
@@ -152,21 +135,16 @@ void ControlServer::routeState()
             return added;
         }));
     m_server.Get("/sessions", handler([this](const httplib::Request&) { return m_sessions.list(); }));
-    m_server.Delete("/sessions", handler([this](const httplib::Request&) {
-                        m_sessions.dropAll();
-                        return done();
-                    }));
+    m_server.Delete("/sessions", handler([this](const httplib::Request&) { m_sessions.dropAll(); }));
     m_server.Post("/sessions/advance", handler([this](const httplib::Request& request) {
                       m_sessions.advance(
                           std::chrono::seconds(requiredNumber(parseBody(request.body), "seconds")));
-                      return done();
                   }));
     m_server.Post("/settle", handler([this](const httplib::Request& request) {
                       const Json::Value body = parseBody(request.body);
                       allowMembers(body, {"reads", "lunGroupReads"});
                       const auto lock = m_world.lock();
                       m_world.settling = {numberIn(body, "reads", 0), numberIn(body, "lunGroupReads", 0)};
-                      return done();
                   }));
     m_server.Post("/reset", handler([this](const httplib::Request&) {
                       const auto lock = m_world.lock();
@@ -176,35 +154,7 @@ void ControlServer::routeState()
                       m_faults.clear();
                       m_journal.clearEntries();
                       m_arrayServer.clearCounters();
-                      return done();
                   }));
-}
-
-Json::Value ControlServer::bulkLuns(const Json::Value& wanted)
-{
-    allowMembers(wanted, {"count", "pool", "lungroup", "prefix", "sectors"});
-    const unsigned count = numberIn(wanted, "count", 0);
-    const std::string prefix = textIn(wanted, "prefix", "bulk_");
-    const std::string group = textIn(wanted, "lungroup", "");
-    Json::Value body(Json::objectValue);
-    body["PARENTID"] = textIn(wanted, "pool", "0");
-    body["CAPACITY"] = numberIn(wanted, "sectors", 2048);
-    Json::Value ids(Json::arrayValue);
-
-    const auto lock = m_world.lock();
-    World::Transaction transaction(m_world);
-    for (unsigned i = 0; i < count; ++i) {
-        body["NAME"] = prefix + m_world.nextId(Type::LUN);
-        const std::string id = createObject(m_world, objectType(Type::LUN), body, {})["ID"].asString();
-        if (!group.empty()) {
-            associate(m_world, *relationBetween(Type::LUN_GROUP, Type::LUN), group, id);
-        }
-        ids.append(id);
-    }
-    transaction.commit();
-    Json::Value made(Json::objectValue);
-    made["ids"] = ids;
-    return made;
 }
 
 } // namespace arraysim

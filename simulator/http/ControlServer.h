@@ -34,7 +34,6 @@ private:
     void routeState();
     /** Not another's web page, whose browser knows this port or resolves a name to this address. */
     bool isOwnPage(const httplib::Request& request) const;
-    Json::Value bulkLuns(const Json::Value& wanted);
 
     World& m_world;
     ArrayInterface& m_array;

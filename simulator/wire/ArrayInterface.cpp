@@ -1,6 +1,7 @@
 #include "wire/ArrayInterface.h"
 
 #include "base/Json.h"
+#include "wire/AssociationRoutes.h"
 #include "wire/ObjectRoutes.h"
 
 #include <exception>

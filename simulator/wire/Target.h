@@ -16,6 +16,14 @@ struct Target
     std::string query;                                           ///< raw, without the question mark
 };
 
+/** A request for objects, its target relative to the device. */
+struct ObjectRequest
+{
+    std::string method;
+    Target target;
+    std::string body;
+};
+
 /**
  * Splits a raw request target. Throws ArrayError (QUERY_MALFORMED) for a bad escape or a parameter
  * without a value.

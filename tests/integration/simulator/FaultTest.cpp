@@ -1,7 +1,6 @@
 #include "ArrayTest.h"
 #include "Codes.h"
-
-#include <openssl/ssl.h>
+#include "TlsConnection.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -156,20 +155,12 @@ TEST_F(SimulatorFault, AShareOfTheRequestsIsDrawnTheSameForTheSameSeed)
 /** What a client gets from its connection in place of an answer: the errno, 0 for an ordinary end. */
 int endOfConnection(const tessel_test::ArraySim& array)
 {
-    SSL_CTX* context = SSL_CTX_new(TLS_client_method());
-    BIO* connection = BIO_new_ssl_connect(context);
-    std::string place = array.ip() + ":" + std::to_string(array.port()); // not const: the macro casts
-    BIO_set_conn_hostname(connection, place.data());
-    EXPECT_EQ(BIO_do_connect(connection), 1);
-    const std::string request = "GET /deviceManager/rest/x/lun HTTP/1.1\r\nHost: x\r\n\r\n";
-    BIO_write(connection, request.data(), static_cast<int>(request.size()));
-    char byte = 0;
+    tessel_test::TlsConnection connection(array);
+    EXPECT_TRUE(connection.isOpen());
+    connection.send("GET /deviceManager/rest/x/lun HTTP/1.1\r\nHost: x\r\n\r\n");
     errno = 0;
-    EXPECT_LE(BIO_read(connection, &byte, 1), 0);
-    const int reason = errno;
-    BIO_free_all(connection);
-    SSL_CTX_free(context);
-    return reason;
+    EXPECT_FALSE(connection.receive());
+    return errno;
 }
 
 TEST_F(SimulatorFault, AConnectionCanEndWithAReset)

@@ -1,7 +1,6 @@
 #include "ArrayTest.h"
 #include "Codes.h"
-
-#include <openssl/ssl.h>
+#include "TlsConnection.h"
 
 #include <fstream>
 
@@ -74,19 +73,14 @@ TEST_F(SimulatorLimit, AnEndlessBodyCostsNoMemory)
 
 TEST_F(SimulatorLimit, AnEndlessHeadEndsTheConnection)
 {
-    SSL_CTX* context = SSL_CTX_new(TLS_client_method());
-    BIO* connection = BIO_new_ssl_connect(context);
-    std::string place = array.ip() + ":" + std::to_string(array.port()); // not const: the macro casts
-    BIO_set_conn_hostname(connection, place.data());
-    ASSERT_EQ(BIO_do_connect(connection), 1);
+    tessel_test::TlsConnection connection(array);
+    ASSERT_TRUE(connection.isOpen());
     std::string piece = "GET / HTTP/1.1\r\n";
     std::size_t sent = 0;
-    while (sent < 64 * MIB && BIO_write(connection, piece.data(), static_cast<int>(piece.size())) > 0) {
+    while (sent < 64 * MIB && connection.send(piece)) {
         sent += piece.size();
         piece = "X-" + std::to_string(sent) + ": " + std::string(4000, 'x') + "\r\n";
     }
-    BIO_free_all(connection);
-    SSL_CTX_free(context);
     EXPECT_LT(sent, 64 * MIB);
     EXPECT_EQ(client.get("/lun").code(), 0);
 }
