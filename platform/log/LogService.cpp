@@ -24,13 +24,12 @@ constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAME
     "product",     "type",  "protocol", "operation", "source",   "target",
     "transaction", "start", "end",      "result",    "extension"};
 
-/// Made when the library is loaded, so that no child is forked while it is half made; never destroyed,
-/// because static destructors of the application may still log.
-LogService* const serviceOfProcess = new LogService(&std::chrono::system_clock::now, &userLogDirectory);
+/// Made when the library is loaded at the latest, so that no child is forked while it is half made.
+[[maybe_unused]] const LogService& made = LogService::ofProcess();
 
-[[maybe_unused]] const int registered =
-    pthread_atfork([] { serviceOfProcess->lockForFork(); }, [] { serviceOfProcess->unlockAfterFork(); },
-                   [] { serviceOfProcess->unlockAfterFork(); });
+[[maybe_unused]] const int registered = pthread_atfork([] { LogService::ofProcess().lockForFork(); },
+                                                       [] { LogService::ofProcess().unlockAfterFork(); },
+                                                       [] { LogService::ofProcess().unlockAfterFork(); });
 
 std::string message(int error)
 {
@@ -46,7 +45,10 @@ LogService::LogService(Clock clock, Directory userDirectory)
 
 LogService& LogService::ofProcess()
 {
-    return *serviceOfProcess;
+    // Made at the first call: static objects of a program of one file may log before this file has its own.
+    // Never destroyed: they may still log when it would be.
+    static LogService* const service = new LogService(&std::chrono::system_clock::now, &userLogDirectory);
+    return *service;
 }
 
 int LogService::start(const std::string& product, const std::string& iniFile, const std::string& directory)

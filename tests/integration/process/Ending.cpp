@@ -1,11 +1,11 @@
 // A program of a user's that ends in the middle of its work. Usage: Ending WAY ADDRESS PORT
 //   static   a static object logs out, as late as a process can
-//   threads  exit is called while eight threads are inside operations
+//   whole    the same, having logged in before main (the port is in ENDING_LOG_IN_BEFORE_MAIN), as early as
+//   it can threads  exit is called while eight threads are inside operations
 #include <tessel/Tessel.h>
 
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -20,6 +20,20 @@ struct Session
 {
     CDeviceManager* array = nullptr;
 
+    Session()
+    {
+        const char* const port = std::getenv("ENDING_LOG_IN_BEFORE_MAIN");
+        if (port != nullptr && !logIn("127.0.0.1", static_cast<unsigned int>(std::atoi(port)))) {
+            _exit(4);
+        }
+    }
+
+    bool logIn(const std::string& address, unsigned int port)
+    {
+        array = CDeviceManager::getInstance(0, 0);
+        return array->loginDevice(address, port, "user", "password", USERTYPE_LOCAL);
+    }
+
     ~Session()
     {
         const bool ended = array == nullptr || array->logoutDevice();
@@ -33,12 +47,6 @@ struct Session
 };
 
 Session session;
-
-bool endStatically(const std::string& address, unsigned int port)
-{
-    session.array = CDeviceManager::getInstance(0, 0);
-    return session.array->loginDevice(address, port, "user", "password", USERTYPE_LOCAL);
-}
 
 bool endAmongThreads(const std::string& address, unsigned int port)
 {
@@ -67,8 +75,10 @@ int main(int count, char** arguments)
     if (count != 4) {
         return 2;
     }
-    const bool statically = std::strcmp(arguments[1], "static") == 0;
+    const std::string way = arguments[1];
     const auto port = static_cast<unsigned int>(std::atoi(arguments[3]));
-    const bool worked = statically ? endStatically(arguments[2], port) : endAmongThreads(arguments[2], port);
+    const bool worked = way == "whole"    ? session.array != nullptr
+                        : way == "static" ? session.logIn(arguments[2], port)
+                                          : endAmongThreads(arguments[2], port);
     std::exit(worked ? 0 : 1);
 }
