@@ -118,6 +118,7 @@ Json::Value ArrayServer::counters()
     all["handshakes"] = Json::UInt64(m_connections.handshakes());
     all["requests"] = m_journal.requests();
     all["sessions"] = Json::UInt64(m_sessions.count());
+    all["sessionsHighest"] = Json::UInt64(m_sessions.highest());
     return all;
 }
 
@@ -126,6 +127,7 @@ void ArrayServer::clearCounters()
     m_accepted = 0;
     m_connections.clearCounters();
     m_journal.clearCounters();
+    m_sessions.resetHighest();
 }
 
 void ArrayServer::serveWithBody(const httplib::Request& request, httplib::Response& response,

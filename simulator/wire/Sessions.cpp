@@ -88,6 +88,7 @@ Answer Sessions::login(const Json::Value& body)
     const std::string token = randomHex(32);
     const std::string cookie = randomHex(32);
     m_sessions[token] = {++m_lastNumber, cookie, now()};
+    m_highest = std::max(m_highest, m_sessions.size());
 
     Json::Value session(Json::objectValue);
     session["deviceid"] = m_deviceId;
@@ -130,6 +131,19 @@ std::size_t Sessions::count()
     const std::lock_guard<std::mutex> guard(m_mutex);
     expire();
     return m_sessions.size();
+}
+
+std::size_t Sessions::highest()
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    return m_highest;
+}
+
+void Sessions::resetHighest()
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    expire();
+    m_highest = m_sessions.size();
 }
 
 Json::Value Sessions::list()

@@ -40,6 +40,9 @@ public:
     void drop(const std::string& token);
     void dropAll();
     std::size_t count();
+    /** The most that were open at a time, since the start or the last resetHighest(). */
+    std::size_t highest();
+    void resetHighest();
     /** The open sessions as a test may see them: number, in the order of the logins, and user. */
     Json::Value list();
     /** The number of the session with this token; 0 where there is none. */
@@ -67,6 +70,7 @@ private:
     const std::string m_deviceId;
     std::chrono::seconds m_advanced{0};
     std::map<std::string, Session> m_sessions; ///< by token
+    std::size_t m_highest = 0;
     unsigned m_lastNumber = 0;
 };
 

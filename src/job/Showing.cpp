@@ -55,8 +55,10 @@ void Showing::show()
         const MappingViewMO binding = view(hosts, names);
         const LunGroupMO luns = lunGroup(binding, names);
         m_result.own = {named(MO_LUNGROUP, luns), named(MO_MAPPINGVIEW, binding), named(MO_HOSTGROUP, hosts)};
-        add(luns);
-        m_result.isVisible = m_map.isVisible(m_result.hostID);
+        for (int i = 0; i < 2 && !m_result.isVisible; ++i) { // most likely the array was busy once
+            add(luns);
+            m_result.isVisible = m_map.isVisible(m_result.hostID);
+        }
     } while (!m_result.isVisible && tries.another());
     if (!m_result.isVisible) {
         throw OvraAPIException("the host does not see the object; the run log says why! ensureVisible");

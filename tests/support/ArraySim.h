@@ -63,7 +63,8 @@ public:
     Json::Value faults() const;
     void clearFaults() const;
 
-    /** {"connections": N, "handshakes": N, "sessions": N, "requests": {"GET /lun/{id}": N, ...}} */
+    /** {"connections": N, "handshakes": N, "sessions": N, "sessionsHighest": N, "requests": {"GET /lun/{id}":
+     * N, ...}} */
     Json::Value counters() const;
     /** Requests counted for one method and resource, e.g. ("GET", "/lun/{id}"). */
     unsigned long requests(const std::string& method, const std::string& resource) const;

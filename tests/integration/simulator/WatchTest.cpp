@@ -45,6 +45,20 @@ TEST_F(SimulatorWatch, OneKeptAliveConnectionIsOneHandshake)
     EXPECT_TRUE(array.counters()["requests"].empty());
 }
 
+TEST_F(SimulatorWatch, TheMostSessionsAtATimeAreCounted)
+{
+    EXPECT_EQ(array.counters()["sessionsHighest"].asUInt(), 1U) << "the fixture's";
+    {
+        ArrayClient other(array);
+        other.login();
+        EXPECT_EQ(other.del("/sessions").code(), 0);
+    }
+    EXPECT_EQ(array.counters()["sessions"].asUInt(), 1U);
+    EXPECT_EQ(array.counters()["sessionsHighest"].asUInt(), 2U);
+    array.resetCounters();
+    EXPECT_EQ(array.counters()["sessionsHighest"].asUInt(), 1U);
+}
+
 TEST_F(SimulatorWatch, AConnectionWithoutAHandshakeIsCountedAsSuch)
 {
     array.resetCounters();
