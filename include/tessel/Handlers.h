@@ -78,7 +78,8 @@ Interface& handlerOf(CDeviceManager& manager)
 /**
  * A handler, and beside it the same operations for what its fixed signatures do not take. It is a reference:
  * made in passing, copied freely, valid as long as the device manager. What a member of a derived class
- * throws and costs is told with the handler's operation of that name; of... lists by pages.
+ * throws and costs is told with the handler's operation of that name; of... and all() list by pages: the set
+ * fields of the filter select, as in the handler's query, and pageSize records are read at a time.
  */
 template <typename Interface>
 class Face
