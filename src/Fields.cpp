@@ -2,67 +2,27 @@
 
 #include <tessel/Fields.h>
 
-#include "access/FCInitiatorFields.h"
-#include "access/HostFields.h"
-#include "access/HostGroupFields.h"
-#include "access/IscsiInitiatorFields.h"
-#include "access/MappingViewFields.h"
-#include "ports/EthPortFields.h"
-#include "ports/FCPortFields.h"
-#include "ports/FCoEPortFields.h"
-#include "storage/LunFields.h"
-#include "storage/LunGroupFields.h"
-#include "storage/SnapshotFields.h"
+#include "access/AccessFields.h"
+#include "ports/PortFields.h"
+#include "storage/StorageFields.h"
 
 using namespace ovra::tessel;
 
 namespace {
 
-RecordField::Kind kindOf(bool)
+template <class Value>
+RecordField shown(const char* name, const Value& value, const Value& unset)
 {
-    return RecordField::FLAG;
-}
-RecordField::Kind kindOf(const std::string&)
-{
-    return RecordField::TEXT;
-}
-template <class Number>
-RecordField::Kind kindOf(Number)
-{
-    return RecordField::NUMBER;
-}
-
-std::string textOf(bool flag)
-{
-    return flag ? "true" : "false";
-}
-std::string textOf(const std::string& text)
-{
-    return text;
-}
-template <class Number>
-std::string textOf(Number number)
-{
-    return std::to_string(number);
-}
-
-// A default other than 0 means unset; 0 does so for the array's codes, which are the unsigned 32-bit numbers.
-bool isSet(bool, bool)
-{
-    return true;
-}
-bool isSet(const std::string& text, const std::string&)
-{
-    return !text.empty();
-}
-bool isSet(uint32_t code, uint32_t unset)
-{
-    return code != unset;
-}
-template <class Number>
-bool isSet(Number number, Number unset)
-{
-    return unset == 0 || number != unset;
+    if constexpr (std::is_same_v<Value, bool>) {
+        return {name, RecordField::FLAG, value ? "true" : "false", true, false};
+    } else if constexpr (std::is_same_v<Value, std::string>) {
+        return {name, RecordField::TEXT, value, !value.empty(), false};
+    } else {
+        // A default other than 0 means unset; 0 does so for the array's codes alone.
+        constexpr bool IS_CODE = std::is_same_v<Value, uint32_t>;
+        return {name, RecordField::NUMBER, std::to_string(value), value != unset || (unset == 0 && !IS_CODE),
+                false};
+    }
 }
 
 template <class Record>
@@ -72,9 +32,8 @@ std::vector<RecordField> walk(const Record& record)
     std::vector<RecordField> walked;
     const auto visit = [&](const auto& field) {
         const auto& value = record.*field.member;
-        const std::string text = field.secret ? std::string() : textOf(value);
-        walked.push_back({field.name, kindOf(value), text, !field.secret && isSet(value, unset.*field.member),
-                          field.secret});
+        walked.push_back(field.secret ? RecordField{field.name, RecordField::TEXT, "", false, true}
+                                      : shown(field.name, value, unset.*field.member));
     };
     std::apply([&](const auto&... field) { (visit(field), ...); }, FieldTable<Record>::fields);
     return walked;

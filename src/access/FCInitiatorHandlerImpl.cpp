@@ -1,6 +1,6 @@
 #include "access/FCInitiatorHandlerImpl.h"
 
-#include "access/FCInitiatorFields.h"
+#include "access/AccessFields.h"
 #include "session/Texts.h"
 
 using namespace ovra::tessel;

@@ -1,6 +1,6 @@
 #include "access/HostGroupHandlerImpl.h"
 
-#include "access/HostGroupFields.h"
+#include "access/AccessFields.h"
 #include "session/Absorb.h"
 #include "session/Retry.h"
 #include "session/Texts.h"

@@ -1,6 +1,6 @@
 #include "access/HostHandlerImpl.h"
 
-#include "access/HostFields.h"
+#include "access/AccessFields.h"
 #include "session/Retry.h"
 #include "session/Texts.h"
 

@@ -1,6 +1,6 @@
 #include "access/IscsiInitiatorHandlerImpl.h"
 
-#include "access/IscsiInitiatorFields.h"
+#include "access/AccessFields.h"
 #include "session/Texts.h"
 
 using namespace ovra::tessel;

@@ -1,6 +1,6 @@
 #include "access/MappingViewHandlerImpl.h"
 
-#include "access/MappingViewFields.h"
+#include "access/AccessFields.h"
 #include "session/Retry.h"
 #include "session/Texts.h"
 

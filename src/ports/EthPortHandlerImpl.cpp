@@ -1,6 +1,6 @@
 #include "ports/EthPortHandlerImpl.h"
 
-#include "ports/EthPortFields.h"
+#include "ports/PortFields.h"
 
 using namespace ovra::tessel;
 

@@ -1,6 +1,6 @@
 #include "ports/FCPortHandlerImpl.h"
 
-#include "ports/FCPortFields.h"
+#include "ports/PortFields.h"
 
 using namespace ovra::tessel;
 

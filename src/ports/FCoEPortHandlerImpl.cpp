@@ -1,6 +1,6 @@
 #include "ports/FCoEPortHandlerImpl.h"
 
-#include "ports/FCoEPortFields.h"
+#include "ports/PortFields.h"
 
 using namespace ovra::tessel;
 

@@ -1,10 +1,8 @@
 #ifndef SESSION_TEXTS_H
 #define SESSION_TEXTS_H
 
-namespace ovra::tessel {
-
 /** Messages that several operations share; the operation's name follows the closing blank. */
-namespace texts {
+namespace ovra::tessel::texts {
 
 constexpr const char* LUN_ID_EMPTY = "lunID is empty! ";
 constexpr const char* SNAPSHOT_ID_EMPTY = "snapshotID is empty! ";
@@ -16,8 +14,6 @@ constexpr const char* ISCSI_INITIATOR_ID_EMPTY = "iscsiInitiatorID is empty! ";
 constexpr const char* FC_INITIATOR_ID_EMPTY = "fcInitiatorID is empty! ";
 constexpr const char* NO_DEVICE_MANAGER = "deviceManage is NULL! ";
 
-} // namespace texts
-
-} // namespace ovra::tessel
+} // namespace ovra::tessel::texts
 
 #endif

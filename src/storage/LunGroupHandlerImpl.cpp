@@ -3,7 +3,7 @@
 #include "session/Retry.h"
 #include "session/Texts.h"
 #include "storage/DiskKinds.h"
-#include "storage/LunGroupFields.h"
+#include "storage/StorageFields.h"
 
 using namespace ovra::tessel;
 

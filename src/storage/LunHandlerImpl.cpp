@@ -2,7 +2,7 @@
 
 #include "session/Retry.h"
 #include "session/Texts.h"
-#include "storage/LunFields.h"
+#include "storage/StorageFields.h"
 
 using namespace ovra::tessel;
 

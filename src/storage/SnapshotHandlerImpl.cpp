@@ -1,7 +1,7 @@
 #include "storage/SnapshotHandlerImpl.h"
 
 #include "session/Texts.h"
-#include "storage/SnapshotFields.h"
+#include "storage/StorageFields.h"
 
 using namespace ovra::tessel;
 

@@ -1,9 +1,11 @@
-#ifndef STORAGE_LUNFIELDS_H
-#define STORAGE_LUNFIELDS_H
+#ifndef STORAGE_STORAGEFIELDS_H
+#define STORAGE_STORAGEFIELDS_H
 
 #include "session/FieldTable.h"
 
 #include <tessel/Lun.h>
+#include <tessel/LunGroup.h>
+#include <tessel/Snapshot.h>
 
 namespace ovra::tessel {
 
@@ -62,6 +64,44 @@ struct FieldTable<LunMO>
     static constexpr auto filter =
         std::make_tuple(&LunMO::ID, &LunMO::NAME, &LunMO::PARENTID, &LunMO::ALLOCTYPE, &LunMO::RUNNINGSTATUS,
                         &LunMO::HEALTHSTATUS, &LunMO::ISADD2LUNGROUP);
+};
+
+template <>
+struct FieldTable<LunGroupMO>
+{
+    static constexpr auto fields =
+        std::make_tuple(fields::read("ID", &LunGroupMO::ID, readers::asText),
+                        fields::read("NAME", &LunGroupMO::NAME, readers::asText),
+                        fields::read("DESCRIPTION", &LunGroupMO::DESCRIPTION, readers::asText),
+                        fields::read("ISADD2MAPPINGVIEW", &LunGroupMO::ISADD2MAPPINGVIEW, readers::asFlag),
+                        fields::read("APPTYPE", &LunGroupMO::APPTYPE, readers::asUl),
+                        fields::read("GROUPTYPE", &LunGroupMO::GROUPTYPE, readers::asUl));
+    static constexpr MOType TYPE = MO_LUNGROUP;
+    static constexpr const char* LIST = "/lungroup/associate?";
+    static constexpr auto filter = std::make_tuple(&LunGroupMO::ID, &LunGroupMO::NAME,
+                                                   &LunGroupMO::ISADD2MAPPINGVIEW, &LunGroupMO::APPTYPE);
+};
+
+template <>
+struct FieldTable<SnapshotMO>
+{
+    static constexpr auto fields =
+        std::make_tuple(fields::read("ID", &SnapshotMO::ID, readers::asText),
+                        fields::read("NAME", &SnapshotMO::NAME, readers::asText),
+                        fields::read("PARENTTYPE", &SnapshotMO::PARENTTYPE, readers::asJsonSigned),
+                        fields::read("PARENTID", &SnapshotMO::PARENTID, readers::asText),
+                        fields::read("PARENTNAME", &SnapshotMO::PARENTNAME, readers::asText),
+                        fields::read("HEALTHSTATUS", &SnapshotMO::HEALTHSTATUS, readers::asUl),
+                        fields::read("RUNNINGSTATUS", &SnapshotMO::RUNNINGSTATUS, readers::asUl),
+                        fields::read("DESCRIPTION", &SnapshotMO::DESCRIPTION, readers::asText),
+                        // Numbers of the array: docs/oddities.md#snapshot-capacities
+                        fields::read("USERCAPACITY", &SnapshotMO::USERCAPACITY, readers::asUll),
+                        fields::read("CONSUMEDCAPACITY", &SnapshotMO::CONSUMEDCAPACITY, readers::asUll),
+                        fields::read("WWN", &SnapshotMO::WWN, readers::asText));
+    static constexpr MOType TYPE = MO_SNAPSHOT;
+    static constexpr const char* LIST = "/snapshot/associate?";
+    static constexpr auto filter = std::make_tuple(&SnapshotMO::ID, &SnapshotMO::NAME, &SnapshotMO::PARENTID,
+                                                   &SnapshotMO::RUNNINGSTATUS, &SnapshotMO::HEALTHSTATUS);
 };
 
 } // namespace ovra::tessel
