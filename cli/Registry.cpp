@@ -53,25 +53,11 @@ const std::vector<CommandGroup>& commandGroups()
 const Commands& allCommands()
 {
     static const Commands commands = together({
-        lunCommands(),
-        snapshotCommands(),
-        lunGroupCommands(),
-        hostCommands(),
-        hostGroupCommands(),
-        iscsiInitiatorCommands(),
-        fcInitiatorCommands(),
-        viewCommands(),
-        portCommands(),
-        attachCommands(),
-        detachCommands(),
-        deviceCommands(),
-        tidyCommands(),
-        explainCommands(),
-        topologyCommands(),
-        doctorCommands(),
-        pingCommands(),
-        fingerprintCommands(),
-        referenceCommands(),
+        lunCommands(),       snapshotCommands(),       lunGroupCommands(),    hostCommands(),
+        hostGroupCommands(), iscsiInitiatorCommands(), fcInitiatorCommands(), viewCommands(),
+        portCommands(),      attachCommands(),         detachCommands(),      deviceCommands(),
+        tidyCommands(),      explainCommands(),        topologyCommands(),    doctorCommands(),
+        pingCommands(),      fingerprintCommands(),    referenceCommands(),
     });
     return commands;
 }
