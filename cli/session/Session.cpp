@@ -84,7 +84,10 @@ void Session::adopt(const Values& values)
             "and its cookie (--cookie-file or TESSEL_COOKIE)");
     }
     if (!m_manager->useConnection(m_address.ip, m_address.port, values.text("--device-id"), token, cookie)) {
-        throw UsageError("the session could not be adopted: device ID, token and cookie may not be empty");
+        throw UsageError(
+            "the session could not be adopted: device ID, token or cookie is empty or cannot be sent, "
+            "as the run log in " +
+            logDirectory() + " tells");
     }
 }
 

@@ -12,6 +12,7 @@ namespace ovra::disk {
 namespace {
 
 constexpr const char* BLOCK = "/sys/block/";
+constexpr const char* SCSI_DEVICES = "/sys/class/scsi_device/";
 constexpr const char* RUNNING = "running";
 
 void visit(const Node& found, const std::string& root, std::vector<Node>& nodes)
@@ -80,11 +81,18 @@ bool canAnswer(const std::string& name, const std::string& root)
 std::vector<std::string> disksNotRunning(const std::string& root)
 {
     std::vector<std::string> disks;
-    for (const std::string& name : namesIn(root + BLOCK)) {
-        const std::string state = isDiskName(name) ? stateOf(name, root) : std::string();
+    const auto consider = [&](const std::string& name, const std::string& state) {
         if (!state.empty() && state != RUNNING) {
             disks.push_back(std::string(name).append(" is ").append(state));
         }
+    };
+    for (const std::string& name : namesIn(root + BLOCK)) {
+        consider(name, isDiskName(name) ? stateOf(name, root) : std::string());
+    }
+    for (const std::string& address : namesIn(root + SCSI_DEVICES)) {
+        const std::string folder = std::string(root).append(SCSI_DEVICES).append(address).append("/device");
+        consider("the device at " + address,
+                 namesIn(folder + "/block").empty() ? valueOf(folder + "/state") : std::string());
     }
     return disks;
 }

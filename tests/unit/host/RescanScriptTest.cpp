@@ -228,6 +228,22 @@ TEST_F(DisksThatAreAway, AreNotRemovedByARescan)
                     "that are gone stay."));
 }
 
+TEST_F(DisksThatAreAway, AreAnyDevicesThatTheScriptWouldRemove)
+{
+    seam.addDisk("sdc", OTHER_WWN);
+    seam.write("/sys/class/scsi_device/2:0:0:1/device/state", "running\n");
+    seam.write("/sys/class/scsi_device/2:0:0:1/device/block/sdc/dev", "8:32\n");
+    seam.write("/sys/class/scsi_device/3:0:0:0/device/state", "running\n");
+    scanner.scanLunAfterAttach(id);
+    EXPECT_THAT(commands(), ElementsAre(WHICH, SCRIPT, SCRIPT, TMP_BLOCK));
+
+    platform.reset();
+    seam.write("/sys/class/scsi_device/3:0:0:0/device/state", "transport-offline\n"); // a tape
+    scanner.scanLunAfterAttach(id);
+    EXPECT_THAT(commands(), ElementsAre(WHICH, WITHOUT_REMOVAL, WITHOUT_REMOVAL, TMP_BLOCK));
+    EXPECT_EQ(platform.lines("error: the device at 3:0:0:0 is transport-offline: ").size(), 1u);
+}
+
 TEST_F(DisksThatAreAway, SinceTheFirstRunAreNotRemovedByTheSecond)
 {
     seam.addDisk("sdc", OTHER_WWN);

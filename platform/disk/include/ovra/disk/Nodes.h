@@ -31,7 +31,10 @@ std::string stateOf(const std::string& disk, const std::string& root = std::stri
  */
 bool canAnswer(const std::string& name, const std::string& root = std::string());
 
-/** Every SCSI disk of this host that is not running, e.g. "sdc is transport-offline". */
+/**
+ * Every SCSI disk of this host that is not running, e.g. "sdc is transport-offline", and every other SCSI
+ * device, tapes for one, e.g. "the device at 3:0:0:1 is offline".
+ */
 std::vector<std::string> disksNotRunning(const std::string& root = std::string());
 
 /**
