@@ -15,6 +15,8 @@
 #include "storage/LunHandlerImpl.h"
 #include "storage/SnapshotHandlerImpl.h"
 
+#include <ovra/threads/NoCancellation.h>
+
 using namespace ovra::tessel;
 
 namespace {
@@ -38,6 +40,7 @@ void deleteInOrder(Handlers*&... handlers)
 
 CHandler* CDeviceManagerImpl::getHandler(HANDLERTYPE type)
 {
+    const ovra::NoCancellation whole; // a scanner runs a command when it is made
     switch (type) {
     case LUN_HANDLER:
         return madeOnce(m_pLunHandler, this);

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <type_traits>
 #include <unistd.h>
@@ -199,6 +200,28 @@ TEST_F(Construction, IsTriedAgainAfterTheLockCouldNotBeMade)
     seam.semgetFails = false;
     const CDiskScannerHandlerImpl made(&manager);
     EXPECT_THAT(commands(), ElementsAre(WHICH));
+    EXPECT_EQ(g_scannerInitialised, 1);
+}
+
+/** Asks for the scanner as a thread that is cancelled meanwhile. */
+void* getScanner(void* manager)
+{
+    static_cast<CDeviceManagerImpl*>(manager)->getHandler(DISKSCANNER_HANDLER);
+    pthread_testcancel();
+    return nullptr;
+}
+
+TEST_F(Construction, IsDoneWholeByAThreadThatIsCancelled)
+{
+    seam.onSystem = [](const std::string&) {
+        pthread_cancel(pthread_self());
+        pthread_testcancel();
+    };
+    pthread_t thread = {};
+    ASSERT_EQ(pthread_create(&thread, nullptr, &getScanner, &manager), 0);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
     EXPECT_EQ(g_scannerInitialised, 1);
 }
 
