@@ -34,7 +34,8 @@ std::string Table::part(const std::vector<TableLine>& lines)
         m_columns[i].right = isFirst ? holdsNumbers(lines, i) : m_columns[i].right;
         const bool yields =
             std::find(CUT_WHEN_NARROW.begin(), CUT_WHEN_NARROW.end(), m_titles[i]) != CUT_WHEN_NARROW.end();
-        scols_table_new_column(table.get(), m_titles[i].c_str(), m_columns[i].width,
+        // A width that is kept counts only where it exceeds that of the title.
+        scols_table_new_column(table.get(), isFirst ? m_titles[i].c_str() : "", m_columns[i].width,
                                (m_columns[i].right ? SCOLS_FL_RIGHT : 0) | (yields ? SCOLS_FL_TRUNC : 0) |
                                    (isFirst ? 0 : SCOLS_FL_STRICTWIDTH));
     }

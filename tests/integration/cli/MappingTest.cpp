@@ -1,6 +1,7 @@
 #include "Cli.h"
 
 #include <algorithm>
+#include <sstream>
 
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -132,6 +133,19 @@ TEST_F(MappingTest, AListComesOutAsItIsReadAndItsJsonEndsOnlyWhenItIsWhole)
     EXPECT_EQ(json.exitCode, 3);
     EXPECT_EQ(json.out.front(), '[');
     EXPECT_EQ(json.out.find("\n]"), std::string::npos);
+}
+
+TEST_F(MappingTest, TheColumnsOfALongListStayWhereTheyAre)
+{
+    array.bulkLuns(150, lunGroup);
+    const Outcome listed = expect(0, {"lun", "list", "--group", lunGroup});
+    const size_t column = listed.out.find("WWN");
+    std::istringstream lines(listed.out);
+    int aligned = 0;
+    for (std::string line; std::getline(lines, line);) {
+        aligned += line.size() > column && line[column - 1] == ' ' && line[column] != ' ' ? 1 : 0;
+    }
+    EXPECT_EQ(aligned, 151) << "the titles and every LUN";
 }
 
 TEST_F(MappingTest, AttachMakesTheLunVisibleAndDetachTakesItAway)
