@@ -220,6 +220,17 @@ TEST_F(AttachAndDetach, WorkOnWhileTheArrayIsBusy)
     EXPECT_EQ(all("lungroup") + all("hostgroup") + all("mappingview"), 6U);
 }
 
+TEST_F(AttachAndDetach, WhatADetachReadsByItselfIsReadAgainWhileTheArrayIsBusy)
+{
+    expect(0, attach());
+    for (const int code : {1077949006, 1077949001}) {
+        array.addErrorFault("GET", "/lun/" + lun, code);
+        array.addErrorFault("GET", "/iscsi_initiator/*", code);
+        expect(0, detach());
+        EXPECT_EQ(seen(host), 0U);
+    }
+}
+
 /** Twenty at once, of one host or of many. */
 class AtOnce : public AttachAndDetach, public ::testing::WithParamInterface<unsigned>
 {
