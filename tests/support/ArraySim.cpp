@@ -119,7 +119,7 @@ void ArraySim::start()
 
 void ArraySim::awaitPorts()
 {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
     while (!std::filesystem::exists(m_stateDir + "/port")) {
         int status = 0;
         const bool ended = ::waitpid(m_pid, &status, WNOHANG) == m_pid;

@@ -104,7 +104,7 @@ public:
     bool running() const { return m_pid > 0; }
 
 private:
-    static constexpr std::chrono::seconds patience{
+    static constexpr std::chrono::seconds PATIENCE{
         60}; ///< until a simulator that does not answer is given up
 
     std::vector<std::string> commandLine() const;

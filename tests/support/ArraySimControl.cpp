@@ -32,7 +32,7 @@ Json::Value ArraySim::control(const std::string& method, const std::string& path
                               const Json::Value& body) const
 {
     httplib::Client client("127.0.0.1", static_cast<int>(m_controlPort));
-    client.set_read_timeout(patience);
+    client.set_read_timeout(PATIENCE);
     httplib::Request request;
     request.method = method;
     request.path = path;

@@ -1,6 +1,7 @@
 #ifndef SUPPORT_MISBEHAVINGSERVER_H
 #define SUPPORT_MISBEHAVINGSERVER_H
 
+#include "ReceivedRequest.h"
 #include "ServerBehaviour.h"
 #include "TestCertificates.h"
 
@@ -10,19 +11,6 @@
 #include <vector>
 
 namespace tessel_test {
-
-/** One request as it arrived. */
-struct ReceivedRequest
-{
-    unsigned connection = 0; ///< which accepted connection, counted from 1
-    std::string head;        ///< request line and header lines with CR LF, without the blank line
-    std::string body;
-
-    std::string method() const;
-    std::string target() const;
-    /** Value of a header, names compared without case; empty when there is none. */
-    std::string header(const std::string& name) const;
-};
 
 /**
  * An HTTPS server on a free loopback port that does what a test tells it to, and counts what it sees.

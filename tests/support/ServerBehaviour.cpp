@@ -51,12 +51,12 @@ Behaviour Behaviour::error(long long code, const std::string& description)
 
 Behaviour Behaviour::closeWithoutAnswer()
 {
-    return raw("", Afterwards::Close);
+    return raw("", Afterwards::CLOSE);
 }
 
 Behaviour Behaviour::resetWithoutAnswer()
 {
-    return raw("", Afterwards::Reset);
+    return raw("", Afterwards::RESET);
 }
 
 Behaviour Behaviour::neverAnswer()
@@ -66,7 +66,7 @@ Behaviour Behaviour::neverAnswer()
 
 Behaviour Behaviour::truncatedBody()
 {
-    return raw("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n{\"data\":{", Afterwards::Close);
+    return raw("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n{\"data\":{", Afterwards::CLOSE);
 }
 
 Behaviour Behaviour::notJson()

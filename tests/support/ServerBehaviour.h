@@ -11,16 +11,16 @@ struct Behaviour
 {
     enum class Afterwards
     {
-        KeepOpen, ///< read the next request
-        Close,    ///< orderly TLS and TCP close
-        Reset     ///< TCP reset
+        KEEP_OPEN, ///< read the next request
+        CLOSE,     ///< orderly TLS and TCP close
+        RESET      ///< TCP reset
     };
 
     std::string bytes;                    ///< sent as they are
     std::string separately;               ///< arrives with them, in a TLS record of their own
     std::string endlessly;                ///< then these again and again, until the client goes
     std::chrono::milliseconds perByte{0}; ///< when not 0: one byte at a time, with this pause
-    Afterwards afterwards = Afterwards::KeepOpen;
+    Afterwards afterwards = Afterwards::KEEP_OPEN;
 
     /** A well-formed answer with that body; extraHeaders is lines that end in CR LF. */
     static Behaviour answer(const std::string& body, int status = 200, const std::string& extraHeaders = "");
@@ -29,7 +29,7 @@ struct Behaviour
     /** An error object of the array. */
     static Behaviour error(long long code, const std::string& description);
     /** These very bytes. */
-    static Behaviour raw(const std::string& bytes, Afterwards afterwards = Afterwards::KeepOpen);
+    static Behaviour raw(const std::string& bytes, Afterwards afterwards = Afterwards::KEEP_OPEN);
 
     static Behaviour closeWithoutAnswer();
     static Behaviour resetWithoutAnswer();

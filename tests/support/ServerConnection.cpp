@@ -7,7 +7,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <strings.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -16,9 +15,9 @@ namespace tessel_test {
 ServerConnection::ServerConnection(int socket, unsigned number, SSL_CTX* context, bool silent,
                                    ConnectionObserver& observer)
     : m_socket(socket), m_number(number), m_ssl(context ? SSL_new(context) : nullptr), m_observer(observer),
-      m_state(silent    ? State::Silent
-              : context ? State::Handshake
-                        : State::Reading)
+      m_state(silent    ? State::SILENT
+              : context ? State::HANDSHAKE
+                        : State::READING)
 {
     constexpr int ON = 1;
     setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &ON, sizeof(ON));
@@ -36,16 +35,16 @@ ServerConnection::~ServerConnection()
 
 short ServerConnection::wanted() const
 {
-    if (m_state == State::Silent) {
+    if (m_state == State::SILENT) {
         return 0;
     }
-    const bool paused = m_state == State::Writing && due();
+    const bool paused = m_state == State::WRITING && due();
     return paused ? 0 : m_blockedOnWrite ? POLLOUT : POLLIN;
 }
 
 std::optional<ServerConnection::Clock::time_point> ServerConnection::due() const
 {
-    if (m_state == State::Writing && m_behaviour.perByte.count() > 0) {
+    if (m_state == State::WRITING && m_behaviour.perByte.count() > 0) {
         return m_nextByte;
     }
     return std::nullopt;
@@ -53,31 +52,31 @@ std::optional<ServerConnection::Clock::time_point> ServerConnection::due() const
 
 bool ServerConnection::step()
 {
-    Progress progress = Progress::Moved;
-    while (progress == Progress::Moved) {
+    Progress progress = Progress::MOVED;
+    while (progress == Progress::MOVED) {
         m_blockedOnWrite = false;
         ERR_clear_error();
         switch (m_state) {
-        case State::Silent:
-            progress = Progress::Blocked;
+        case State::SILENT:
+            progress = Progress::BLOCKED;
             break;
-        case State::Handshake:
+        case State::HANDSHAKE:
             progress = shakeHands();
             break;
-        case State::Reading:
+        case State::READING:
             progress = read();
             break;
-        case State::Writing:
+        case State::WRITING:
             progress = write();
             break;
         }
     }
-    return progress == Progress::Blocked;
+    return progress == Progress::BLOCKED;
 }
 
 void ServerConnection::shutDown()
 {
-    if (m_ssl && m_state != State::Handshake && m_state != State::Silent) {
+    if (m_ssl && m_state != State::HANDSHAKE && m_state != State::SILENT) {
         SSL_shutdown(m_ssl);
     }
     shutdown(m_socket, SHUT_RDWR);
@@ -90,8 +89,8 @@ ServerConnection::Progress ServerConnection::shakeHands()
         return blockedOrOver(result);
     }
     m_observer.handshakeDone();
-    m_state = State::Reading;
-    return Progress::Moved;
+    m_state = State::READING;
+    return Progress::MOVED;
 }
 
 ServerConnection::Progress ServerConnection::read()
@@ -104,11 +103,11 @@ ServerConnection::Progress ServerConnection::read()
     m_input.append(buffer.data(), static_cast<size_t>(length));
     const bool tlsWithoutTls = !m_ssl && m_input.front() == '\x16';
     if (tlsWithoutTls) {
-        behave(Behaviour::raw("HTTP/1.1 400 Bad Request\r\n\r\n", Behaviour::Afterwards::Close));
-    } else if (const std::optional<ReceivedRequest> request = takeRequest()) {
+        behave(Behaviour::raw("HTTP/1.1 400 Bad Request\r\n\r\n", Behaviour::Afterwards::CLOSE));
+    } else if (const std::optional<ReceivedRequest> request = takeRequest(m_input, m_number)) {
         behave(m_observer.requestReceived(*request));
     }
-    return Progress::Moved;
+    return Progress::MOVED;
 }
 
 void ServerConnection::behave(const Behaviour& behaviour)
@@ -120,7 +119,7 @@ void ServerConnection::behave(const Behaviour& behaviour)
     // there.
     cork(!m_behaviour.separately.empty());
     m_nextByte = Clock::now();
-    m_state = State::Writing;
+    m_state = State::WRITING;
 }
 
 ServerConnection::Progress ServerConnection::write()
@@ -136,7 +135,7 @@ ServerConnection::Progress ServerConnection::write()
     }
     const bool slow = m_behaviour.perByte.count() > 0;
     if (slow && Clock::now() < m_nextByte) {
-        return Progress::Blocked;
+        return Progress::BLOCKED;
     }
     const int written = transmit(m_pending.data() + m_sent, slow ? 1 : m_pending.size() - m_sent);
     if (written <= 0) {
@@ -148,26 +147,26 @@ ServerConnection::Progress ServerConnection::write()
         m_sent = 0;
     }
     m_nextByte = Clock::now() + m_behaviour.perByte;
-    return Progress::Moved;
+    return Progress::MOVED;
 }
 
 ServerConnection::Progress ServerConnection::finishWriting()
 {
-    m_state = State::Reading;
+    m_state = State::READING;
     cork(false);
     switch (m_behaviour.afterwards) {
-    case Behaviour::Afterwards::KeepOpen:
-        return Progress::Moved;
-    case Behaviour::Afterwards::Close:
+    case Behaviour::Afterwards::KEEP_OPEN:
+        return Progress::MOVED;
+    case Behaviour::Afterwards::CLOSE:
         shutDown();
         break;
-    case Behaviour::Afterwards::Reset: {
+    case Behaviour::Afterwards::RESET: {
         const linger hard{1, 0};
         setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &hard, sizeof(hard));
         break;
     }
     }
-    return Progress::Over;
+    return Progress::OVER;
 }
 
 void ServerConnection::cork(bool on)
@@ -180,33 +179,14 @@ ServerConnection::Progress ServerConnection::blockedOrOver(int result)
 {
     const int error = m_ssl ? SSL_get_error(m_ssl, result) : SSL_ERROR_NONE;
     if (m_ssl ? error == SSL_ERROR_WANT_READ : result < 0 && errno == EAGAIN) {
-        m_blockedOnWrite = !m_ssl && m_state == State::Writing;
+        m_blockedOnWrite = !m_ssl && m_state == State::WRITING;
     } else if (error == SSL_ERROR_WANT_WRITE) {
         m_blockedOnWrite = true;
     } else {
         m_observer.closedByClient(error == SSL_ERROR_ZERO_RETURN);
-        return Progress::Over;
+        return Progress::OVER;
     }
-    return Progress::Blocked;
-}
-
-std::optional<ReceivedRequest> ServerConnection::takeRequest()
-{
-    const size_t headEnd = m_input.find("\r\n\r\n");
-    if (headEnd == std::string::npos) {
-        return std::nullopt;
-    }
-    ReceivedRequest request;
-    request.connection = m_number;
-    request.head = m_input.substr(0, headEnd + 2);
-    const std::string length = request.header("Content-Length");
-    const size_t bodyLength = length.empty() ? 0 : std::stoul(length);
-    if (m_input.size() < headEnd + 4 + bodyLength) {
-        return std::nullopt;
-    }
-    request.body = m_input.substr(headEnd + 4, bodyLength);
-    m_input.erase(0, headEnd + 4 + bodyLength);
-    return request;
+    return Progress::BLOCKED;
 }
 
 int ServerConnection::receive(char* buffer, int size)
@@ -223,30 +203,6 @@ int ServerConnection::transmit(const char* data, size_t size)
         return SSL_write(m_ssl, data, static_cast<int>(size));
     }
     return static_cast<int>(send(m_socket, data, size, MSG_NOSIGNAL));
-}
-
-std::string ReceivedRequest::method() const
-{
-    return head.substr(0, head.find(' '));
-}
-
-std::string ReceivedRequest::target() const
-{
-    const size_t begin = head.find(' ') + 1;
-    return head.substr(begin, head.find(" HTTP/", begin) - begin);
-}
-
-std::string ReceivedRequest::header(const std::string& name) const
-{
-    for (size_t line = head.find("\r\n"); line + 2 < head.size(); line = head.find("\r\n", line + 2)) {
-        const char* begin = head.c_str() + line + 2;
-        if (strncasecmp(begin, name.c_str(), name.size()) != 0 || begin[name.size()] != ':') {
-            continue;
-        }
-        const size_t value = head.find_first_not_of(' ', line + 2 + name.size() + 1);
-        return head.substr(value, head.find("\r\n", value) - value);
-    }
-    return "";
 }
 
 } // namespace tessel_test

@@ -47,16 +47,16 @@ public:
 private:
     enum class State
     {
-        Silent,
-        Handshake,
-        Reading,
-        Writing
+        SILENT,
+        HANDSHAKE,
+        READING,
+        WRITING
     };
     enum class Progress
     {
-        Moved,
-        Blocked,
-        Over
+        MOVED,
+        BLOCKED,
+        OVER
     };
 
     Progress shakeHands();
@@ -66,7 +66,6 @@ private:
     Progress finishWriting();
     void cork(bool on);
     Progress blockedOrOver(int result);
-    std::optional<ReceivedRequest> takeRequest();
     int receive(char* buffer, int size);
     int transmit(const char* data, size_t size);
 
