@@ -64,7 +64,9 @@ std::vector<Node> nodesOn(const std::string& disk, const std::string& root)
 
 std::string stateOf(const std::string& disk, const std::string& root)
 {
-    return valueOf(root + BLOCK + disk + "/device/state");
+    const std::string state = valueOf(root + BLOCK + disk + "/device/state");
+    return !state.empty() ? state
+                          : valueOf(root + "/sys/class/block/" + disk + "/../device/state"); // a partition
 }
 
 bool canAnswer(const std::string& name, const std::string& root)
@@ -73,9 +75,13 @@ bool canAnswer(const std::string& name, const std::string& root)
     if (!state.empty()) {
         return state == RUNNING;
     }
-    const std::vector<std::string> paths = namesIn(root + BLOCK + name + "/slaves");
-    return paths.empty() || std::any_of(paths.begin(), paths.end(),
-                                        [&](const std::string& path) { return canAnswer(path, root); });
+    const std::vector<std::string> below = namesIn(root + BLOCK + name + "/slaves");
+    const auto answers = [&](const std::string& one) { return canAnswer(one, root); };
+    const std::string kind = valueOf(root + BLOCK + name + "/dm/uuid");
+    if (!kind.empty() && kind.compare(0, 6, "mpath-") != 0) { // a volume over several disks needs them all
+        return std::all_of(below.begin(), below.end(), answers);
+    }
+    return below.empty() || std::any_of(below.begin(), below.end(), answers);
 }
 
 std::vector<std::string> disksNotRunning(const std::string& root)

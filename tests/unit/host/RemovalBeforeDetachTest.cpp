@@ -246,6 +246,29 @@ TEST_F(RemovalOfDisks, WritesBackWhatStandsOnTheDiskFirstAndNothingToWhatIsDead)
     EXPECT_THAT(commands(), ElementsAre(removal("sdc")));
 }
 
+TEST_F(RemovalOfDisks, WritesNothingBackToAVolumeThatADeadDiskBelongsTo)
+{
+    for (const char* const name : {"sdc", "dm-0", "dm-1"}) {
+        seam.addDisk(name, WWN);
+    }
+    for (const char* const name : {"dm-0", "dm-1"}) {
+        const std::string folder = std::string("/sys/block/") + name;
+        std::filesystem::remove_all(seam.root + folder + "/device");
+        seam.write("/sys/block/sdc/holders/" + std::string(name) + "/x", "");
+        seam.write(folder + "/slaves/sdc/x", "");
+        seam.write(folder + "/slaves/sdx1/x", "");
+    }
+    seam.write("/sys/block/sdx/sdx1/partition", "1\n");
+    seam.link("/sys/class/block/sdx1", "../../block/sdx/sdx1");
+    seam.write("/sys/block/dm-0/dm/uuid", "mpath-3600a0b8000f1c1d2\n");
+    seam.write("/sys/block/dm-1/dm/uuid", "LVM-wNtKvQ\n");
+    seam.write("/sys/block/sdx/device/state", "blocked\n");
+    list({scsi("2:0:0:1", "sdc"), ""});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(platform.lines("flush: "), ElementsAre("flush: dm-0", "flush: sdc"));
+    EXPECT_EQ(count("warn: /dev/dm-1 is not running: data not yet written to it is lost"), 1u);
+}
+
 TEST_F(RemovalOfDisks, WritesBackAFileSystemThatTheDiskDoesNotLeadTo)
 {
     seam.write("/data/file", "");

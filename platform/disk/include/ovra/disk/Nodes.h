@@ -22,12 +22,14 @@ struct Node
 /** A disk and all that stands on it: its partitions and what holds them, whatever holds those, and so on. */
 std::vector<Node> nodesOn(const std::string& disk, const std::string& root = std::string());
 
-/** What the kernel says of a SCSI disk: "running", "offline", "transport-offline" ...; empty when nothing. */
+/** What the kernel says of a SCSI disk, or of that of a partition: "running", "offline", "transport-offline"
+ * ...; empty when nothing. */
 std::string stateOf(const std::string& disk, const std::string& root = std::string());
 
 /**
  * False for a device that the kernel knows not to answer: a SCSI disk that is not running, a device-mapper
- * node with only such ones below it. Asking one may last for minutes, or for ever.
+ * node with only such ones below it, or, unless it is a multipath map, with any such one. Asking one may last
+ * for minutes, or for ever.
  */
 bool canAnswer(const std::string& name, const std::string& root = std::string());
 
