@@ -17,7 +17,9 @@
 #include <tessel/Fields.h>
 #include <tessel/Host.h>
 #include <tessel/HostGroup.h>
+#include <tessel/HostTransaction.h>
 #include <tessel/IscsiInitiator.h>
+#include <tessel/LocalDisk.h>
 #include <tessel/Lun.h>
 #include <tessel/LunGroup.h>
 #include <tessel/MappingView.h>

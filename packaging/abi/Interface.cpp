@@ -32,6 +32,9 @@ template void layoutOf(const CETHPortHandler&);
 template void layoutOf(const CDiskAttachHandler&);
 template void layoutOf(const CDiskScannerHandler&);
 
+template void layoutOf(const ovra::tessel::HostTransaction&);
+template void layoutOf(const ovra::tessel::LocalDisk&);
+
 template void layoutOf(const LunQuery&);
 template void layoutOf(const LunGroupQuery&);
 template void layoutOf(const SnapshotQuery&);

@@ -1,6 +1,7 @@
 #include "ovra/disk/Files.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <dirent.h>
 #include <limits.h>
@@ -34,6 +35,19 @@ std::string valueOf(const std::string& path)
 {
     const std::string content = contentOf(path);
     return content.substr(0, content.find('\n'));
+}
+
+bool writeFile(const std::string& path, const std::string& text)
+{
+    std::FILE* const file = access(path.c_str(), F_OK) == 0 ? std::fopen(path.c_str(), "we") : nullptr;
+    if (file == nullptr) {
+        return false;
+    }
+    const bool isWritten = std::fputs(text.c_str(), file) >= 0 && std::fflush(file) == 0;
+    const int error = errno;
+    const bool isClosed = std::fclose(file) == 0;
+    errno = isWritten ? errno : error;
+    return isWritten && isClosed;
 }
 
 std::vector<std::string> linesOf(const std::string& text)

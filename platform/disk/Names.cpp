@@ -5,8 +5,9 @@
 namespace ovra::disk {
 namespace {
 
-constexpr size_t LONGEST_NAME = 31;   // the kernel's limit for a disk
-constexpr size_t LONGEST_NUMBER = 20; // of 64 bits
+constexpr size_t LONGEST_NAME = 31;      // the kernel's limit for a disk
+constexpr size_t LONGEST_MAP_NAME = 127; // the kernel's limit for device-mapper
+constexpr size_t LONGEST_NUMBER = 20;    // of 64 bits
 constexpr const char* BLANKS = " \t";
 constexpr const char* DIGITS = "0123456789";
 constexpr const char* LETTERS = "abcdefghijklmnopqrstuvwxyz";
@@ -44,6 +45,13 @@ bool isMapperName(const std::string& name)
 bool isNodeName(const std::string& name)
 {
     return name[0] != '.' && name[0] != '-' && isPrefixAndRest(name, "", PLAIN);
+}
+
+bool isMapName(const std::string& name)
+{
+    const std::string characters = std::string(PLAIN) + "_+";
+    return !name.empty() && name.size() <= LONGEST_MAP_NAME && name[0] != '.' && name[0] != '-' &&
+           name.find_first_not_of(characters) == std::string::npos;
 }
 
 bool isPlainWwn(const std::string& wwn)

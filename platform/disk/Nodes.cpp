@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <unistd.h>
 
 namespace ovra::disk {
@@ -78,7 +79,11 @@ bool canAnswer(const std::string& name, const std::string& root)
     const std::vector<std::string> below = namesIn(root + BLOCK + name + "/slaves");
     const auto answers = [&](const std::string& one) { return canAnswer(one, root); };
     const std::string kind = valueOf(root + BLOCK + name + "/dm/uuid");
-    if (!kind.empty() && kind.compare(0, 6, "mpath-") != 0) { // a volume over several disks needs them all
+    if (kind.compare(0, std::strlen(MULTIPATH_UUID), MULTIPATH_UUID) == 0) {
+        // A map that has lost its paths may keep for ever what it is asked.
+        return std::any_of(below.begin(), below.end(), answers);
+    }
+    if (!kind.empty()) { // a volume over several disks needs them all
         return std::all_of(below.begin(), below.end(), answers);
     }
     return below.empty() || std::any_of(below.begin(), below.end(), answers);

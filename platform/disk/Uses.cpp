@@ -2,6 +2,7 @@
 
 #include "ovra/disk/Files.h"
 #include "ovra/disk/Nodes.h"
+#include "ovra/disk/ScsiDisks.h"
 #include "ovra/disk/Tables.h"
 
 #include <algorithm>
@@ -14,6 +15,8 @@ namespace {
 constexpr const char* OWN_MOUNTS = "/proc/self/mountinfo";
 constexpr const char* SWAPS = "/proc/swaps";
 constexpr const char* BTRFS = "/sys/fs/btrfs/";
+/** Processes that open every disk for a moment, or hold the paths of every map. */
+const std::set<std::string> CARETAKERS = {"systemd-udevd", "(udev-worker)", "udevd", "multipathd"};
 
 bool isNumber(const std::string& name)
 {
@@ -32,10 +35,12 @@ public:
         }
     }
 
-    Uses run()
+    /** @param isUse tells of a node that holds another one. */
+    template <class IsUse>
+    Uses run(const IsUse& isUse)
     {
         for (const Node& node : m_nodes) {
-            if (!node.below.empty()) {
+            if (!node.below.empty() && isUse(node)) {
                 m_uses.found.push_back(node.below + " is held by " + node.name +
                                        (node.mapped.empty() ? "" : " (" + node.mapped + ")"));
             }
@@ -170,7 +175,36 @@ private:
 
 Uses usesOf(const std::string& disk, const std::string& root)
 {
-    return Search(disk, root).run();
+    return Search(disk, root).run([](const Node&) { return true; });
+}
+
+Uses usesBeyondMap(const std::string& disk, const std::string& root)
+{
+    return Search(disk, root).run([&](const Node& node) {
+        return !multipathMap(node.name, root) && !isMapPartition(node.name, root);
+    });
+}
+
+std::vector<std::string> openersOf(const std::vector<std::string>& nodes, const std::string& root)
+{
+    std::vector<std::string> openers;
+    for (const std::string& process : namesIn(root + "/proc/")) {
+        const std::string folder = root + "/proc/" + process;
+        if (!isNumber(process) || CARETAKERS.count(valueOf(folder + "/comm")) != 0) {
+            continue;
+        }
+        std::set<std::string> open;
+        for (const std::string& descriptor : namesIn(folder + "/fd")) {
+            open.insert(targetOf(std::string(folder).append("/fd/").append(descriptor)));
+        }
+        for (const std::string& node : nodes) {
+            if (open.count("/dev/" + node) != 0) {
+                openers.push_back(node + " is open in process " + process + " (" + valueOf(folder + "/comm") +
+                                  ")");
+            }
+        }
+    }
+    return openers;
 }
 
 } // namespace ovra::disk

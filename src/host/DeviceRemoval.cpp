@@ -1,19 +1,14 @@
 #include "host/DeviceRemoval.h"
 
 #include "host/CommandLines.h"
+#include "host/WriteBack.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Lsscsi.h>
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/Uses.h>
 
-#include <cerrno>
-#include <fcntl.h>
-#include <linux/fs.h>
 #include <set>
-#include <sys/ioctl.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace ovra::tessel {
 
@@ -32,44 +27,25 @@ void nameUses(const std::string& device, const disk::Uses& uses)
     }
 }
 
-/** Opens what is to be written back, writes it back, and says when that fails. */
-template <class WriteBack>
-void flush(const std::string& path, const std::string& name, WriteBack writeBack)
+void sayNotWritten(const std::string& name, const std::string& reason)
 {
-    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    const int error = fd < 0 || !writeBack(fd) ? errno : 0;
-    if (fd >= 0) {
-        close(fd);
-    }
-    if (error != 0) {
+    if (!reason.empty()) {
         COMMLOG(OS_LOG_WARN, "%s: data not yet written could not be written back before its removal: %s",
-                name.c_str(), std::system_category().message(error).c_str());
+                name.c_str(), reason.c_str());
     }
-}
-
-/** Of one device: the first for a file system mounted from it, the second for the cache of the disk itself.
- */
-bool flushDevice(int fd)
-{
-    return ioctl(fd, BLKFLSBUF, 0) == 0 && fsync(fd) == 0;
-}
-
-bool flushMount(int fd)
-{
-    return syncfs(fd) == 0;
 }
 
 /** Writes back a disk and all that stands on it, from the top: what is removed with it is lost. */
 void flushAll(const std::string& path, const std::string& device, const std::vector<std::string>& mounts)
 {
     for (const std::string& mount : mounts) {
-        flush(mount, mount, flushMount);
+        sayNotWritten(mount, writeBackMount(mount));
     }
     const std::vector<disk::Node> nodes = disk::nodesOn(disk::lastName(device));
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
         const std::string name = "/dev/" + node->name;
         if (disk::canAnswer(node->name)) {
-            flush(name == device ? path : name, name, flushDevice);
+            sayNotWritten(name, writeBackDevice(name == device ? path : name));
         } else {
             COMMLOG(OS_LOG_WARN, "%s is not running: data not yet written to it is lost", name.c_str());
         }

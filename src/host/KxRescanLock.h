@@ -23,11 +23,17 @@ public:
 
 namespace ovra::tessel {
 
+/** Whether this thread has a HostTransaction, and so would wait for itself; says so in the run log. */
+bool isHeldElsewhere();
+
 /** Holds the rescan lock until it goes out of scope. */
 class HeldRescanLock
 {
 public:
-    explicit HeldRescanLock(KxRescanLock& lock) : m_lock(lock), m_held(lock.GetLock() == 0) {}
+    explicit HeldRescanLock(KxRescanLock& lock)
+        : m_lock(lock), m_held(!isHeldElsewhere() && lock.GetLock() == 0)
+    {
+    }
     ~HeldRescanLock()
     {
         if (m_held) {

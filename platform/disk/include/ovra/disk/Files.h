@@ -16,6 +16,9 @@ std::string contentOf(const std::string& path);
 /** The first line of a file, as the kernel's files of one value have it; empty when it cannot be read. */
 std::string valueOf(const std::string& path);
 
+/** Writes to a file of the kernel, where it exists; false, with errno set, when it does not take it. */
+bool writeFile(const std::string& path, const std::string& text);
+
 /** The lines of a text; the last one need not end in a newline. */
 std::vector<std::string> linesOf(const std::string& text);
 

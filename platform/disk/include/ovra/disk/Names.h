@@ -18,6 +18,12 @@ bool isMapperName(const std::string& name);
 /** A name that a node below /dev may have, and that a shell takes for nothing but a word. */
 bool isNodeName(const std::string& name);
 
+/** How the UUID of a multipath map begins; its WWID follows. */
+constexpr const char* MULTIPATH_UUID = "mpath-";
+
+/** A name in /dev/mapper, 127 bytes at most, that a shell and a command take for nothing but a word. */
+bool isMapName(const std::string& name);
+
 /** True for a WWN that may go into a shell command; an empty one may not. */
 bool isPlainWwn(const std::string& wwn);
 

@@ -25,6 +25,19 @@ struct Uses
  */
 Uses usesOf(const std::string& disk, const std::string& root = std::string());
 
+/**
+ * The same for a disk whose multipath map goes with it: that the map, and what stands for its partitions,
+ * hold the disk is no use.
+ */
+Uses usesBeyondMap(const std::string& disk, const std::string& root = std::string());
+
+/**
+ * Who has one of these nodes ("sdc", "dm-3") open, e.g. "sdc is open in process 4711 (dd)". Those that look
+ * after all disks, udev and multipathd, are left out.
+ */
+std::vector<std::string> openersOf(const std::vector<std::string>& nodes,
+                                   const std::string& root = std::string());
+
 } // namespace ovra::disk
 
 #endif

@@ -1,0 +1,137 @@
+#include "ovra/disk/ScsiDisks.h"
+
+#include "ovra/disk/Files.h"
+#include "ovra/disk/Names.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace ovra::disk {
+namespace {
+
+constexpr const char* BLOCK = "/sys/block/";
+constexpr const char* SCSI_DEVICES = "/sys/class/scsi_device/";
+constexpr std::uint64_t SECTOR = 512; // the kernel counts in these whatever the disk's own are
+constexpr const char* DISK_TYPE = "0";
+constexpr const char* NAA = "3"; // in a WWID, before a designator of this kind
+
+std::string folderOf(const std::string& node, const std::string& root)
+{
+    return root + BLOCK + node;
+}
+
+std::uint64_t bytesOf(const std::string& folder)
+{
+    return std::strtoull(valueOf(folder + "/size").c_str(), nullptr, 10) * SECTOR;
+}
+
+bool isOne(const std::string& file)
+{
+    return valueOf(file) == "1";
+}
+
+std::string addressOf(const std::string& folder)
+{
+    return lastName(targetOf(folder + "/device"));
+}
+
+/** Whether an address is on one of these hosts. */
+bool isOn(const std::vector<std::string>& hosts, const std::string& address)
+{
+    return std::find(hosts.begin(), hosts.end(), address.substr(0, address.find(':'))) != hosts.end();
+}
+
+bool startsWith(const std::string& text, const std::string& start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+} // namespace
+
+std::optional<ScsiDisk> scsiDisk(const std::string& name, const std::string& root)
+{
+    const std::string folder = folderOf(name, root);
+    ScsiDisk disk;
+    disk.name = name;
+    disk.address = isDiskName(name) ? addressOf(folder) : std::string();
+    if (!ScsiAddress::parse(disk.address)) {
+        return std::nullopt;
+    }
+    disk.state = valueOf(folder + "/device/state");
+    disk.bytes = bytesOf(folder);
+    disk.isReadOnly = isOne(folder + "/ro");
+    const std::string page = contentOf(folder + "/device/vpd_pg83");
+    if (!page.empty()) {
+        disk.known = parsePage83(page).value_or(DiskIdentity());
+    }
+    for (const std::string& holder : namesIn(folder + "/holders")) {
+        if (multipathMap(holder, root)) {
+            disk.map = holder;
+        }
+    }
+    return disk;
+}
+
+std::vector<ScsiDisk> scsiDisksOf(const std::vector<std::string>& hosts, const std::string& root)
+{
+    std::vector<ScsiDisk> disks;
+    for (const std::string& name : namesIn(root + BLOCK)) {
+        if (!isDiskName(name) || !isOn(hosts, addressOf(folderOf(name, root)))) {
+            continue;
+        }
+        if (std::optional<ScsiDisk> disk = scsiDisk(name, root)) {
+            disks.push_back(std::move(*disk));
+        }
+    }
+    return disks;
+}
+
+bool hasUnfinishedDisks(const std::vector<std::string>& hosts, const std::string& root)
+{
+    const std::string devices = root + SCSI_DEVICES;
+    const std::vector<std::string> addresses = namesIn(devices);
+    return std::any_of(addresses.begin(), addresses.end(), [&](const std::string& address) {
+        const std::string device = std::string(devices).append(address).append("/device");
+        return isOn(hosts, address) && valueOf(device + "/type") == DISK_TYPE &&
+               namesIn(device + "/block").empty();
+    });
+}
+
+std::optional<MultipathMap> multipathMap(const std::string& node, const std::string& root)
+{
+    const std::string folder = folderOf(node, root);
+    const std::string uuid = isMapperName(node) ? valueOf(folder + "/dm/uuid") : std::string();
+    if (!startsWith(uuid, MULTIPATH_UUID)) {
+        return std::nullopt;
+    }
+    MultipathMap map;
+    map.node = node;
+    map.name = valueOf(folder + "/dm/name");
+    map.wwid = uuid.substr(std::string(MULTIPATH_UUID).size());
+    map.bytes = bytesOf(folder);
+    map.isReadOnly = isOne(folder + "/ro");
+    map.isSuspended = isOne(folder + "/dm/suspended");
+    map.paths = namesIn(folder + "/slaves");
+    return map;
+}
+
+std::optional<MultipathMap> mapOfWwn(const std::string& wwn, const std::string& root)
+{
+    for (const std::string& node : namesIn(root + BLOCK)) {
+        std::optional<MultipathMap> map = multipathMap(node, root);
+        if (map && map->wwid == NAA + wwn) {
+            return map;
+        }
+    }
+    return std::nullopt;
+}
+
+bool isMapPartition(const std::string& node, const std::string& root)
+{
+    // kpartx names a partition's UUID after the map's: part1-mpath-3600...
+    const std::string uuid = valueOf(folderOf(node, root) + "/dm/uuid");
+    return startsWith(uuid, "part") && uuid.find(std::string("-") + MULTIPATH_UUID) != std::string::npos;
+}
+
+} // namespace ovra::disk

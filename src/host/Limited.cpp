@@ -1,0 +1,126 @@
+#include "host/Limited.h"
+
+#include "host/CommandLines.h"
+
+#include <ovra/disk/Files.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <condition_variable>
+#include <csignal>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+namespace ovra::tessel {
+namespace {
+
+constexpr size_t AT_ONCE = 8;
+
+/** While one lives, threads that are started take no signals: those are the program's. */
+class NoSignals
+{
+public:
+    NoSignals()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &m_before);
+    }
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+
+private:
+    sigset_t m_before = {};
+};
+
+/** What the waiting thread and the working ones share; the last of them gives it up. */
+struct Shared
+{
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::atomic<size_t> next{0};
+    size_t ended = 0;
+    bool isGivenUp = false;
+    std::exception_ptr error;
+    std::vector<std::function<void()>> steps;
+};
+
+void work(const std::shared_ptr<Shared>& shared)
+{
+    for (size_t index = shared->next++; index < shared->steps.size(); index = shared->next++) {
+        std::exception_ptr error;
+        try {
+            shared->steps[index]();
+        } catch (...) {
+            error = std::current_exception();
+        }
+        const std::lock_guard<std::mutex> guard(shared->mutex);
+        shared->error = error ? error : shared->error;
+        ++shared->ended;
+        shared->changed.notify_all();
+        if (shared->isGivenUp) {
+            return;
+        }
+    }
+}
+
+bool doAll(std::chrono::seconds limit, std::vector<std::function<void()>> steps)
+{
+    const auto shared = std::make_shared<Shared>();
+    shared->steps = std::move(steps);
+    {
+        const NoSignals none;
+        for (size_t i = 0; i < std::min(AT_ONCE, shared->steps.size()); ++i) {
+            std::thread(work, shared).detach();
+        }
+    }
+    std::unique_lock<std::mutex> lock(shared->mutex);
+    const bool isDone =
+        shared->changed.wait_for(lock, limit, [&] { return shared->ended == shared->steps.size(); });
+    shared->isGivenUp = true;
+    if (shared->error) {
+        std::rethrow_exception(shared->error);
+    }
+    return isDone;
+}
+
+} // namespace
+
+bool endsWithin(std::chrono::seconds limit, const std::function<void()>& step)
+{
+    return doAll(limit, {step});
+}
+
+void doWithin(std::chrono::seconds limit, const std::vector<std::function<void()>>& steps)
+{
+    doAll(limit, steps);
+}
+
+int runWithin(std::chrono::seconds limit, const std::string& command)
+{
+    sigset_t own; // a command inherits what its thread has
+    pthread_sigmask(SIG_SETMASK, nullptr, &own);
+    return within<int>(limit,
+                       [=] {
+                           pthread_sigmask(SIG_SETMASK, &own, nullptr);
+                           return runCommand(command);
+                       })
+        .value_or(-1);
+}
+
+std::string writeWithin(std::chrono::seconds limit, const std::string& file, const std::string& text)
+{
+    const std::optional<int> error =
+        within<int>(limit, [=] { return disk::writeFile(file, text) ? 0 : errno; });
+    if (!error) {
+        return file + " does not answer";
+    }
+    return *error == 0 ? "" : file + ": " + std::system_category().message(*error);
+}
+
+} // namespace ovra::tessel

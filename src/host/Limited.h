@@ -1,0 +1,39 @@
+#ifndef HOST_LIMITED_H
+#define HOST_LIMITED_H
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Steps that may hang in the kernel: each is done on a thread of its own, which is left to itself when it
+// takes too long. So they own what they work with, and write no log.
+
+namespace ovra::tessel {
+
+/** Does it; false when it has not ended in time. What it throws is thrown here. */
+bool endsWithin(std::chrono::seconds limit, const std::function<void()>& step);
+
+/** The result of a step; none when it has not ended in time. */
+template <class Result>
+std::optional<Result> within(std::chrono::seconds limit, const std::function<Result()>& step)
+{
+    const auto result = std::make_shared<Result>();
+    return endsWithin(limit, [=] { *result = step(); }) ? std::make_optional(*result) : std::nullopt;
+}
+
+/** Does all of them side by side, a few at a time; those not done when the time is up are left. */
+void doWithin(std::chrono::seconds limit, const std::vector<std::function<void()>>& steps);
+
+/** Runs a shell command; its status as system() gives it, -1 when it has not ended in time or is not known.
+ */
+int runWithin(std::chrono::seconds limit, const std::string& command);
+
+/** Writes to a file of the kernel; "" when it was taken, else why not. */
+std::string writeWithin(std::chrono::seconds limit, const std::string& file, const std::string& text);
+
+} // namespace ovra::tessel
+
+#endif

@@ -1,0 +1,51 @@
+#ifndef LOCALDISK_DISKJOB_H
+#define LOCALDISK_DISKJOB_H
+
+#include <ovra/disk/ScsiDisks.h>
+#include <tessel/LocalDisk.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ovra::tessel {
+
+/** One object, this host, and what the array says of the two. */
+struct DiskJob
+{
+    CDeviceManager* manager; ///< logged in
+    StorageObject volume;
+    LocalDiskOptions options;
+    std::string wwn;         ///< in lower case
+    std::uint64_t bytes = 0; ///< 0: the array does not tell
+
+    /** Reads the object. Throws when there is none, or when it has no WWN that a disk can have. */
+    DiskJob(CDeviceManager& array, const StorageObject& object, const LocalDiskOptions& chosen);
+    void read();
+
+    std::string name() const; ///< "LUN 7"
+    std::chrono::seconds step() const { return std::chrono::seconds(options.stepSeconds); }
+    [[noreturn]] void fail(const std::string& reason) const;
+};
+
+/** A point in time that a step ends at. */
+class Deadline
+{
+public:
+    explicit Deadline(unsigned seconds) : m_end(Clock::now() + std::chrono::seconds(seconds)) {}
+    bool isOver() const { return Clock::now() >= m_end; }
+    /** A short pause, after which something may have changed. @return false when the time is up. */
+    bool pause() const;
+
+private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point m_end;
+};
+
+/** The names, with commas. */
+std::string listed(const std::vector<std::string>& names);
+
+} // namespace ovra::tessel
+
+#endif

@@ -1,0 +1,131 @@
+#include "localdisk/Finding.h"
+
+#include "host/Limited.h"
+#include "localdisk/Removal.h"
+#include "session/Log.h"
+
+#include <ovra/disk/Files.h>
+#include <ovra/disk/ScsiHosts.h>
+
+#include <algorithm>
+
+namespace ovra::tessel {
+namespace {
+
+constexpr const char* NEVER_REMOVED = "0"; // LUN 0 is the target's own
+
+/** Looks for the disks of one object; scans where it must. One use. */
+class Search
+{
+public:
+    Search(const DiskJob& job, const Ways& ways) : m_job(job), m_ways(ways), m_end(job.options.findSeconds) {}
+
+    std::vector<disk::ScsiDisk> run()
+    {
+        for (;;) {
+            const Sight sight = look();
+            if (!sight.foreign.empty()) {
+                m_job.fail(sight.foreign.front() + ": it is a disk of another array; nothing was changed on "
+                                                   "this host");
+            }
+            if (!sight.stale.empty()) {
+                renew(sight.stale);
+            } else if (isEnough(sight)) {
+                return sight.ours;
+            }
+            if (m_end.isOver()) {
+                sayNothing(sight);
+            }
+            scan();
+        }
+    }
+
+private:
+    /** The disks that seem to be ours; all, where some way has none that is: one may be under old names. */
+    Sight look() const
+    {
+        const Sight sight = lookForOurs(m_job, m_ways.all);
+        return sight.ours.size() >= m_ways.online.size() ? sight
+                                                         : lookAt(m_job, disk::scsiDisksOf(m_ways.online));
+    }
+
+    bool isEnough(const Sight& sight) const
+    {
+        return !sight.ours.empty() && (m_isScanned || sight.ours.size() >= m_ways.online.size());
+    }
+
+    void scan()
+    {
+        std::vector<std::function<void()>> scans;
+        for (const std::string& host : m_ways.online) {
+            scans.emplace_back([host] { disk::writeFile(disk::scanFileOf(host), disk::SCAN_ALL); });
+        }
+        COMMLOG(OS_LOG_INFO, "Scanning the SCSI hosts %s for %s.", listed(m_ways.online).c_str(),
+                m_job.name().c_str());
+        doWithin(m_job.step(), scans);
+        const Deadline deadline(m_job.options.stepSeconds);
+        while (disk::hasUnfinishedDisks(m_ways.online) && deadline.pause()) {
+        }
+        if (m_isScanned) {
+            m_end.pause(); // the array shows it late: not at once again
+        }
+        m_isScanned = true;
+    }
+
+    /** What is removed and found again gets its own names and size. Nothing of it is written back: it would
+     * go to another disk than it came from. */
+    void renew(const std::vector<disk::ScsiDisk>& stale)
+    {
+        for (const disk::ScsiDisk& disk : stale) {
+            const std::optional<disk::MultipathMap> map = disk::multipathMap(disk.map);
+            const std::vector<std::string> uses = usesOf({disk}, map);
+            if (!uses.empty()) {
+                m_job.fail("/dev/" + disk.name +
+                           " is its disk now, under the names of another one that is in "
+                           "use still: " +
+                           listed(uses) + "; end that, and call again");
+            }
+            if (disk.lun() == NEVER_REMOVED) {
+                m_job.fail("/dev/" + disk.name +
+                           " is its disk now, under the names of another one; it has the LUN number 0 and is "
+                           "never removed; map it to another number");
+            }
+            COMMLOG(OS_LOG_WARN, "/dev/%s stands under the names of another disk: it is found anew.",
+                    disk.name.c_str());
+            if (map) {
+                removeMap(m_job, *map);
+            }
+            const std::string problem = removeDisk(m_job, disk, [] { return ""; });
+            if (!problem.empty()) {
+                m_job.fail(problem);
+            }
+        }
+        m_isScanned = false;
+    }
+
+    [[noreturn]] void sayNothing(const Sight& sight) const
+    {
+        std::vector<std::string> reasons;
+        for (const disk::ScsiDisk& disk : sight.silent) {
+            reasons.push_back("/dev/" + disk.name + " is " + disk.state + " and does not answer");
+        }
+        reasons.insert(reasons.end(), m_ways.away.begin(), m_ways.away.end());
+        m_job.fail("no disk of this host answers as it after " + std::to_string(m_job.options.findSeconds) +
+                   " s" + (reasons.empty() ? "" : ": " + listed(reasons)) +
+                   "; it is visible to this host, and the same call again goes on from there");
+    }
+
+    const DiskJob& m_job;
+    const Ways& m_ways;
+    const Deadline m_end;
+    bool m_isScanned = false;
+};
+
+} // namespace
+
+std::vector<disk::ScsiDisk> findDisks(const DiskJob& job, const Ways& ways)
+{
+    return Search(job, ways).run();
+}
+
+} // namespace ovra::tessel

@@ -1,0 +1,357 @@
+#include "host/Interruption.h"
+#include "host/Korvex.h"
+#include "localdisk/Finding.h"
+#include "localdisk/Proof.h"
+#include "localdisk/Removal.h"
+#include "session/Log.h"
+
+#include <ovra/disk/Names.h>
+#include <ovra/threads/NoCancellation.h>
+#include <tessel/HostTransaction.h>
+#include <tessel/LocalDisk.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <system_error>
+
+namespace ovra::tessel {
+namespace {
+
+constexpr unsigned ROUNDS = 5;
+
+/** Does the steps of a call; what they throw comes out as one of the SDK's two classes. */
+template <class Steps>
+auto whole(const Steps& steps) -> decltype(steps())
+{
+    const NoCancellation untilTheEnd;
+    try {
+        return steps();
+    } catch (const Interruption& interruption) {
+        setLastScanSignal(interruption.signal);
+        throw OvraAPIException("a tool of the host was ended by signal " +
+                               std::to_string(interruption.signal) +
+                               ": call again to go on from there! LocalDisk");
+    } catch (const std::system_error& error) {
+        throw OvraAPIException(std::string("this process can start nothing: ") + error.what() +
+                               "! LocalDisk");
+    }
+}
+
+/** The product manages the devices of its host: none may come and go without it. */
+void requireNoKorvex(const DiskJob& job)
+{
+    if (!mayRemoveDevices()) {
+        job.fail("the Korvex product is installed on this host, or may be, and manages its disks itself: "
+                 "attach and scan with CDiskAttachHandler and CDiskScannerHandler");
+    }
+}
+
+/** ID of the initiator's host on the array; empty when it belongs to none. */
+std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
+{
+    const Array array(*job.manager);
+    return initiator.isFC ? array.fcInitiators()->getFCInitiator(initiator.id).PARENTID
+                          : array.iscsiInitiators()->getIscsiInitiator(initiator.id).PARENTID;
+}
+
+/** Removes the disks of an object, and hides it. One use. */
+class Release
+{
+public:
+    Release(const DiskJob& job, const HostInitiator& initiator, bool isForced)
+        : m_job(job), m_initiator(initiator), m_isForced(isForced),
+          m_ways(waysOf(job, initiator, hostOf(job, initiator)))
+    {
+    }
+
+    void run()
+    {
+        const HostTransaction transaction(m_job.options.lockSeconds);
+        Sight sight = look();
+        checkUnused(sight.ours);
+        writeBack(m_job, sight.ours, m_isForced);
+        remove();
+        hide();
+        remove(); // what a scan of somebody who takes no lock has brought back meanwhile
+    }
+
+private:
+    Sight look() const { return lookForOurs(m_job, m_ways.all); }
+
+    void checkUnused(const std::vector<disk::ScsiDisk>& ours) const
+    {
+        const std::vector<std::string> uses = usesOf(ours, disk::mapOfWwn(m_job.wwn));
+        if (uses.empty()) {
+            return;
+        }
+        if (!m_isForced) {
+            m_job.fail("it is in use: " + listed(uses) + "; nothing was changed");
+        }
+        for (const std::string& use : uses) {
+            COMMLOG(OS_LOG_WARN, "%s is removed while in use: %s", m_job.name().c_str(), use.c_str());
+        }
+    }
+
+    /** The map and every disk that is the object, or was it and is dead, until there is none. */
+    void remove() const
+    {
+        std::string stays;
+        for (unsigned round = 0; round < ROUNDS; ++round) {
+            const std::optional<disk::MultipathMap> map = disk::mapOfWwn(m_job.wwn);
+            const Sight sight = look();
+            if (!map && sight.ours.empty() && sight.silent.empty()) {
+                return;
+            }
+            if (map) {
+                removeOurMap(*map);
+            }
+            stays.clear();
+            for (const std::vector<disk::ScsiDisk>* disks : {&sight.ours, &sight.silent}) {
+                for (const disk::ScsiDisk& disk : *disks) {
+                    const std::string problem = removeDisk(m_job, disk, [&] { return changed(disk); });
+                    stays = problem.empty() ? stays : problem;
+                }
+            }
+        }
+        m_job.fail((stays.empty() ? "its disks come back as often as they are removed" : stays) +
+                   "; call again to go on from there");
+    }
+
+    void removeOurMap(const disk::MultipathMap& map) const
+    {
+        for (const std::string& path : map.paths) {
+            const std::string foreign = foreignPath(m_job, path);
+            if (!foreign.empty()) {
+                m_job.fail("the map " + map.name + " holds what is not it: " + foreign +
+                           "; the map and its paths stay");
+            }
+        }
+        try {
+            removeMap(m_job, map);
+        } catch (const OvraAPIException& problem) {
+            if (!m_isForced) {
+                throw;
+            }
+            COMMLOG(OS_LOG_WARN, "%s", problem.what()); // its paths go all the same
+        }
+    }
+
+    /** Why a disk may not go any more: somebody has another one at its place. */
+    std::string changed(const disk::ScsiDisk& disk) const
+    {
+        const Sight now = lookAt(m_job, {disk});
+        return now.ours.empty() && now.silent.empty() ? "/dev/" + disk.name + " is another disk by now" : "";
+    }
+
+    void hide() const
+    {
+        const AccessResult result =
+            ensureHidden(*m_job.manager, m_job.volume, m_initiator, m_job.options.access);
+        if (result.isVisible) {
+            COMMLOG(
+                OS_LOG_WARN,
+                "%s stays visible to this host through LUN groups of others: a scan brings its disk back.",
+                m_job.name().c_str());
+        }
+    }
+
+    const DiskJob& m_job;
+    const HostInitiator& m_initiator;
+    const bool m_isForced;
+    const Ways m_ways;
+};
+
+} // namespace
+
+struct LocalDisk::State
+{
+    State(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
+          const LocalDiskOptions& options)
+        : job(manager, volume, options), initiator(host)
+    {
+        requireNoKorvex(job);
+    }
+
+    void attach()
+    {
+        const AccessResult access = ensureVisible(*job.manager, job.volume, initiator, job.options.access);
+        hostID = access.hostID;
+        const Ways ways = waysOf(job, initiator, hostID);
+        requireOnline(job, initiator, ways);
+        std::vector<disk::ScsiDisk> ours = lookForOurs(job, ways.all).ours;
+        if (ours.size() < ways.online.size()) {
+            const HostTransaction transaction(job.options.lockSeconds);
+            ours = findDisks(job, ways);
+        }
+        proved = prove(job, ours, Sizes::GROWN);
+    }
+
+    /** Proves what is there. */
+    void look(Sizes sizes)
+    {
+        hostID = hostID.empty() ? hostOf(job, initiator) : hostID;
+        const Sight sight = lookForOurs(job, waysOf(job, initiator, hostID).all);
+        if (!sight.foreign.empty()) {
+            job.fail(sight.foreign.front());
+        }
+        if (sight.ours.empty()) {
+            job.fail("no disk of this host answers as it");
+        }
+        proved = prove(job, sight.ours, sizes);
+    }
+
+    DiskJob job;
+    HostInitiator initiator;
+    std::string hostID;
+    ProvedDisk proved;
+    bool isHeld = true; ///< the destructor has something to release
+};
+
+LocalDisk::LocalDisk(std::unique_ptr<State> state) : m_state(std::move(state)) {}
+LocalDisk::LocalDisk(LocalDisk&& other) noexcept = default;
+
+LocalDisk& LocalDisk::operator=(LocalDisk&& other) noexcept
+{
+    LocalDisk taken(std::move(other));
+    std::swap(m_state, taken.m_state);
+    return *this;
+}
+
+LocalDisk::~LocalDisk()
+{
+    try {
+        if (m_state) {
+            release();
+        }
+    } catch (const std::exception& problem) {
+        COMMLOG(OS_LOG_ERROR, "%s was not released: %s", m_state->job.name().c_str(), problem.what());
+    }
+}
+
+LocalDisk LocalDisk::attach(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
+                            const LocalDiskOptions& options)
+{
+    return whole([&] {
+        auto state = std::make_unique<State>(manager, volume, host, options);
+        state->attach();
+        return LocalDisk(std::move(state));
+    });
+}
+
+LocalDisk LocalDisk::find(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
+                          const LocalDiskOptions& options)
+{
+    return whole([&] {
+        auto state = std::make_unique<State>(manager, volume, host, options);
+        state->look(Sizes::PROVED);
+        return LocalDisk(std::move(state));
+    });
+}
+
+void LocalDisk::release(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
+                        const LocalDiskOptions& options, bool evenInUse)
+{
+    whole([&] {
+        const State state(manager, volume, host, options);
+        Release(state.job, state.initiator, evenInUse).run();
+    });
+}
+
+const std::string& LocalDisk::path() const
+{
+    return m_state->proved.path;
+}
+const std::string& LocalDisk::wwn() const
+{
+    return m_state->job.wwn;
+}
+std::uint64_t LocalDisk::size() const
+{
+    return m_state->proved.bytes;
+}
+const StorageObject& LocalDisk::volume() const
+{
+    return m_state->job.volume;
+}
+
+std::vector<DiskPath> LocalDisk::paths() const
+{
+    std::vector<DiskPath> paths;
+    for (const std::string& name : m_state->proved.disks) {
+        const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
+        paths.push_back(disk ? DiskPath{"/dev/" + name, disk->address, disk->state}
+                             : DiskPath{"/dev/" + name, "", "gone"});
+    }
+    return paths;
+}
+
+void LocalDisk::verify() const
+{
+    whole([this] {
+        State now = *m_state;
+        now.isHeld = false;
+        now.job.read();
+        now.look(Sizes::PROVED);
+        if (now.proved.path != path()) {
+            now.job.fail("it is " + now.proved.path + " now, and no longer " + path());
+        }
+    });
+}
+
+void LocalDisk::release(bool evenInUse)
+{
+    if (m_state->isHeld) {
+        whole([&] { Release(m_state->job, m_state->initiator, evenInUse).run(); });
+        m_state->isHeld = false;
+    }
+}
+
+void LocalDisk::refresh()
+{
+    whole([this] {
+        m_state->job.read();
+        m_state->look(Sizes::GROWN);
+    });
+}
+
+void LocalDisk::keep() noexcept
+{
+    m_state->isHeld = false;
+}
+
+void verifyDisk(CDeviceManager& manager, const StorageObject& volume, const std::string& device,
+                const LocalDiskOptions& options)
+{
+    whole([&] {
+        const DiskJob job(manager, volume, options);
+        char real[PATH_MAX];
+        const std::string node =
+            realpath(device.c_str(), real) != nullptr ? disk::lastName(real) : std::string();
+        const std::optional<disk::MultipathMap> map = disk::multipathMap(node);
+        const std::optional<disk::ScsiDisk> single = disk::scsiDisk(node);
+        if (!map && !single) {
+            job.fail(device + " is no SCSI disk and no multipath map of this host");
+        }
+        std::vector<disk::ScsiDisk> paths;
+        for (const std::string& name : map ? map->paths : std::vector<std::string>{node}) {
+            const std::string foreign = foreignPath(job, name);
+            if (!foreign.empty()) {
+                job.fail(device + ": " + foreign);
+            }
+            const std::optional<disk::ScsiDisk> path = disk::scsiDisk(name);
+            if (path && path->isRunning()) {
+                paths.push_back(*path);
+            }
+        }
+        if (paths.empty()) {
+            job.fail(device + " has no path that works");
+        }
+        const ProvedDisk proved = prove(job, paths, Sizes::PROVED);
+        if (single && !single->map.empty()) {
+            job.fail(device + " is one path of " + proved.path + ": use that");
+        }
+    });
+}
+
+} // namespace ovra::tessel

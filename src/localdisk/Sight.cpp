@@ -1,0 +1,102 @@
+#include "localdisk/Sight.h"
+
+#include "host/Limited.h"
+
+#include <ovra/disk/ReadIdentity.h>
+
+#include <algorithm>
+#include <memory>
+#include <mutex>
+
+namespace ovra::tessel {
+namespace {
+
+using Identities = std::vector<disk::DiskIdentity>;
+
+/** Asks all disks side by side; empty texts for those that did not answer in time. */
+Identities askAll(const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit)
+{
+    struct Answers
+    {
+        std::mutex mutex;
+        Identities identities;
+    };
+    const auto answers = std::make_shared<Answers>();
+    answers->identities.resize(disks.size());
+    std::vector<std::function<void()>> steps;
+    for (size_t i = 0; i < disks.size(); ++i) {
+        if (disks[i].isRunning()) {
+            steps.emplace_back([answers, i, path = "/dev/" + disks[i].name] {
+                const disk::DiskIdentity identity = disk::readIdentity(path);
+                const std::lock_guard<std::mutex> guard(answers->mutex);
+                answers->identities[i] = identity;
+            });
+        }
+    }
+    doWithin(limit, steps);
+    const std::lock_guard<std::mutex> guard(answers->mutex);
+    return answers->identities;
+}
+
+void sort(const DiskJob& job, const disk::ScsiDisk& disk, const disk::DiskIdentity& now, Sight& sight)
+{
+    const bool wasOurs = disk.known.wwn == job.wwn;
+    if (now.wwn.empty()) {
+        if (wasOurs) {
+            sight.silent.push_back(disk);
+        }
+    } else if (now.wwn != job.wwn) {
+        if (wasOurs) {
+            sight.reused.push_back(disk);
+        }
+    } else if (now.lunId != job.volume.id) {
+        sight.foreign.push_back("/dev/" + disk.name + " has its WWN, and is number " + now.lunId +
+                                " of its array");
+    } else {
+        (wasOurs || disk.known.wwn.empty() ? sight.ours : sight.stale).push_back(disk);
+    }
+}
+
+} // namespace
+
+Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks)
+{
+    const Identities identities = askAll(disks, job.step());
+    Sight sight;
+    for (size_t i = 0; i < disks.size(); ++i) {
+        sort(job, disks[i], identities[i], sight);
+    }
+    return sight;
+}
+
+Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts)
+{
+    std::vector<disk::ScsiDisk> disks = disk::scsiDisksOf(hosts);
+    disks.erase(std::remove_if(disks.begin(), disks.end(),
+                               [&](const disk::ScsiDisk& disk) {
+                                   return !disk.known.wwn.empty() && disk.known.wwn != job.wwn;
+                               }),
+                disks.end());
+    return lookAt(job, disks);
+}
+
+std::string differenceOf(const DiskJob& job, const std::string& name)
+{
+    const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
+    if (!disk) {
+        return "/dev/" + name + " is no SCSI disk";
+    }
+    const Sight sight = lookAt(job, {*disk});
+    if (!sight.ours.empty()) {
+        return "";
+    }
+    if (!sight.foreign.empty()) {
+        return sight.foreign.front();
+    }
+    if (!sight.stale.empty()) {
+        return "/dev/" + name + " stands under the names of another disk";
+    }
+    return "/dev/" + name + (sight.silent.empty() ? " is another disk" : " does not answer");
+}
+
+} // namespace ovra::tessel

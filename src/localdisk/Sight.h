@@ -1,0 +1,34 @@
+#ifndef LOCALDISK_SIGHT_H
+#define LOCALDISK_SIGHT_H
+
+#include "localdisk/DiskJob.h"
+
+#include <ovra/disk/ScsiDisks.h>
+
+#include <string>
+#include <vector>
+
+namespace ovra::tessel {
+
+/** What disks of this host turn out to be, asked of themselves, to one object. */
+struct Sight
+{
+    std::vector<disk::ScsiDisk> ours;
+    std::vector<disk::ScsiDisk> stale;  ///< ours, under the names of the disk that was at their number before
+    std::vector<disk::ScsiDisk> silent; ///< were ours when they were found; do not answer now
+    std::vector<disk::ScsiDisk> reused; ///< were ours when they were found; are another disk now
+    std::vector<std::string> foreign;   ///< say that they have our WWN and another ID; a sentence each
+};
+
+/** Looks at disks. Those that the kernel knows to be dead are not asked. */
+Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks);
+
+/** Of the disks on some SCSI hosts, those that were ours when they were found, or may have been. */
+Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts);
+
+/** Asks one disk whether it is the object; "" when it is, else what it is instead. */
+std::string differenceOf(const DiskJob& job, const std::string& name);
+
+} // namespace ovra::tessel
+
+#endif

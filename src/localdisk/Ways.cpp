@@ -1,0 +1,52 @@
+#include "localdisk/Ways.h"
+
+#include <ovra/disk/ScsiHosts.h>
+
+#include <map>
+#include <utility>
+
+namespace ovra::tessel {
+namespace {
+
+/** Whether the array counts an initiator to a host; it may not know the initiator at all. */
+bool belongsTo(const Array& array, const disk::ScsiHost& host, const std::string& hostID)
+{
+    try {
+        return hostID == (host.isFC ? array.fcInitiators()->getFCInitiator(host.initiator).PARENTID
+                                    : array.iscsiInitiators()->getIscsiInitiator(host.initiator).PARENTID);
+    } catch (const OvraAPIExceptionWithErrCode&) {
+        return false;
+    }
+}
+
+} // namespace
+
+Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID)
+{
+    const Array array(*job.manager);
+    const std::string own = disk::plainInitiator(initiator.isFC, initiator.id);
+    std::map<std::pair<bool, std::string>, bool> known = {{{initiator.isFC, own}, true}};
+    Ways ways;
+    for (const disk::ScsiHost& host : disk::scsiHosts()) {
+        const auto key = std::make_pair(host.isFC, host.initiator);
+        if (known.count(key) == 0) {
+            known[key] = belongsTo(array, host, hostID);
+        }
+        if (known[key]) {
+            ways.all.push_back(host.number);
+            host.isOnline ? ways.online.push_back(host.number) : ways.away.push_back(host.what);
+        }
+    }
+    return ways;
+}
+
+void requireOnline(const DiskJob& job, const HostInitiator& initiator, const Ways& ways)
+{
+    if (ways.online.empty()) {
+        job.fail((initiator.isFC ? "this host has no FC port " : "this host has no iSCSI session of ") +
+                 initiator.id + " that is online" +
+                 (ways.away.empty() ? "; log in to the array's target" : ": " + listed(ways.away)));
+    }
+}
+
+} // namespace ovra::tessel

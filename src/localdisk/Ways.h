@@ -1,0 +1,31 @@
+#ifndef LOCALDISK_WAYS_H
+#define LOCALDISK_WAYS_H
+
+#include "localdisk/DiskJob.h"
+
+#include <string>
+#include <vector>
+
+namespace ovra::tessel {
+
+/** The kernel's SCSI hosts, e.g. "1", by which this host reaches the array. */
+struct Ways
+{
+    std::vector<std::string> all;
+    std::vector<std::string> online; ///< those that can be scanned
+    std::vector<std::string> away;   ///< of the others, a sentence each
+};
+
+/**
+ * The sessions and ports of an initiator, and of the others of this host that the array counts to the same
+ * host.
+ * @param hostID as the array has it.
+ */
+Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID);
+
+/** Throws when none is online. */
+void requireOnline(const DiskJob& job, const HostInitiator& initiator, const Ways& ways);
+
+} // namespace ovra::tessel
+
+#endif

@@ -1,0 +1,144 @@
+#include "KernelDisks.h"
+
+#include "localdisk/Finding.h"
+
+#include <filesystem>
+
+using namespace ovra::tessel;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class FindingADisk : public LocalDiskTest
+{
+protected:
+    FindingADisk() { addSession("1"); }
+
+    /** The names of the disks found, or why there is none. */
+    std::string found()
+    {
+        std::string names;
+        const std::string reason = failure([&] {
+            for (const auto& disk : findDisks(job(), ways)) {
+                names += disk.name + " ";
+            }
+        });
+        return reason.empty() ? names : reason;
+    }
+    bool isScanned(const std::string& host = "1")
+    {
+        return written("/sys/class/scsi_host/host" + host + "/scan") == "- - -";
+    }
+    /** LUN 7 under the names of the disk that had its number before. */
+    KernelDisk stale()
+    {
+        KernelDisk disk;
+        disk.known = OTHER_WWN;
+        return disk;
+    }
+};
+
+TEST_F(FindingADisk, ScansNothingWhereEveryWayHasIt)
+{
+    add(KernelDisk());
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_FALSE(isScanned());
+}
+
+TEST_F(FindingADisk, ScansTheHostsThatAreOnlineAlone)
+{
+    addSession("2", "FAILED");
+    ways.all = {"1", "2"};
+    options.findSeconds = 60;
+    onKernel = [&] {
+        add(KernelDisk());
+        onKernel = nullptr;
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_TRUE(isScanned());
+    EXPECT_FALSE(isScanned("2"));
+}
+
+TEST_F(FindingADisk, WaitsUntilADiskThatWasFoundHasItsBlockDevice)
+{
+    options.findSeconds = 60;
+    seam.write("/sys/class/scsi_device/1:0:0:1/device/type", "0\n");
+    onKernel = [&] {
+        std::filesystem::remove_all(seam.root + "/sys/class/scsi_device/1:0:0:1");
+        add(KernelDisk());
+        onKernel = nullptr;
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_EQ(platform.lines("usleep: ").size(), 1U);
+}
+
+TEST_F(FindingADisk, SaysWhatIsInTheWayOfTheSearch)
+{
+    KernelDisk dead;
+    dead.state = "transport-offline";
+    dead.now = "";
+    add(dead);
+    ways.away = {"session2 to iqn.2020-01.test:array is FAILED"};
+    EXPECT_THAT(
+        found(),
+        HasSubstr("no disk of this host answers as it after 0 s: /dev/sdc is transport-offline and does "
+                  "not answer, session2 to iqn.2020-01.test:array is FAILED; it is visible to this "
+                  "host, and the same call again goes on from there"));
+}
+
+TEST_F(FindingADisk, AsksNoDiskThatIsKnownToBeAnotherWhenItsOwnIsThere)
+{
+    add(KernelDisk());
+    KernelDisk other;
+    other.name = "sdd";
+    other.address = "1:0:0:2";
+    other.known = other.now = OTHER_WWN;
+    add(other);
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_THAT(platform.lines("inquiry: sdd"), IsEmpty());
+}
+
+TEST_F(FindingADisk, RenewsADiskUnderTheNamesOfAnother)
+{
+    add(stale());
+    options.findSeconds = 60;
+    onKernel = [&] {
+        if (seam.disks.empty() && isScanned()) {
+            add(KernelDisk());
+        }
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_THAT(platform.lines("flush: "), IsEmpty()) << "what waits for the old disk is not for this one";
+}
+
+TEST_F(FindingADisk, NeverRenewsOneThatIsInUse)
+{
+    add(stale());
+    seam.files["/proc/self/mountinfo"] += "40 22 8:0 / /data rw shared:9 - xfs /dev/sdc rw\n";
+    EXPECT_THAT(
+        found(),
+        HasSubstr("/dev/sdc is its disk now, under the names of another one that is in use still: sdc is "
+                  "mounted on /data"));
+    EXPECT_EQ(written("/sys/block/sdc/device/delete"), "");
+}
+
+TEST_F(FindingADisk, NeverRenewsLunZero)
+{
+    KernelDisk zero = stale();
+    zero.address = "1:0:0:0";
+    add(zero);
+    EXPECT_THAT(found(), HasSubstr("it has the LUN number 0 and is never removed"));
+    EXPECT_EQ(written("/sys/block/sdc/device/delete"), "");
+}
+
+TEST_F(FindingADisk, StopsAtADiskOfAnotherArrayWithItsWwn)
+{
+    platform.replyWith([this](const SentRequest&) {
+        return Reply::object(std::string(R"({"ID":"9","WWN":")") + WWN + "\"}");
+    });
+    add(KernelDisk());
+    EXPECT_THAT(failure([&] {
+                    manager->useConnection("127.0.0.1", 8088, "210123", "token", "cookie");
+                    findDisks(DiskJob(*manager, StorageObject::lun("9"), options), ways);
+                }),
+                HasSubstr("it is a disk of another array; nothing was changed"));
+}

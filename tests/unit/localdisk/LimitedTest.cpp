@@ -1,0 +1,97 @@
+#include "host/Limited.h"
+#include "host/Interruption.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+
+using namespace ovra::tessel;
+using std::chrono::seconds;
+
+namespace {
+
+/** Holds threads until it is opened; outlives whoever waits. */
+struct Gate
+{
+    std::mutex mutex;
+    std::condition_variable opened;
+    bool isOpen = false;
+
+    void wait()
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        opened.wait(lock, [&] { return isOpen; });
+    }
+    void open()
+    {
+        const std::lock_guard<std::mutex> guard(mutex);
+        isOpen = true;
+        opened.notify_all();
+    }
+};
+
+} // namespace
+
+TEST(AStepWithALimit, GivesItsResult)
+{
+    EXPECT_EQ(within<int>(seconds(60), [] { return 7; }), 7);
+}
+
+TEST(AStepWithALimit, IsLeftToItselfWhenItHangs)
+{
+    const auto gate = std::make_shared<Gate>();
+    EXPECT_EQ(within<int>(seconds(0),
+                          [gate] {
+                              gate->wait();
+                              return 7;
+                          }),
+              std::nullopt);
+    gate->open();
+}
+
+TEST(AStepWithALimit, ThrowsWhatItThrew)
+{
+    EXPECT_THROW(endsWithin(seconds(60), [] { throw std::runtime_error("no"); }), std::runtime_error);
+}
+
+TEST(AStepWithALimit, LeavesTheOthersDoneWhenOneHangs)
+{
+    const auto gate = std::make_shared<Gate>();
+    const auto done = std::make_shared<std::atomic<int>>(0);
+    std::vector<std::function<void()>> steps(20, [done] { ++*done; });
+    steps.front() = [gate] { gate->wait(); };
+    doWithin(seconds(1), steps);
+    EXPECT_EQ(*done, 19);
+    gate->open();
+}
+
+TEST(ACommandWithALimit, TellsHowItEnded)
+{
+    EXPECT_EQ(runWithin(seconds(60), "exit 3"), 3 << 8);
+}
+
+TEST(ACommandWithALimit, TellsThatItWasEndedFromTheKeyboard)
+{
+    EXPECT_THROW(runWithin(seconds(60), "kill -INT $$"), Interruption);
+}
+
+TEST(ACommandWithALimit, CanBeEndedBySignals)
+{
+    setenv("PATH", "/usr/bin:/bin", 1); // other tests take it away
+    // With all signals blocked, as on the thread that waits for it, timeout could not end it.
+    EXPECT_EQ(runWithin(seconds(60), "timeout 0.1 sleep 60"), 124 << 8);
+}
+
+TEST(AWriteWithALimit, TellsWhyItFailed)
+{
+    EXPECT_EQ(writeWithin(seconds(60), "/nonexistent/delete", "1"),
+              "/nonexistent/delete: No such file or directory");
+    EXPECT_EQ(writeWithin(seconds(60), "/dev/full", "1"), "/dev/full: No space left on device");
+    EXPECT_EQ(writeWithin(seconds(60), "/dev/null", "1"), "");
+}

@@ -1,0 +1,156 @@
+#include "KernelDisks.h"
+
+#include "localdisk/Removal.h"
+
+#include <filesystem>
+
+using namespace ovra::tessel;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class RemovalOfADisk : public LocalDiskTest
+{
+protected:
+    std::vector<ovra::disk::ScsiDisk> disks() { return ovra::disk::scsiDisksOf({"1", "2"}); }
+    std::optional<ovra::disk::MultipathMap> map() { return ovra::disk::mapOfWwn(WWN); }
+    std::vector<std::string> uses() { return usesOf(disks(), map()); }
+
+    void addMapped()
+    {
+        add(KernelDisk());
+        KernelMap mapped;
+        mapped.paths = {"sdc"};
+        add(mapped);
+    }
+    std::string flushMap() const
+    {
+        return std::string("timeout 5 multipath -f 3") + WWN + " >/dev/null 2>&1";
+    }
+};
+
+TEST_F(RemovalOfADisk, GoesByItsAddress)
+{
+    add(KernelDisk());
+    EXPECT_EQ(removeDisk(job(), disks().front(), [] { return ""; }), "");
+    EXPECT_THAT(disks(), IsEmpty());
+}
+
+TEST_F(RemovalOfADisk, DoesNotHappenWhenItIsAnotherByThen)
+{
+    add(KernelDisk());
+    EXPECT_EQ(removeDisk(job(), disks().front(), [] { return "it is another"; }), "it is another");
+    EXPECT_EQ(written("/sys/block/sdc/device/delete"), "");
+}
+
+TEST_F(RemovalOfADisk, IsToldWhenTheKernelKeepsIt)
+{
+    add(KernelDisk());
+    options.stepSeconds = 1;
+    seam.onUsleep = nullptr;
+    EXPECT_EQ(removeDisk(job(), disks().front(), [] { return ""; }), "/dev/sdc stays");
+}
+
+TEST_F(RemovalOfADisk, HasNoUseInItsOwnMap)
+{
+    addMapped();
+    EXPECT_THAT(uses(), IsEmpty());
+}
+
+TEST_F(RemovalOfADisk, HasAUseInALogicalVolumeOnTheMap)
+{
+    addMapped();
+    seam.write("/sys/block/dm-5/dm/uuid", "LVM-abc\n");
+    seam.write("/sys/block/dm-5/dm/name", "vg-data\n");
+    seam.link("/sys/block/dm-3/holders/dm-5", "../../dm-5");
+    EXPECT_THAT(uses(), ElementsAre("dm-3 is held by dm-5 (vg-data)"));
+}
+
+TEST_F(RemovalOfADisk, HasAUseInAMountOfTheMapsPartition)
+{
+    addMapped();
+    seam.write("/sys/block/dm-5/dm/uuid", std::string("part1-mpath-3") + WWN + "\n");
+    seam.write("/sys/block/dm-5/dev", "253:5\n");
+    seam.link("/sys/block/dm-3/holders/dm-5", "../../dm-5");
+    EXPECT_THAT(uses(), IsEmpty()) << "the partition alone goes with the map";
+    seam.files["/proc/self/mountinfo"] += "40 22 253:5 / /data rw shared:9 - xfs /dev/dm-5 rw\n";
+    EXPECT_THAT(uses(), ElementsAre("dm-5 is mounted on /data"));
+}
+
+TEST_F(RemovalOfADisk, HasAUseInAProcessThatHasItOpen)
+{
+    add(KernelDisk());
+    seam.write("/proc/4711/comm", "dd\n");
+    seam.link("/proc/4711/fd/3", "/dev/sdc");
+    seam.write("/proc/4712/comm", "multipathd\n");
+    seam.link("/proc/4712/fd/3", "/dev/sdc");
+    seam.clock = 0;
+    seam.onUsleep = nullptr;
+    EXPECT_THAT(uses(), ElementsAre("sdc is open in process 4711 (dd)"));
+}
+
+TEST_F(RemovalOfADisk, WaitsForWhatUdevRunsForAMoment)
+{
+    add(KernelDisk());
+    seam.write("/proc/4711/comm", "blkid\n");
+    seam.link("/proc/4711/fd/3", "/dev/sdc");
+    onKernel = [&] { std::filesystem::remove_all(seam.root + "/proc/4711"); };
+    EXPECT_THAT(uses(), IsEmpty());
+}
+
+TEST_F(RemovalOfADisk, WritesBackFromTheTop)
+{
+    addMapped();
+    writeBack(job(), disks(), false);
+    EXPECT_THAT(platform.lines("flush: "), ElementsAre("flush: dm-3", "flush: sdc"));
+}
+
+TEST_F(RemovalOfADisk, StopsWhereDataCannotBeWrittenBack)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].flushError = EIO;
+    EXPECT_THAT(
+        failure([&] { writeBack(job(), disks(), false); }),
+        HasSubstr("data not yet written to /dev/sdc cannot be written back: Input/output error; nothing was "
+                  "removed"));
+    EXPECT_EQ(failure([&] { writeBack(job(), disks(), true); }), "") << "forced it is only told";
+}
+
+TEST_F(RemovalOfADisk, NeverOpensADeadOneToWriteBack)
+{
+    KernelDisk dead;
+    dead.state = "offline";
+    add(dead);
+    writeBack(job(), disks(), false);
+    EXPECT_THAT(platform.lines("open: "), IsEmpty());
+}
+
+TEST_F(RemovalOfADisk, RemovesTheMapByItsName)
+{
+    addMapped();
+    seam.onSystem = [this](const std::string& command) {
+        if (command == flushMap()) {
+            std::filesystem::remove_all(seam.root + "/sys/block/dm-3");
+        }
+    };
+    removeMap(job(), *map());
+    EXPECT_THAT(commands(), ElementsAre("system: " + flushMap()));
+}
+
+TEST_F(RemovalOfADisk, LetsAMapWithoutPathsFailWhatWaitsForOne)
+{
+    addMapped();
+    remove("sdc");
+    EXPECT_THAT(failure([&] { removeMap(job(), *map()); }), HasSubstr("stays: multipath -f 3"));
+    EXPECT_EQ(commands().front(), std::string("system: timeout 5 dmsetup message 3") + WWN +
+                                      " 0 fail_if_no_path >/dev/null 2>&1");
+    EXPECT_EQ(commands().size(), 6U) << "five tries, since udev may have it open for a moment";
+}
+
+TEST_F(RemovalOfADisk, GivesNoCommandANameThatIsNoWord)
+{
+    addMapped();
+    seam.write("/sys/block/dm-3/dm/name", "a;reboot\n");
+    EXPECT_THAT(failure([&] { removeMap(job(), *map()); }), HasSubstr("remove it by hand"));
+    EXPECT_THAT(commands(), IsEmpty());
+}
