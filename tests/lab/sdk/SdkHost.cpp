@@ -4,7 +4,9 @@
 //   sdk_host OPERATION ID [OPERATION ID]...
 //
 // Operations: attach-lun, scan-lun, remove-lun, detach-lun, the same for snapshot, and scan-snapshots
-// (ID,ID,...: a thread each). A scan prints the path that it found, or an empty line.
+// (ID,ID,...: a thread each). A scan prints the path that it found, or an empty line. With disk- before them
+// attach, find, refresh and release are those of LocalDisk, which print path, size and the paths with their
+// states.
 
 #include <tessel/Tessel.h>
 
@@ -16,6 +18,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+using namespace ovra::tessel;
 
 namespace {
 
@@ -83,7 +87,72 @@ void scanAtOnce(const std::string& ids)
 
 using Run = std::function<void(CDeviceManager&, std::string)>;
 
+HostInitiator host()
+{
+    return HostInitiator::iscsi(environment("INITIATOR"));
+}
+
+void show(const LocalDisk& disk)
+{
+    std::cout << disk.path() << " " << disk.size();
+    for (const DiskPath& path : disk.paths()) {
+        std::cout << " " << path.device << "=" << path.state;
+    }
+    std::cout << std::endl; // before what the next operation says
+}
+
+/** Attaches, leaves it so, and shows what came of it. */
+void attachDisk(CDeviceManager& array, const StorageObject& volume)
+{
+    LocalDisk disk = LocalDisk::attach(array, volume, host());
+    disk.keep();
+    show(disk);
+}
+
+void refreshDisk(CDeviceManager& array, const StorageObject& volume)
+{
+    LocalDisk disk = LocalDisk::find(array, volume, host());
+    disk.keep();
+    disk.refresh();
+    show(disk);
+}
+
+void findDisk(CDeviceManager& array, const StorageObject& volume)
+{
+    LocalDisk disk = LocalDisk::find(array, volume, host());
+    disk.keep();
+    show(disk);
+}
+
 const std::map<std::string, Run> OPERATIONS = {
+    {"disk-attach-lun",
+     [](CDeviceManager& array, const std::string& id) { attachDisk(array, StorageObject::lun(id)); }},
+    {"disk-attach-snapshot",
+     [](CDeviceManager& array, const std::string& id) { attachDisk(array, StorageObject::snapshot(id)); }},
+    {"disk-find-lun",
+     [](CDeviceManager& array, const std::string& id) { findDisk(array, StorageObject::lun(id)); }},
+    {"disk-refresh-lun",
+     [](CDeviceManager& array, const std::string& id) { refreshDisk(array, StorageObject::lun(id)); }},
+    {"disk-release-lun",
+     [](CDeviceManager& array, const std::string& id) {
+         LocalDisk::release(array, StorageObject::lun(id), host());
+     }},
+    {"disk-release-lun-in-use",
+     [](CDeviceManager& array, const std::string& id) {
+         LocalDisk::release(array, StorageObject::lun(id), host(), LocalDiskOptions(), true);
+     }},
+    {"hide-lun",
+     [](CDeviceManager& array, const std::string& id) {
+         ensureHidden(array, StorageObject::lun(id), host());
+     }},
+    {"show-lun",
+     [](CDeviceManager& array, const std::string& id) {
+         ensureVisible(array, StorageObject::lun(id), host());
+     }},
+    {"disk-release-snapshot",
+     [](CDeviceManager& array, const std::string& id) {
+         LocalDisk::release(array, StorageObject::snapshot(id), host());
+     }},
     {"attach-lun",
      [](CDeviceManager& array, const std::string& id) {
          attachOf(array).attachLunToHost(id, environment("INITIATOR"), "127.0.0.1");
