@@ -5,6 +5,8 @@
 
 namespace tesselctl {
 
+Commands diskCommands();
+Commands diskListCommands();
 Commands attachCommands();
 Commands detachCommands();
 Commands deviceCommands();
@@ -41,6 +43,10 @@ const std::vector<CommandGroup>& commandGroups()
         {{"port", "fc"}, "Fibre Channel ports"},
         {{"port", "fcoe"}, "FCoE ports"},
         {{"port", "eth"}, "Ethernet ports"},
+        {{"disk"}, "LUNs and snapshots as disks of this host"},
+        {{"disk", "attach"}, "make a LUN or snapshot a disk of this host"},
+        {{"disk", "release"}, "take the disk of a LUN or snapshot away again"},
+        {{"disk", "verify"}, "prove that a disk of this host is a LUN or snapshot"},
         {{"attach"}, "make a LUN or snapshot visible to a host"},
         {{"detach"}, "take a LUN or snapshot away from a host"},
         {{"scan"}, "find the device of a LUN or snapshot on this host"},
@@ -53,11 +59,12 @@ const std::vector<CommandGroup>& commandGroups()
 const Commands& allCommands()
 {
     static const Commands commands = together({
-        lunCommands(),       snapshotCommands(),       lunGroupCommands(),    hostCommands(),
-        hostGroupCommands(), iscsiInitiatorCommands(), fcInitiatorCommands(), viewCommands(),
-        portCommands(),      attachCommands(),         detachCommands(),      deviceCommands(),
-        tidyCommands(),      explainCommands(),        topologyCommands(),    doctorCommands(),
-        pingCommands(),      fingerprintCommands(),    referenceCommands(),
+        diskCommands(),        diskListCommands(), lunCommands(),       snapshotCommands(),
+        lunGroupCommands(),    hostCommands(),     hostGroupCommands(), iscsiInitiatorCommands(),
+        fcInitiatorCommands(), viewCommands(),     portCommands(),      attachCommands(),
+        detachCommands(),      deviceCommands(),   tidyCommands(),      explainCommands(),
+        topologyCommands(),    doctorCommands(),   pingCommands(),      fingerprintCommands(),
+        referenceCommands(),
     });
     return commands;
 }

@@ -4,7 +4,7 @@ _tesselctl()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local path='' words='' word i
-    local takes_value=' --app-type --array --ca-file --chap --chap-name --chap-secret-file --columns --connect-timeout --controller --cookie-file --count --description --device-id --discovery-chap --format --group --health-status --host --host-ip --hostgroup --id --in-group --in-view --initial-size --initiator --initiator-file --ip --location --logic-type --lun --lungroup --most --mutual-chap-name --mutual-chap-secret-file --name --old-chap-secret-file --old-mutual-chap-secret-file --os --output --password-file --pin --pool --running-status --scope --size --snapshot --start --timeout --token-file --type --usage-threshold --user --view '
+    local takes_value=' --app-type --array --ca-file --chap --chap-name --chap-secret-file --columns --connect-timeout --controller --cookie-file --count --description --device-id --discovery-chap --find-seconds --flush-seconds --format --group --health-status --host --host-ip --hostgroup --id --in-group --in-view --initial-size --initiator --initiator-file --ip --location --lock-seconds --logic-type --lun --lungroup --map-seconds --most --mutual-chap-name --mutual-chap-secret-file --name --old-chap-secret-file --old-mutual-chap-secret-file --os --output --password-file --pin --pool --running-status --scope --size --snapshot --start --step-seconds --timeout --token-file --type --usage-threshold --user --view '
     for ((i = 1; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
         if [[ $takes_value == *" $word "* ]]; then
@@ -12,12 +12,12 @@ _tesselctl()
             continue
         fi
         case "$path${path:+ }$word" in
-            'attach' | 'attach lun' | 'attach snapshot' | 'detach' | 'detach lun' | 'detach snapshot' | 'doctor' | 'explain' | 'explain lun' | 'explain snapshot' | 'fingerprint' | 'host' | 'host create' | 'host show' | 'hostgroup' | 'hostgroup add' | 'hostgroup create' | 'hostgroup delete' | 'hostgroup list' | 'hostgroup remove' | 'hostgroup show' | 'initiator' | 'initiator fc' | 'initiator fc add' | 'initiator fc create' | 'initiator fc delete' | 'initiator fc remove' | 'initiator fc show' | 'initiator iscsi' | 'initiator iscsi add' | 'initiator iscsi create' | 'initiator iscsi delete' | 'initiator iscsi modify' | 'initiator iscsi remove' | 'initiator iscsi show' | 'lun' | 'lun create' | 'lun list' | 'lun show' | 'lungroup' | 'lungroup add' | 'lungroup count' | 'lungroup create' | 'lungroup delete' | 'lungroup list' | 'lungroup remove' | 'lungroup show' | 'ping' | 'port' | 'port eth' | 'port eth list' | 'port eth show' | 'port fc' | 'port fc list' | 'port fc show' | 'port fcoe' | 'port fcoe list' | 'port fcoe show' | 'reference' | 'remove' | 'remove lun' | 'remove snapshot' | 'scan' | 'scan lun' | 'scan snapshot' | 'snapshot' | 'snapshot list' | 'snapshot show' | 'tidy' | 'topology' | 'view' | 'view add' | 'view create' | 'view delete' | 'view list' | 'view remove' | 'view show')
+            'attach' | 'attach lun' | 'attach snapshot' | 'detach' | 'detach lun' | 'detach snapshot' | 'disk' | 'disk attach' | 'disk attach lun' | 'disk attach snapshot' | 'disk list' | 'disk release' | 'disk release lun' | 'disk release snapshot' | 'disk verify' | 'disk verify lun' | 'disk verify snapshot' | 'doctor' | 'explain' | 'explain lun' | 'explain snapshot' | 'fingerprint' | 'host' | 'host create' | 'host show' | 'hostgroup' | 'hostgroup add' | 'hostgroup create' | 'hostgroup delete' | 'hostgroup list' | 'hostgroup remove' | 'hostgroup show' | 'initiator' | 'initiator fc' | 'initiator fc add' | 'initiator fc create' | 'initiator fc delete' | 'initiator fc remove' | 'initiator fc show' | 'initiator iscsi' | 'initiator iscsi add' | 'initiator iscsi create' | 'initiator iscsi delete' | 'initiator iscsi modify' | 'initiator iscsi remove' | 'initiator iscsi show' | 'lun' | 'lun create' | 'lun list' | 'lun show' | 'lungroup' | 'lungroup add' | 'lungroup count' | 'lungroup create' | 'lungroup delete' | 'lungroup list' | 'lungroup remove' | 'lungroup show' | 'ping' | 'port' | 'port eth' | 'port eth list' | 'port eth show' | 'port fc' | 'port fc list' | 'port fc show' | 'port fcoe' | 'port fcoe list' | 'port fcoe show' | 'reference' | 'remove' | 'remove lun' | 'remove snapshot' | 'scan' | 'scan lun' | 'scan snapshot' | 'snapshot' | 'snapshot list' | 'snapshot show' | 'tidy' | 'topology' | 'view' | 'view add' | 'view create' | 'view delete' | 'view list' | 'view remove' | 'view show')
                 path+="${path:+ }$word" ;;
         esac
     done
     case $previous in
-        --app-type | --array | --chap-name | --columns | --connect-timeout | --controller | --count | --description | --device-id | --group | --health-status | --host | --host-ip | --hostgroup | --id | --initial-size | --initiator | --ip | --location | --logic-type | --lun | --lungroup | --most | --mutual-chap-name | --name | --os | --pin | --pool | --running-status | --size | --snapshot | --start | --timeout | --usage-threshold | --user | --view) return ;;
+        --app-type | --array | --chap-name | --columns | --connect-timeout | --controller | --count | --description | --device-id | --find-seconds | --flush-seconds | --group | --health-status | --host | --host-ip | --hostgroup | --id | --initial-size | --initiator | --ip | --location | --lock-seconds | --logic-type | --lun | --lungroup | --map-seconds | --most | --mutual-chap-name | --name | --os | --pin | --pool | --running-status | --size | --snapshot | --start | --step-seconds | --timeout | --usage-threshold | --user | --view) return ;;
         --scope) COMPREPLY=($(compgen -W "local domain" -- "$current")); return ;;
         --chap | --discovery-chap) COMPREPLY=($(compgen -W "none oneway mutual" -- "$current")); return ;;
         --output) COMPREPLY=($(compgen -W "text json" -- "$current")); return ;;
@@ -27,13 +27,24 @@ _tesselctl()
         --ca-file | --chap-secret-file | --cookie-file | --initiator-file | --mutual-chap-secret-file | --old-chap-secret-file | --old-mutual-chap-secret-file | --password-file | --token-file) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
     esac
     case $path in
-        '') words='lun snapshot lungroup host hostgroup initiator view port attach detach scan remove explain tidy topology doctor ping fingerprint reference' ;;
+        '') words='lun snapshot lungroup host hostgroup initiator view port disk attach detach scan remove explain tidy topology doctor ping fingerprint reference' ;;
         'attach') words='lun snapshot' ;;
         'attach lun') words='--initiator --initiator-file --host-ip --scan' ;;
         'attach snapshot') words='--initiator --initiator-file --host-ip --scan' ;;
         'detach') words='lun snapshot' ;;
         'detach lun') words='--initiator --initiator-file --all-hosts --remove-devices --force' ;;
         'detach snapshot') words='--initiator --initiator-file --all-hosts --remove-devices --force' ;;
+        'disk') words='attach release verify list' ;;
+        'disk attach') words='lun snapshot' ;;
+        'disk attach lun') words='--initiator --initiator-file --host-ip --lock-seconds --find-seconds --map-seconds --step-seconds' ;;
+        'disk attach snapshot') words='--initiator --initiator-file --host-ip --lock-seconds --find-seconds --map-seconds --step-seconds' ;;
+        'disk list') words='' ;;
+        'disk release') words='lun snapshot' ;;
+        'disk release lun') words='--initiator --initiator-file --force --lock-seconds --flush-seconds --step-seconds' ;;
+        'disk release snapshot') words='--initiator --initiator-file --force --lock-seconds --flush-seconds --step-seconds' ;;
+        'disk verify') words='lun snapshot' ;;
+        'disk verify lun') words='--initiator --initiator-file --map-seconds --step-seconds' ;;
+        'disk verify snapshot') words='--initiator --initiator-file --map-seconds --step-seconds' ;;
         'doctor') words='' ;;
         'explain') words='lun snapshot' ;;
         'explain lun') words='--initiator --initiator-file --host' ;;

@@ -27,6 +27,19 @@ std::vector<Option> initiatorOptions()
     return {{"--initiator", "IQN", "iSCSI initiator of the host; this host's own unless given"}, file};
 }
 
+std::vector<Option> anyInitiatorOptions()
+{
+    std::vector<Option> options = initiatorOptions();
+    options[0] = {"--initiator", "IQN|WWPN", "initiator of the host; this host's own unless given"};
+    return options;
+}
+
+bool isIscsiName(const std::string& id)
+{
+    const std::string kind = id.substr(0, 4);
+    return kind == "iqn." || kind == "eui." || kind == "naa.";
+}
+
 std::string initiatorFromFile(const std::string& path)
 {
     for (std::string line : ovra::disk::linesOf(ovra::disk::contentOf(path))) {
@@ -50,6 +63,12 @@ std::string chosenInitiator(const Context& context)
         return context.text("--initiator");
     }
     return initiatorFromFile(context.text("--initiator-file", hostPath(OWN_INITIATOR)));
+}
+
+ovra::tessel::HostInitiator chosenAnyInitiator(const Context& context)
+{
+    const std::string id = chosenInitiator(context);
+    return {!isIscsiName(id), id};
 }
 
 std::string localAddressTowards(const ArrayAddress& array)

@@ -71,7 +71,8 @@ void Parser::add(const Command& command)
     app->final_callback([this, &command] { m_chosen = &command; });
     auto& given = m_given[&command];
     for (const auto& argument : command.arguments) {
-        CLI::Option* added = app->add_option(argument.name, argument.help)->required()->expected(1);
+        CLI::Option* added =
+            app->add_option(argument.name, argument.help)->required(!argument.isOptional)->expected(1);
         takeChoice(*added, argument.choices);
         added->type_name("");
         given.push_back({argument.name, added});

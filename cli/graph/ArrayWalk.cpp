@@ -1,5 +1,6 @@
 #include "graph/ArrayWalk.h"
 
+#include "disk/Initiator.h"
 #include "objects/Listing.h"
 
 namespace tesselctl {
@@ -12,12 +13,6 @@ Node node(Layer layer, const char* type, const Record& record)
 }
 
 } // namespace
-
-bool isIscsiName(const std::string& id)
-{
-    const std::string kind = id.substr(0, 4);
-    return kind == "iqn." || kind == "eui." || kind == "naa.";
-}
 
 size_t ArrayWalk::fromInitiator(const std::string& id, Members members)
 {

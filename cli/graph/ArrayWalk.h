@@ -41,9 +41,6 @@ private:
     Graph& m_graph;
 };
 
-/** Whether an initiator ID is an iSCSI name and no port WWN. */
-bool isIscsiName(const std::string& id);
-
 } // namespace tesselctl
 
 #endif

@@ -103,8 +103,7 @@ void explain(Context& context, const Attachable& object)
 
 Commands explainCommands()
 {
-    std::vector<Option> options = initiatorOptions();
-    options[0] = {"--initiator", "IQN|WWPN", "initiator of the host; this host's own unless given"};
+    std::vector<Option> options = anyInitiatorOptions();
     options.push_back({"--host", "ID", "the host itself, instead of an initiator"});
     return forEachAttachable("explain", "tell why a host sees, or does not see,", options, explain);
 }

@@ -28,12 +28,13 @@ struct Option
     }
 };
 
-/** One word that stands without an option name; always required. */
+/** One word that stands without an option name. */
 struct Argument
 {
     std::string name; ///< "ID"
     std::string help;
     std::vector<std::string> choices = {};
+    bool isOptional = false; ///< of the last one alone
 };
 
 /** What a command line gave, by the name of the option or argument. */

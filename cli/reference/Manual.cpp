@@ -40,7 +40,7 @@ std::string commandEntry(const Command& command)
         text += " " + word;
     }
     for (const auto& argument : command.arguments) {
-        text += " Ar " + argument.name;
+        text += (argument.isOptional ? " Op Ar " : " Ar ") + argument.name;
     }
     text += "\n" + plain(command.summary) + "\n";
     if (!command.exactlyOneOf.empty()) {
