@@ -30,6 +30,10 @@ Commands together(const std::vector<Commands>& lists)
 const std::vector<CommandGroup>& commandGroups()
 {
     static const std::vector<CommandGroup> groups = {
+        {{"disk"}, "LUNs and snapshots as disks of this host"},
+        {{"disk", "attach"}, "make a LUN or snapshot a disk of this host"},
+        {{"disk", "release"}, "take the disk of a LUN or snapshot away again"},
+        {{"disk", "verify"}, "prove that a disk of this host is a LUN or snapshot"},
         {{"lun"}, "LUNs"},
         {{"snapshot"}, "snapshots"},
         {{"lungroup"}, "LUN groups and their members"},
@@ -43,10 +47,6 @@ const std::vector<CommandGroup>& commandGroups()
         {{"port", "fc"}, "Fibre Channel ports"},
         {{"port", "fcoe"}, "FCoE ports"},
         {{"port", "eth"}, "Ethernet ports"},
-        {{"disk"}, "LUNs and snapshots as disks of this host"},
-        {{"disk", "attach"}, "make a LUN or snapshot a disk of this host"},
-        {{"disk", "release"}, "take the disk of a LUN or snapshot away again"},
-        {{"disk", "verify"}, "prove that a disk of this host is a LUN or snapshot"},
         {{"attach"}, "make a LUN or snapshot visible to a host"},
         {{"detach"}, "take a LUN or snapshot away from a host"},
         {{"scan"}, "find the device of a LUN or snapshot on this host"},

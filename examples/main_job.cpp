@@ -1,8 +1,8 @@
-// The main job of a backup application: show a LUN to this host, find its disk, write and read it, and take
+// The main job of a backup application: make a LUN a disk of this host, write and read it, and take
 // everything away again. Needs root, and a host whose iSCSI initiator is logged in to the array.
 
-#include <tessel/Access.h>
 #include <tessel/Array.h>
+#include <tessel/LocalDisk.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,6 +15,7 @@
 
 using ovra::tessel::Array;
 using ovra::tessel::HostInitiator;
+using ovra::tessel::LocalDisk;
 using ovra::tessel::StorageObject;
 
 namespace {
@@ -91,17 +92,6 @@ void useDisk(const std::string& path)
     std::cout << "   all " << BLOCKS << " blocks are what was written" << std::endl;
 }
 
-std::string findDisk(const Array& array, const std::string& lunId)
-{
-    step("Rescan this host and find the disk");
-    const std::string path = array.diskScanner().scanLunAfterAttach(lunId);
-    if (path.empty()) {
-        throw std::runtime_error("the disk was not found: see the run log");
-    }
-    std::cout << "   " << path << std::endl;
-    return path;
-}
-
 void mainJob(const Array& array, const std::string& pool, const std::string& initiator)
 {
     step("Create a LUN of 64 MiB");
@@ -112,17 +102,16 @@ void mainJob(const Array& array, const std::string& pool, const std::string& ini
     const LunMO lun = array.luns().createLun(wanted);
     std::cout << "   LUN " << lun.ID << ", WWN " << lun.WWN << std::endl;
 
+    step("Make it a disk of this host");
     const StorageObject volume = StorageObject::lun(lun.ID);
     const HostInitiator host = HostInitiator::iscsi(initiator);
-    step("Show it to the host of " + initiator);
-    ensureVisible(array.manager(), volume, host);
+    LocalDisk disk = LocalDisk::attach(array, volume, host);
+    std::cout << "   " << disk.path() << ", " << disk.size() << " bytes" << std::endl;
 
-    useDisk(findDisk(array, lun.ID));
+    useDisk(disk.path());
 
-    step("Remove the device from this host");
-    array.diskScanner().scanLunBeforeDetach(lun.ID);
-    step("Hide the LUN from the host");
-    ensureHidden(array.manager(), volume, host);
+    step("Take the disk away again");
+    disk.release();
 }
 
 } // namespace

@@ -27,7 +27,7 @@ _tesselctl()
         --ca-file | --chap-secret-file | --cookie-file | --initiator-file | --mutual-chap-secret-file | --old-chap-secret-file | --old-mutual-chap-secret-file | --password-file | --token-file) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
     esac
     case $path in
-        '') words='lun snapshot lungroup host hostgroup initiator view port disk attach detach scan remove explain tidy topology doctor ping fingerprint reference' ;;
+        '') words='disk lun snapshot lungroup host hostgroup initiator view port attach detach scan remove explain tidy topology doctor ping fingerprint reference' ;;
         'attach') words='lun snapshot' ;;
         'attach lun') words='--initiator --initiator-file --host-ip --scan' ;;
         'attach snapshot') words='--initiator --initiator-file --host-ip --scan' ;;

@@ -1,6 +1,6 @@
 #!/bin/bash
-# The commands of the manual about the host, and its main example, on a host with an array: log in, run the main job,
-# look at the lock, free a disk. BUILD is the build directory, EXAMPLES the folder of the examples.
+# The commands of the manual about the host, and its main examples, on a host with an array: log in, run the main job,
+# at once and in single steps, look at the lock, free a disk. BUILD is the build directory, EXAMPLES the folder of the examples.
 . "$(dirname "${BASH_SOURCE[0]}")/../lab/sdk/array.sh"
 
 expect "an array with real disks" arraysim_begin
@@ -17,6 +17,8 @@ same "the host's disks are as they were" "$(host_disks)" "$before"
 expect "the lock is free" grep -Eq '^0 +1 +0 +0 ' <("$EXAMPLES/host/rescan_lock.sh")
 
 lun=$(arraysim_lun volume 64)
+expect "the single steps" "$BUILD/bin/examples/single_steps" 127.0.0.1 "$ARRAY_PORT" admin "$lun" "$lab_initiator"
+same "the host's disks are as they were again" "$(host_disks)" "$before"
 disk=$(basename "$(sdk attach-lun "$lun" scan-lun "$lun")")
 expect "a file system on $disk" mkfs.ext4 -q "/dev/$disk"
 mkdir -p /run/lab/one /run/lab/two

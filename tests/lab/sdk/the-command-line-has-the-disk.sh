@@ -44,6 +44,10 @@ same "the host's disks are as they were" "$(host_disks)" "$before"
 same "the list has it no more" "$(listed "$lun" path)" ""
 expect "disk release again" tesselctl disk release lun "$lun"
 
+export LD_LIBRARY_PATH=$sdk_lib TESSEL_ARRAY=127.0.0.1:$ARRAY_PORT TESSEL_USER=admin PATH=$BUILD/bin:$PATH
+expect "the manual's commands" "$(dirname "$0")/../../../examples/host/disk.sh" "$lun"
+same "leave the host's disks as they were" "$(host_disks)" "$before"
+
 path=$(tesselctl disk attach lun "$lun") && sdk detach-lun "$lun"
 same "hidden without a release it is listed as not shown" "$(listed "$lun" shown)" False
 tesselctl disk list
