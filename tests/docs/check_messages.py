@@ -13,8 +13,8 @@ SOURCES = ("src", os.path.join("include", "tessel"), os.path.join("platform", "r
 LITERAL = re.compile(r'"(?:[^"\\\n]|\\.)*"(?:\s*"(?:[^"\\\n]|\\.)*")*')
 NO_MESSAGE = re.compile(r"""
     ^Shows\ disks\ to\ one\ host # a description
-    | ^\s*(ls|lsscsi|echo|timeout|kxRescan|which|rescan-scsi-bus\.sh|multipath)\b[^!]*$   # commands
-    | ^\ \|\ grep | kxRescan\ 2> | ^%Y | ^Content-Type | ^:\ $ | ^\ and\ $ | ^enter\ $ | ^leave\ $ | ^(enter\ )?%s%s?\ successfully
+    | ^\s*(ls|lsscsi|echo|timeout|kxRescan|which|rescan-scsi-bus\.sh|multipathd?|dmsetup)\b[^!]*$   # commands
+    | ^\ \|\ grep | ^(\ 0\ fail_if_no_path)?\ 2?>/dev/null | kxRescan\ 2> | ^%Y | ^Content-Type | ^:\ $ | ^\ and\ $ | ^enter\ $ | ^leave\ $ | ^(enter\ )?%s%s?\ successfully
     | ^%s\ \[%s\]$ | ^libcurl\ (lacks|cannot) | ^DELETE\ \ HTTP # never written""", re.VERBOSE)
 MADE_OF_PARTS = re.compile(r"^(the|add) (lun|snapshot)(?= )")
 
@@ -72,10 +72,10 @@ def main(root):
     problems = []
     messages = {text: path for text, path in sources.items() if is_message(text)}
     for text, path in messages.items():
-        for part in fragments(text, r"%[sd]"):
+        for part in fragments(text, r"%[sdu]"):
             if part not in manual:
                 problems.append(f"{path}: the manual does not have '{part}'")
-    everything = re.sub("%[sd]", "\n", "\n".join(sources))
+    everything = re.sub("%[sdu]", "\n", "\n".join(sources))
     spans = list(spans_of_first_cells(root))
     for place, span in spans:
         for part in fragments(span, r"<[^>]*>"):
