@@ -17,7 +17,7 @@ namespace {
 
 std::string findDisk(const Array& array, const std::string& lunId)
 {
-    const std::string path = array.diskScanner().scanLunAfterAttach(lunId);
+    std::string path = array.diskScanner().scanLunAfterAttach(lunId);
     if (path.empty()) {
         throw std::runtime_error("the disk was not found: see the run log");
     }
