@@ -106,8 +106,11 @@ public:
 
     /** Takes over a disk. @param other can only be destroyed and assigned to from now on. */
     LocalDisk(LocalDisk&& other) noexcept;
-    /** Releases the disk that this has, as the destructor does. @param other taken over, as above. @return
-     * this. */
+    /**
+     * Releases the disk that this has, as the destructor does, and takes one over.
+     * @param other as above.
+     * @return this.
+     */
     LocalDisk& operator=(LocalDisk&& other) noexcept;
     /** Releases the disk unless that is done; what stands in the way stays, and is told in the run log. */
     ~LocalDisk();
