@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace ovra::disk {
 namespace {
@@ -14,12 +15,12 @@ constexpr const char* FC_HOSTS = "/sys/class/fc_host/";
 /** "1" of ../../devices/platform/host1/session1/iscsi_session/session1; empty when there is no host in it. */
 std::string hostIn(const std::string& link)
 {
-    static const std::string HOST = "/host";
+    constexpr const char* HOST = "/host";
     const size_t at = link.find(HOST);
     if (at == std::string::npos) {
         return "";
     }
-    const std::string number = link.substr(at + HOST.size());
+    const std::string number = link.substr(at + std::strlen(HOST));
     return number.substr(0, number.find('/'));
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <set>
 
 namespace ovra::disk {
@@ -16,7 +17,12 @@ constexpr const char* OWN_MOUNTS = "/proc/self/mountinfo";
 constexpr const char* SWAPS = "/proc/swaps";
 constexpr const char* BTRFS = "/sys/fs/btrfs/";
 /** Processes that open every disk for a moment, or hold the paths of every map. */
-const std::set<std::string> CARETAKERS = {"systemd-udevd", "(udev-worker)", "udevd", "multipathd"};
+constexpr const char* CARETAKERS[] = {"systemd-udevd", "(udev-worker)", "udevd", "multipathd"};
+
+bool isCaretaker(const std::string& program)
+{
+    return std::find(std::begin(CARETAKERS), std::end(CARETAKERS), program) != std::end(CARETAKERS);
+}
 
 bool isNumber(const std::string& name)
 {
@@ -190,7 +196,7 @@ std::vector<std::string> openersOf(const std::vector<std::string>& nodes, const 
     std::vector<std::string> openers;
     for (const std::string& process : namesIn(root + "/proc/")) {
         const std::string folder = root + "/proc/" + process;
-        if (!isNumber(process) || CARETAKERS.count(valueOf(folder + "/comm")) != 0) {
+        if (!isNumber(process) || isCaretaker(valueOf(folder + "/comm"))) {
             continue;
         }
         std::set<std::string> open;

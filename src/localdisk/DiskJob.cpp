@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <ctime>
 #include <unistd.h>
 
 namespace ovra::tessel {
@@ -74,6 +75,13 @@ std::string DiskJob::name() const
 void DiskJob::fail(const std::string& reason) const
 {
     throw OvraAPIException(name() + ": " + reason + "! LocalDisk");
+}
+
+Deadline::Time Deadline::now()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return std::chrono::seconds(time.tv_sec) + Time(time.tv_nsec);
 }
 
 bool Deadline::pause() const

@@ -33,14 +33,17 @@ struct DiskJob
 class Deadline
 {
 public:
-    explicit Deadline(unsigned seconds) : m_end(Clock::now() + std::chrono::seconds(seconds)) {}
-    bool isOver() const { return Clock::now() >= m_end; }
+    explicit Deadline(unsigned seconds) : m_end(now() + std::chrono::seconds(seconds)) {}
+    bool isOver() const { return now() >= m_end; }
     /** A short pause, after which something may have changed. @return false when the time is up. */
     bool pause() const;
 
 private:
-    using Clock = std::chrono::steady_clock;
-    Clock::time_point m_end;
+    using Time = std::chrono::nanoseconds; ///< since some moment in the past
+
+    static Time now();
+
+    Time m_end;
 };
 
 /** The names, with commas. */

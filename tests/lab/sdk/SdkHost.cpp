@@ -141,14 +141,10 @@ const std::map<std::string, Run> OPERATIONS = {
      [](CDeviceManager& array, const std::string& id) {
          LocalDisk::release(array, StorageObject::lun(id), host(), LocalDiskOptions(), true);
      }},
-    {"hide-lun",
-     [](CDeviceManager& array, const std::string& id) {
-         ensureHidden(array, StorageObject::lun(id), host());
-     }},
-    {"show-lun",
-     [](CDeviceManager& array, const std::string& id) {
-         ensureVisible(array, StorageObject::lun(id), host());
-     }},
+    {"hide-lun", [](CDeviceManager& array,
+                    const std::string& id) { ensureHidden(array, StorageObject::lun(id), host()); }},
+    {"show-lun", [](CDeviceManager& array,
+                    const std::string& id) { ensureVisible(array, StorageObject::lun(id), host()); }},
     {"disk-release-snapshot",
      [](CDeviceManager& array, const std::string& id) {
          LocalDisk::release(array, StorageObject::snapshot(id), host());
