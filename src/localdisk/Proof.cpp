@@ -160,6 +160,7 @@ private:
     /** What is missing at the map, and may come; "" when the map is right, or there is to be none. */
     std::string lackOfMap()
     {
+        m_map.reset();
         std::set<std::string> nodes;
         std::string outside;
         for (const disk::ScsiDisk& disk : disks()) {
