@@ -132,7 +132,7 @@ TEST_F(FindingADisk, NeverRenewsLunZero)
 
 TEST_F(FindingADisk, StopsAtADiskOfAnotherArrayWithItsWwn)
 {
-    platform.replyWith([this](const SentRequest&) {
+    platform.replyWith([](const SentRequest&) {
         return Reply::object(std::string(R"({"ID":"9","WWN":")") + WWN + "\"}");
     });
     add(KernelDisk());
