@@ -132,9 +132,8 @@ TEST_F(FindingADisk, NeverRenewsLunZero)
 
 TEST_F(FindingADisk, StopsAtADiskOfAnotherArrayWithItsWwn)
 {
-    platform.replyWith([](const SentRequest&) {
-        return Reply::object(std::string(R"({"ID":"9","WWN":")") + WWN + "\"}");
-    });
+    platform.replyWith(
+        [](const SentRequest&) { return Reply::object(std::string(R"({"ID":"9","WWN":")") + WWN + "\"}"); });
     add(KernelDisk());
     EXPECT_THAT(failure([&] {
                     manager->useConnection("127.0.0.1", 8088, "210123", "token", "cookie");
