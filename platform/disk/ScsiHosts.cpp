@@ -46,14 +46,18 @@ std::vector<ScsiHost> scsiHosts(const std::string& root)
         const std::string state = valueOf(folder + "/state");
         hosts.push_back({hostIn(targetOf(folder)), false,
                          plainInitiator(false, valueOf(folder + "/initiatorname")), state == "LOGGED_IN",
-                         session + " to " + valueOf(folder + "/targetname") + " is " + state});
+                         std::string(session)
+                             .append(" to ")
+                             .append(valueOf(folder + "/targetname"))
+                             .append(" is ")
+                             .append(state)});
     }
     for (const std::string& name : namesIn(root + FC_HOSTS)) {
         const std::string folder = std::string(root).append(FC_HOSTS).append(name);
         const std::string state = valueOf(folder + "/port_state");
         const std::string port = plainInitiator(true, valueOf(folder + "/port_name"));
         hosts.push_back({hostIn("/" + name), true, port, state == "Online",
-                         name + " with port " + port + " is " + state});
+                         std::string(name).append(" with port ").append(port).append(" is ").append(state)});
     }
     hosts.erase(
         std::remove_if(hosts.begin(), hosts.end(), [](const ScsiHost& host) { return host.number.empty(); }),

@@ -195,8 +195,9 @@ std::vector<std::string> openersOf(const std::vector<std::string>& nodes, const 
 {
     std::vector<std::string> openers;
     for (const std::string& process : namesIn(root + "/proc/")) {
-        const std::string folder = root + "/proc/" + process;
-        if (!isNumber(process) || isCaretaker(valueOf(folder + "/comm"))) {
+        const std::string folder = std::string(root).append("/proc/").append(process);
+        const std::string program = isNumber(process) ? valueOf(folder + "/comm") : std::string();
+        if (!isNumber(process) || isCaretaker(program)) {
             continue;
         }
         std::set<std::string> open;
@@ -205,8 +206,12 @@ std::vector<std::string> openersOf(const std::vector<std::string>& nodes, const 
         }
         for (const std::string& node : nodes) {
             if (open.count("/dev/" + node) != 0) {
-                openers.push_back(node + " is open in process " + process + " (" + valueOf(folder + "/comm") +
-                                  ")");
+                openers.push_back(std::string(node)
+                                      .append(" is open in process ")
+                                      .append(process)
+                                      .append(" (")
+                                      .append(program)
+                                      .append(")"));
             }
         }
     }

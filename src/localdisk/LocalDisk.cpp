@@ -337,7 +337,7 @@ void verifyDisk(CDeviceManager& manager, const StorageObject& volume, const std:
         for (const std::string& name : map ? map->paths : std::vector<std::string>{node}) {
             const std::string foreign = foreignPath(job, name);
             if (!foreign.empty()) {
-                job.fail(device + ": " + foreign);
+                job.fail(std::string(device).append(": ").append(foreign));
             }
             const std::optional<disk::ScsiDisk> path = disk::scsiDisk(name);
             if (path && path->isRunning()) {

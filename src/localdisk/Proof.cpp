@@ -281,7 +281,7 @@ std::string foreignPath(const DiskJob& job, const std::string& name)
         return disk->known.wwn == job.wwn ? ""
                                           : "/dev/" + name + " is " + disk->state + " and was another disk";
     }
-    const std::string difference = differenceOf(job, name);
+    std::string difference = differenceOf(job, name);
     if (!difference.empty() || !disk) {
         return difference;
     }

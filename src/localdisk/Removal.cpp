@@ -30,10 +30,9 @@ std::string writeBackWithin(const DiskJob& job, const std::function<std::string(
 /** The nodes on all these disks, each once, those at the bottom first. */
 std::vector<std::string> nodesOn(const std::vector<disk::ScsiDisk>& disks)
 {
-    std::vector<std::string> names;
-    for (const disk::ScsiDisk& disk : disks) {
-        names.push_back(disk.name);
-    }
+    std::vector<std::string> names(disks.size());
+    std::transform(disks.begin(), disks.end(), names.begin(),
+                   [](const disk::ScsiDisk& disk) { return disk.name; });
     for (const disk::ScsiDisk& disk : disks) {
         for (const disk::Node& node : disk::nodesOn(disk.name)) {
             if (std::find(names.begin(), names.end(), node.name) == names.end()) {
@@ -77,7 +76,8 @@ std::vector<std::string> usesOf(const std::vector<disk::ScsiDisk>& disks,
         const disk::Uses found = disk::usesBeyondMap(name);
         uses.insert(found.found.begin(), found.found.end());
         for (const std::string& reason : found.unknown) {
-            uses.insert("whether " + name + " is in use cannot be told, " + reason);
+            uses.insert(
+                std::string("whether ").append(name).append(" is in use cannot be told, ").append(reason));
         }
     };
     std::vector<std::string> names = nodesOn(disks);
@@ -149,7 +149,7 @@ std::string removeDisk(const DiskJob& job, const disk::ScsiDisk& disk,
 {
     // By its address: a name may have become another disk's.
     const std::string device = "/sys/class/scsi_device/" + disk.address + "/device";
-    const std::string refusal = isStill();
+    std::string refusal = isStill();
     if (!refusal.empty()) {
         return refusal;
     }
