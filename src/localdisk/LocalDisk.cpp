@@ -175,6 +175,19 @@ struct LocalDisk::State
 
     void attach()
     {
+        try {
+            attachOnce();
+        } catch (const OvraAPIException&) {
+            // The request to hide of a call that was killed may have reached the array after ours to show.
+            if (ensureVisible(*job.manager, job.volume, initiator, job.options.access).wasVisible) {
+                throw;
+            }
+            attachOnce();
+        }
+    }
+
+    void attachOnce()
+    {
         const AccessResult access = ensureVisible(*job.manager, job.volume, initiator, job.options.access);
         hostID = access.hostID;
         const Ways ways = waysOf(job, initiator, hostID);
