@@ -1,5 +1,5 @@
 #include "frame/Context.h"
-#include "session/Reach.h"
+#include "session/Advice.h"
 
 #include <array>
 #include <chrono>
@@ -40,10 +40,10 @@ void tellSteps(Context& context, const std::string& array, const std::vector<Ste
 
 Failure refused(const ArrayAddress& array, const std::string& what)
 {
-    const Reach reach = tryReach(array);
-    return Failure(reach.reached ? "the array did not accept the " + what +
-                                       "; its words are in the run log in " + logDirectory()
-                                 : reach.advice);
+    const auto failure = ovra::tessel::lastFailure();
+    const std::string advice = transportAdvice(failure, array.text());
+    return Failure(!advice.empty() ? advice
+                                   : "the array did not accept the " + what + ": " + refusalOf(failure));
 }
 
 void ping(Context& context)

@@ -6,6 +6,7 @@
 #include "disk/Initiator.h"
 #include "frame/Outcome.h"
 #include "objects/Existence.h"
+#include "session/Advice.h"
 
 namespace tesselctl {
 namespace {
@@ -86,7 +87,7 @@ void throwUnchanged(Context& context, const Attachable& object, const std::strin
                     const std::string& initiator, const OvraAPIException& error, const std::string& what,
                     const std::string& advice)
 {
-    if (isTransportFailure(error)) {
+    if (isTransportFailure(ovra::tessel::failureOf(error))) {
         throw;
     }
     patiently([&] { return object.wwn(context.session(), id); }); // tells an unknown ID apart

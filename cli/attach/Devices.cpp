@@ -4,7 +4,7 @@
 #include "disk/HostFiles.h"
 #include "disk/LocalDisks.h"
 #include "output/Progress.h"
-#include "session/Reach.h"
+#include "session/Advice.h"
 #include "text/Words.h"
 
 #include <cstdlib>

@@ -2,7 +2,7 @@
 
 #include "disk/HostFiles.h"
 #include "frame/Outcome.h"
-#include "session/Reach.h"
+#include "session/Advice.h"
 #include "session/Secret.h"
 
 #include <ovra/log/LogAPI.h>
@@ -68,20 +68,26 @@ Findings checkArray(Context& context)
         return {};
     }
     const ArrayAddress address = parseArrayAddress("--array", array);
-    const Reach reach = tryReach(address);
-    if (!reach.reached) {
-        return {{Verdict::FAILURE, "array " + address.text(), "not reached", reach.advice}};
-    }
-    Findings findings = {{Verdict::OK, "array " + address.text(), "reached and trusted", ""}};
+    const std::string name = "array " + address.text();
+    ovra::tessel::clearFailure();
+    Finding session = {Verdict::OK, "session", "open", ""};
     try {
-        const bool alive = context.session().keepAlive();
-        findings.push_back({alive ? Verdict::OK : Verdict::FAILURE, "session",
-                            alive ? "open" : "the keep-alive failed",
-                            alive ? "" : "see the run log in " + logDirectory()});
+        if (!context.session().keepAlive()) {
+            session = {Verdict::FAILURE, "session", "the keep-alive failed",
+                       "see the run log in " + logDirectory()};
+        }
     } catch (const std::exception& error) {
-        findings.push_back({Verdict::FAILURE, "session", "none", outcomeOf(error).message});
+        session = {Verdict::FAILURE, "session", "none", outcomeOf(error).message};
     }
-    return findings;
+    const auto failure = ovra::tessel::lastFailure();
+    const std::string advice = transportAdvice(failure, address.text());
+    if (!advice.empty()) {
+        return {{Verdict::FAILURE, name, "not reached", advice}};
+    }
+    if (session.verdict != Verdict::OK && !failure) {
+        return {session}; // nothing was sent
+    }
+    return {{Verdict::OK, name, "reached and trusted", ""}, session};
 }
 
 } // namespace tesselctl

@@ -3,7 +3,7 @@
 #include "frame/Context.h"
 #include "frame/Outcome.h"
 #include "frame/Parser.h"
-#include "session/Reach.h"
+#include "session/Advice.h"
 #include "text/Words.h"
 
 #include <algorithm>
@@ -49,15 +49,6 @@ void checkOneOf(const Command& command, const Values& values)
     throw UsageError((names.size() == 1 ? "give " : "give one of ") + list);
 }
 
-/** The SDK tells no more than that it failed; a look at the array may tell why. */
-void tellUnreached(const ArrayAddress& array)
-{
-    const Reach reach = tryReach(array);
-    if (!reach.reached) {
-        throw Failure(reach.advice);
-    }
-}
-
 void requireOutput()
 {
     const bool isClosed = fcntl(STDOUT_FILENO, F_GETFD) < 0;
@@ -83,9 +74,9 @@ int endUnread()
 /** No code is known that every array gives for a request whose session is over; its keep-alive tells. */
 void tellSessionOver(Session& session, const OvraAPIExceptionWithErrCode& error)
 {
+    const std::string message = outcomeOf(error).message; // the keep-alive has a failure of its own
     if (!session.keepAlive()) {
-        throw Failure(outcomeOf(error).message +
-                          "; the keep-alive fails too: if the session is over, log in again",
+        throw Failure(message + "; the keep-alive fails too: if the session is over, log in again",
                       ExitCode::ARRAY_ERROR, error.getErrCode());
     }
 }
@@ -117,8 +108,10 @@ ExitCode runCommand(const Parser& parser, Printer& printer)
         tellSessionOver(context.session(), error);
         throw;
     } catch (const OvraAPIException& error) {
-        if (isTransportFailure(error)) {
-            tellUnreached(context.session().address());
+        const std::string advice =
+            transportAdvice(ovra::tessel::failureOf(error), context.session().address().text());
+        if (!advice.empty()) {
+            throw Failure(advice);
         }
         throw;
     }

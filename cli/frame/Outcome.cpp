@@ -1,82 +1,52 @@
 #include "frame/Outcome.h"
 
-#include "session/Reach.h"
+#include "session/Advice.h"
 
 #include <tessel/Exception.h>
-
-#include <string_view>
 
 namespace tesselctl {
 namespace {
 
-constexpr std::string_view FRAME = "Exception:";
-constexpr std::string_view TRANSPORT_FAILURE = "url error or internet error ";
-constexpr std::string_view DESCRIPTION_MARK = ", description:";
+using ovra::tessel::FailureKind;
+using SdkFailure = ovra::tessel::Failure;
 
-std::string withoutFrame(const std::string& text)
+/** The message without the name of the operation behind it. */
+std::string withoutOperation(const SdkFailure& failure)
 {
-    return text.compare(0, FRAME.size(), FRAME) == 0 ? text.substr(FRAME.size()) : text;
-}
-
-/** Splits "what happened operationName". */
-std::pair<std::string, std::string> splitOperation(const std::string& text)
-{
-    const size_t blank = text.rfind(' ');
-    if (blank == std::string::npos) {
-        return {text, ""};
+    std::string text = failure.message;
+    const size_t name = text.rfind(failure.operation);
+    if (name != std::string::npos && name + failure.operation.size() == text.size()) {
+        text.resize(name);
     }
-    std::string what = text.substr(0, blank);
-    what.erase(what.find_last_not_of(' ') + 1);
-    return {what, text.substr(blank + 1)};
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
 }
 
-Outcome errorAnswer(const OvraAPIExceptionWithErrCode& error)
+Outcome sdkOutcome(const SdkFailure& failure)
 {
-    auto [what, operation] = splitOperation(withoutFrame(error.what()));
-    const size_t mark = what.find(DESCRIPTION_MARK);
-    if (mark != std::string::npos) {
-        what = what.substr(mark + DESCRIPTION_MARK.size());
-    }
-    what.erase(what.find_last_not_of(". ") + 1);
     Outcome outcome;
-    outcome.hasArrayCode = true;
-    outcome.arrayCode = error.getErrCode();
-    outcome.exitCode = ExitCode::ARRAY_ERROR;
-    outcome.message = (what.empty() ? "no description" : what) + " (error code " +
-                      std::to_string(outcome.arrayCode) + " of the array, " + operation + ")";
-    return outcome;
-}
-
-Outcome sdkFailure(const OvraAPIException& error)
-{
-    const std::string text = withoutFrame(error.what());
-    const auto [what, operation] = splitOperation(text);
-    Outcome outcome;
-    outcome.message = what + " (" + operation + "); see the run log in " + logDirectory();
-    if (isTransportFailure(error)) {
+    outcome.hasArrayCode = failure.kind == FailureKind::REFUSED && failure.code != 0;
+    if (outcome.hasArrayCode) {
+        outcome.arrayCode = failure.code;
+        outcome.exitCode = ExitCode::ARRAY_ERROR;
+        outcome.message = refusalOf(failure);
+    } else if (isTransportFailure(failure)) {
+        outcome.message = "the array did not answer " + failure.operation + " in a way that can be read" +
+                          (failure.transport.empty() ? "" : ": " + failure.transport) +
+                          "; try 'tesselctl doctor --array ...', and see the run log in " + logDirectory();
+    } else {
         outcome.message =
-            "the array did not answer " + operation +
-            ", or not in a way that can be read; try 'tesselctl doctor --array ...', and see the run "
-            "log in " +
-            logDirectory();
+            withoutOperation(failure) + " (" + failure.operation + "); see the run log in " + logDirectory();
     }
     return outcome;
 }
 
 } // namespace
 
-bool isTransportFailure(const std::exception& error)
-{
-    return withoutFrame(error.what()).compare(0, TRANSPORT_FAILURE.size(), TRANSPORT_FAILURE) == 0;
-}
-
 Outcome outcomeOf(const std::exception& error)
 {
-    if (const auto* answer = dynamic_cast<const OvraAPIExceptionWithErrCode*>(&error)) {
-        return errorAnswer(*answer);
-    }
     if (const auto* sdk = dynamic_cast<const OvraAPIException*>(&error)) {
-        return sdkFailure(*sdk);
+        return sdkOutcome(ovra::tessel::failureOf(*sdk));
     }
     Outcome outcome;
     outcome.message = error.what();

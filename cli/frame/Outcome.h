@@ -27,9 +27,6 @@ Outcome outcomeOf(const std::exception& error);
 /** Prints the outcome and returns the exit code of the process. */
 int tell(Printer& printer, const std::exception& error);
 
-/** Whether the SDK got no answer, or none that can be read. */
-bool isTransportFailure(const std::exception& error);
-
 } // namespace tesselctl
 
 #endif

@@ -7,7 +7,7 @@
 #include "localdisk/DiskJson.h"
 #include "objects/Existence.h"
 #include "output/Progress.h"
-#include "session/Reach.h"
+#include "session/Advice.h"
 #include "text/Display.h"
 #include "text/Numbers.h"
 
@@ -163,7 +163,7 @@ private:
 
     [[noreturn]] void throwRefused(const OvraAPIException& error)
     {
-        if (isTransportFailure(error)) {
+        if (isTransportFailure(ovra::tessel::failureOf(error))) {
             throw;
         }
         patiently([&] { requireThere(m_context.session(), {m_object.title, m_id}); });

@@ -1,6 +1,6 @@
 #include "objects/Membership.h"
 
-#include "session/Reach.h"
+#include "session/Advice.h"
 
 namespace tesselctl {
 namespace {

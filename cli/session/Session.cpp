@@ -1,7 +1,7 @@
 #include "session/Session.h"
 
 #include "kernel/Failure.h"
-#include "session/Reach.h"
+#include "session/Advice.h"
 #include "session/Secret.h"
 
 #include <chrono>
@@ -23,6 +23,22 @@ std::string secret(const Values& values, const char* fileOption, const char* var
 {
     return values.has(fileOption) ? secretFromFile(fileOption, values.text(fileOption))
                                   : environment(variable);
+}
+
+/** Which of the two it is, user name or session table, only the array's own words tell. */
+Failure loginFailure(const std::string& array, const std::string& user)
+{
+    const auto failure = ovra::tessel::lastFailure();
+    const std::string advice = transportAdvice(failure, array);
+    if (!advice.empty()) {
+        return Failure(advice);
+    }
+    const bool isRefused = failure.code != 0;
+    return Failure("the array " + array +
+                       (isRefused ? " refused the login of " : " did not open a session for ") + user + ": " +
+                       (isRefused ? refusalOf(failure) : failure.message) + "; see also the run log, " +
+                       logDirectory(),
+                   ExitCode::FAILURE, failure.code);
 }
 
 } // namespace
@@ -64,12 +80,7 @@ void Session::logIn(const Values& values)
     const std::lock_guard<std::timed_mutex> lock(m_change);
     const USERTYPE scope = values.text("--scope") == "domain" ? USERTYPE_DOMAIN : USERTYPE_LOCAL;
     if (!m_manager->loginDevice(m_address.ip, m_address.port, user, password, scope)) {
-        const Reach reach = tryReach(m_address);
-        throw Failure(reach.reached
-                          ? "the array " + m_address.text() + " refused the login of " + user +
-                                ": check user name, password and --scope; its words are in the run log, " +
-                                logDirectory()
-                          : reach.advice);
+        throw loginFailure(m_address.text(), user);
     }
     m_open = true;
 }

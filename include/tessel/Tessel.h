@@ -14,6 +14,7 @@
 #include <tessel/FCInitiator.h>
 #include <tessel/FCPort.h>
 #include <tessel/FCoEPort.h>
+#include <tessel/Failure.h>
 #include <tessel/Fields.h>
 #include <tessel/Host.h>
 #include <tessel/HostGroup.h>

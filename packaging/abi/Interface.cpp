@@ -46,10 +46,12 @@ template void layoutOf(const ETHPortQuery&);
 template void layoutOf(const OvraAPIException&);
 template void layoutOf(const OvraAPIExceptionWithErrCode&);
 template void layoutOf(const RecordField&);
+template void layoutOf(const ovra::tessel::Failure&);
 
 template void layoutOf(const HANDLERTYPE&);
 template void layoutOf(const MOType&);
 template void layoutOf(const USERTYPE&);
+template void layoutOf(const ovra::tessel::ArrayCode&);
 
 template std::vector<RecordField> fieldsOfRecord(const LunMO&);
 template std::vector<RecordField> fieldsOfRecord(const LunGroupMO&);

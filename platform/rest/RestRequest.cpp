@@ -1,6 +1,7 @@
 #include <ovra/rest/RestRequest.h>
 #include <ovra/threads/NoCancellation.h>
 
+#include "FailureNote.h"
 #include "JsonBody.h"
 #include "RequestTarget.h"
 #include "ResponseImpl.h"
@@ -52,9 +53,13 @@ int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer
         return result;
     }
     if (countValues(transfer.body()) > MOST_VALUES) {
+        failureNote().phase = REST_SENT;
         return REST_ANSWER_TOO_LARGE;
     }
     answer = parseAnswer(transfer.body());
+    if (!answer) {
+        noteUnreadable(transfer.status());
+    }
     return answer ? REST_OK : REST_ANSWER_UNREADABLE;
 }
 
@@ -72,19 +77,25 @@ const char* headerName(HTTP_HEADER_E header)
 }
 
 /// Runs one way of sending; only a lack of memory is an exception to the caller.
+/// @param send gets a place for the server's name, once it is known.
 template <class Send>
 int guarded(std::vector<std::string>& headers, std::optional<Answer>& answer, Send send)
 {
     const ovra::NoCancellation whole;
+    std::optional<ServerAddress> server;
+    int result = REST_INTERNAL_ERROR;
+    failureNote() = RestFailure{};
     answer.reset();
     headers.clear();
     try {
-        return send();
+        result = send(server);
     } catch (const std::bad_alloc&) {
+        noteResult(result, server);
         throw;
-    } catch (...) {
-        return REST_INTERNAL_ERROR;
+    } catch (...) { // told as a failure on this side
     }
+    noteResult(result, server);
+    return result;
 }
 
 } // namespace
@@ -124,7 +135,7 @@ int RestRequest::SendRequest(const unsigned int& sessionKey, const std::string& 
                              std::vector<std::string>& headers, bool)
 {
     std::optional<Answer>& answer = response.m_impl->answer;
-    return guarded(headers, answer, [&]() -> int {
+    return guarded(headers, answer, [&](std::optional<ServerAddress>& server) -> int {
         const std::shared_ptr<const Session> session = SessionRegistry::instance().find(sessionKey);
         if (!session) {
             return REST_NO_SESSION;
@@ -133,7 +144,7 @@ int RestRequest::SendRequest(const unsigned int& sessionKey, const std::string& 
             return REST_BAD_REQUEST;
         }
         HttpRequest request;
-        const auto server = ServerAddress::fromHostAndPort(session->ip, session->port);
+        server = ServerAddress::fromHostAndPort(session->ip, session->port);
         if (!m_impl->build(request, server, "/deviceManager/rest/" + session->deviceId + url, mode)) {
             return REST_BAD_REQUEST;
         }
@@ -148,9 +159,10 @@ int RestRequest::SendRequest(const std::string& url, const REST_REQUEST_MODE_E& 
                              std::vector<std::string>& headers, bool)
 {
     std::optional<Answer>& answer = response.m_impl->answer;
-    return guarded(headers, answer, [&]() -> int {
+    return guarded(headers, answer, [&](std::optional<ServerAddress>& server) -> int {
         HttpRequest request;
-        if (!m_impl->build(request, ServerAddress::fromUrl(m_impl->serverUrl), url, mode)) {
+        server = ServerAddress::fromUrl(m_impl->serverUrl);
+        if (!m_impl->build(request, server, url, mode)) {
             return REST_BAD_REQUEST;
         }
         return m_impl->exchange(request, answer, headers);

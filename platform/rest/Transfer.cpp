@@ -1,5 +1,6 @@
 #include "Transfer.h"
 
+#include "FailureNote.h"
 #include "SigpipeGuard.h"
 #include "TransferOptions.h"
 
@@ -60,7 +61,11 @@ CURLcode Transfer::attempt(Reuse reuse)
     long newConnections = 0;
     curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
     m_reused = m_sendings > 1 || newConnections == 0;
+    curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &m_status);
     curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection.socket);
+    if (code != CURLE_OK) {
+        noteTransfer(handle, code, m_sendings > 0, m_error.data(), m_settings);
+    }
     forgetRequest(handle);
     if (code == CURLE_OK) {
         ConnectionPool::instance().giveBack(std::move(connection));
@@ -74,10 +79,13 @@ void Transfer::forgetAnswer()
     m_body.clear();
     m_headerBytes = 0;
     m_sendings = 0;
+    m_error.front() = '\0';
+    failureNote() = RestFailure{};
 }
 
 void Transfer::setCallbacks(CURL* handle)
 {
+    setOption(handle, CURLOPT_ERRORBUFFER, m_error.data());
     setOption(handle, CURLOPT_PREREQFUNCTION, &Transfer::beforeRequest);
     setOption(handle, CURLOPT_PREREQDATA, static_cast<void*>(this));
     setOption(handle, CURLOPT_HEADERFUNCTION, &Transfer::receiveHeader);
@@ -110,7 +118,7 @@ int Transfer::resultOf(CURLcode code) const
         return CURLE_GOT_NOTHING; // what happened before libcurl wanted to send again
     }
     if (code == CURLE_UNSUPPORTED_PROTOCOL || code == CURLE_URL_MALFORMAT) {
-        return REST_BAD_REQUEST;
+        return m_sendings == 0 ? REST_BAD_REQUEST : REST_ANSWER_UNREADABLE; // the latter is no HTTP/1
     }
     return code > 99 ? static_cast<int>(REST_INTERNAL_ERROR) : static_cast<int>(code);
 }

@@ -8,6 +8,7 @@
 #include <ovra/rest/RestSettings.h>
 #include <ovra/text/Secret.h>
 
+#include <array>
 #include <chrono>
 
 namespace ovra::rest {
@@ -29,6 +30,8 @@ public:
 
     const SecretText& body() const { return m_body; }
     HeaderLines& headers() { return m_headers; }
+    /** The HTTP status of the answer. */
+    long status() const { return m_status; }
 
 private:
     enum class Reuse
@@ -53,6 +56,8 @@ private:
 
     HeaderLines m_headers;
     SecretText m_body;
+    std::array<char, CURL_ERROR_SIZE> m_error{}; ///< libcurl's words for a failure
+    long m_status = 0;
     size_t m_headerBytes = 0;
     unsigned m_sendings = 0; ///< how often libcurl wanted to send the request in this attempt
     bool m_reused = false;   ///< the attempt began on a connection that had served a request before

@@ -96,6 +96,7 @@ void forgetRequest(CURL* handle)
 {
     setOption(handle, CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
     setOption(handle, CURLOPT_POSTFIELDS, static_cast<const char*>(nullptr));
+    setOption(handle, CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
 }
 
 void setTrust(CURL* handle, const RestSettings& settings)

@@ -9,7 +9,7 @@ using namespace ovra::tessel;
 
 namespace {
 
-constexpr Absorbed ADDING = {{1077937501}, // it is a member already
+constexpr Absorbed ADDING = {{ARRAY_ALREADY_IN_HOST_GROUP},
                              "the host was already in the host group, ignore it. ",
                              "addHostToHostGroup exception. ",
                              "add host to host group failed. "};
@@ -27,7 +27,7 @@ HostGroupMO CHostGroupHandlerImpl::createHostGroup(HostGroupMO& hostGroup)
         op.addIfSet("DESCRIPTION", hostGroup.DESCRIPTION);
         op.addIfSet("ID", hostGroup.ID); // docs/oddities.md#id-last
         const std::string id = op.post("/hostgroup").id();
-        return retryWhile({NOT_YET_READABLE}, "retry get host group!", [&] { return getHostGroup(id); });
+        return retryWhile({ARRAY_NOT_READY}, "retry get host group!", [&] { return getHostGroup(id); });
     });
 }
 

@@ -25,7 +25,7 @@ HostMO CHostHandlerImpl::createHost(HostMO& host)
         op.addIfSet("DESCRIPTION", host.DESCRIPTION);
         op.addIfSet("IP", host.IP);
         const std::string id = op.post("/host").id();
-        return retryWhile({NOT_YET_READABLE}, "retry get host!", [&] { return getHost(id); });
+        return retryWhile({ARRAY_NOT_READY}, "retry get host!", [&] { return getHost(id); });
     });
 }
 

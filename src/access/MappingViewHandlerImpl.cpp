@@ -16,7 +16,7 @@ MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingV
         op.add("ENABLEINBANDCOMMAND", mappingView.ENABLEINBANDCOMMAND != 0);
         op.addIfSet("DESCRIPTION", mappingView.DESCRIPTION);
         const std::string id = op.post("/mappingview").id();
-        return retryWhile({NOT_YET_READABLE}, "retry get mapping view!", [&] { return getMappingView(id); });
+        return retryWhile({ARRAY_NOT_READY}, "retry get mapping view!", [&] { return getMappingView(id); });
     });
 }
 

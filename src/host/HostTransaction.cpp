@@ -1,4 +1,5 @@
 #include "host/KxRescanLock.h"
+#include "session/LastFailure.h"
 #include "session/Log.h"
 
 #include <tessel/Exception.h>
@@ -38,7 +39,7 @@ int tryFor(int semId, long seconds)
 
 [[noreturn]] void refuse(const std::string& reason)
 {
-    throw OvraAPIException("no rescan lock: " + reason + "! HostTransaction");
+    throw notedFailure(FailureKind::HOST, "no rescan lock: " + reason + "! HostTransaction", true);
 }
 
 /** Once: where the semaphore has the ID 0 every making frees it. */
@@ -69,6 +70,7 @@ bool isHeldElsewhere()
 
 HostTransaction::HostTransaction(unsigned seconds)
 {
+    const Call call;
     if (t_isHeld) {
         refuse("this thread has it already, in another HostTransaction");
     }

@@ -40,6 +40,7 @@ inline bool endIfInterrupted(Operation& op)
     COMMLOG(OS_LOG_ERROR, "A command of the host was ended by signal %d: the steps after it are not run.",
             lastScanSignal());
     op.close(RESULT_BAD_ARGUMENT);
+    op.keep("A command of the host was ended by signal " + std::to_string(lastScanSignal()), true);
     return true;
 }
 
@@ -63,8 +64,10 @@ std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std:
         if (!path) {
             COMMLOG(OS_LOG_ERROR, "Get Lock Failed");
             op.close(RESULT_BAD_ARGUMENT);
+            op.keep("Get Lock Failed");
         } else if (path->empty()) {
             COMMLOG(OS_LOG_WARN, "%s", Kind::NOT_FOUND);
+            op.keep(Kind::NOT_FOUND, true);
         }
         return path.value_or(std::string());
     });
@@ -91,6 +94,7 @@ void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const 
         if (!endIfInterrupted(op) && !listed) {
             op.close(RESULT_BAD_ARGUMENT);
             COMMLOG(OS_LOG_ERROR, "lsscsi command is not enable!");
+            op.keep("lsscsi command is not enable!");
         }
     });
 }

@@ -1,4 +1,5 @@
 #include "job/Showing.h"
+#include "session/LastFailure.h"
 
 #include <tessel/Access.h>
 
@@ -8,13 +9,13 @@ namespace {
 void checkArguments(const StorageObject& object, const HostInitiator& initiator, const std::string& operation)
 {
     if (object.type != MO_LUN && object.type != MO_SNAPSHOT) {
-        throw OvraAPIException("the object is no LUN and no snapshot! " + operation);
+        throw notedFailure(FailureKind::ARGUMENT, "the object is no LUN and no snapshot! " + operation);
     }
     if (object.id.empty()) {
-        throw OvraAPIException("the ID of the object is empty! " + operation);
+        throw notedFailure(FailureKind::ARGUMENT, "the ID of the object is empty! " + operation);
     }
     if (initiator.id.empty()) {
-        throw OvraAPIException("the ID of the initiator is empty! " + operation);
+        throw notedFailure(FailureKind::ARGUMENT, "the ID of the initiator is empty! " + operation);
     }
 }
 
@@ -44,13 +45,15 @@ void takeOut(const AccessMap& map, const StorageObject& object, const LunGroupMO
 AccessResult ensureVisible(CDeviceManager& manager, const StorageObject& object,
                            const HostInitiator& initiator, const AccessOptions& options)
 {
-    checkArguments(object, initiator, "ensureVisible");
-    const AccessMap map(manager, object, initiator, options);
-    return Showing(map, object, initiator, options).run();
+    return calling(FailureKind::REFUSED, [&] {
+        checkArguments(object, initiator, "ensureVisible");
+        const AccessMap map(manager, object, initiator, options);
+        return Showing(map, object, initiator, options).run();
+    });
 }
 
-AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
-                          const HostInitiator& initiator, const AccessOptions& options)
+static AccessResult hide(CDeviceManager& manager, const StorageObject& object, const HostInitiator& initiator,
+                         const AccessOptions& options)
 {
     checkArguments(object, initiator, "ensureHidden");
     const AccessMap map(manager, object, initiator, options);
@@ -88,6 +91,12 @@ AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
     }
     result.isVisible = map.isVisible(result.hostID);
     return result;
+}
+
+AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
+                          const HostInitiator& initiator, const AccessOptions& options)
+{
+    return calling(FailureKind::REFUSED, [&] { return hide(manager, object, initiator, options); });
 }
 
 } // namespace ovra::tessel

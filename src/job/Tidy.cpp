@@ -1,5 +1,6 @@
 #include "job/TidyPlan.h"
 #include "job/Tries.h"
+#include "session/LastFailure.h"
 
 #include <tessel/Array.h>
 
@@ -193,7 +194,7 @@ private:
 TidyResult tidy(CDeviceManager& manager, const std::string& hostID, const TidyOptions& options,
                 const std::function<bool(const TidyFinding&)>& tell)
 {
-    return Tidying(manager, hostID, options, tell).run();
+    return calling(FailureKind::REFUSED, [&] { return Tidying(manager, hostID, options, tell).run(); });
 }
 
 } // namespace ovra::tessel

@@ -1,5 +1,7 @@
 #include "job/Tries.h"
 
+#include <tessel/Failure.h>
+
 #include <algorithm>
 #include <random>
 #include <thread>
@@ -7,9 +9,6 @@
 
 namespace ovra::tessel {
 namespace {
-
-constexpr int NOT_YET_READABLE = 1077949006;
-constexpr int LUN_GROUP_NOT_YET_READABLE = 1077949001;
 
 /** Between half of a pause and all of it; other processes, forked ones too, draw another one. */
 std::chrono::milliseconds spread(std::chrono::milliseconds pause)
@@ -38,7 +37,7 @@ bool Tries::another()
 
 bool isBusy(const OvraAPIExceptionWithErrCode& error)
 {
-    return error.getErrCode() == NOT_YET_READABLE || error.getErrCode() == LUN_GROUP_NOT_YET_READABLE;
+    return error.getErrCode() == ARRAY_NOT_READY || error.getErrCode() == ARRAY_LUN_GROUP_NOT_READY;
 }
 
 } // namespace ovra::tessel

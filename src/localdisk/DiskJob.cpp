@@ -1,6 +1,7 @@
 #include "localdisk/DiskJob.h"
 
 #include "job/Tries.h"
+#include "session/LastFailure.h"
 #include "storage/DiskKinds.h"
 
 #include <ovra/disk/Names.h>
@@ -41,10 +42,10 @@ DiskJob::DiskJob(CDeviceManager& array, const StorageObject& object, const Local
     : manager(&array), volume(object), options(chosen)
 {
     if (volume.type != MO_LUN && volume.type != MO_SNAPSHOT) {
-        throw OvraAPIException("the object is no LUN and no snapshot! LocalDisk");
+        throw notedFailure(FailureKind::ARGUMENT, "the object is no LUN and no snapshot! LocalDisk");
     }
     if (volume.id.empty()) {
-        throw OvraAPIException("the ID of the object is empty! LocalDisk");
+        throw notedFailure(FailureKind::ARGUMENT, "the ID of the object is empty! LocalDisk");
     }
     read();
 }

@@ -1,6 +1,7 @@
 #ifndef SESSION_ABSORB_H
 #define SESSION_ABSORB_H
 
+#include "session/LastFailure.h"
 #include "session/Log.h"
 
 #include <tessel/Exception.h>
@@ -31,8 +32,12 @@ void absorb(const Absorbed& texts, const std::string& callerName, Exchange excha
         const bool harmless =
             std::find(std::begin(codes), std::end(codes), e.getErrCode()) != std::end(codes);
         warn(harmless ? texts.harmlessText : texts.errorAnswer);
+        if (!harmless) {
+            keepFailure();
+        }
     } catch (const std::exception&) {
         warn(texts.otherwise);
+        keepFailure();
     }
 }
 

@@ -25,6 +25,9 @@ struct Frame
     /** Takes the start time ahead of the enter line in place of behind it. */
     Frame timedFirst() const;
 
+    /** The operation as its caller knows it. */
+    std::string name() const { return !errors.empty() ? errors : record.empty() ? "keepAlive" : record; }
+
     /** What is said of an answer that tells an error. */
     std::string refusal(int code, const std::string& description) const;
 

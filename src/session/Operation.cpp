@@ -53,17 +53,20 @@ void Operation::addMember(const std::string& groupId, MOType type, const std::st
     add("ASSOCIATEOBJID", id);
 }
 
-OvraAPIException Operation::failure(int result, const std::string& message)
+OvraAPIException Operation::failure(int result, const std::string& message) const
 {
     COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
     t_failure = result;
+    noteResult(result, m_frame.name(), message);
     return OvraAPIException(message);
 }
 
-void Operation::require(bool holds, const char* text, int result)
+void Operation::require(bool holds, const char* text, FailureKind kind)
 {
     if (!holds) {
-        throw failure(result, text + m_frame.errors);
+        const OvraAPIException refused = failure(RESULT_BAD_ARGUMENT, text + m_frame.errors);
+        noteKind(kind);
+        throw refused;
     }
 }
 
@@ -85,9 +88,11 @@ void Operation::requireReadable(bool holds)
     }
 }
 
-void Operation::refuse(const std::string& description, int result)
+void Operation::refuse(const std::string& description, int result, FailureKind kind)
 {
-    throw failure(result, m_frame.refusal(result, description));
+    const OvraAPIException refused = failure(result, m_frame.refusal(result, description));
+    noteKind(kind);
+    throw refused;
 }
 
 void Operation::expect(bool holds, const char* text)
@@ -107,7 +112,15 @@ void Operation::close(int result)
 void Operation::close(const char* text, int result)
 {
     COMMLOG(OS_LOG_ERROR, "%s%s", text, m_frame.errors.c_str());
+    notedFailure(FailureKind::ARGUMENT, text + m_frame.errors);
+    keepFailure();
     close(result);
+}
+
+void Operation::keep(const std::string& reason, bool canTryAgain)
+{
+    notedFailure(FailureKind::HOST, reason + " " + m_frame.errors, canTryAgain);
+    keepFailure();
 }
 
 bool Operation::closeUnless(bool holds, const char* text)
@@ -133,6 +146,7 @@ Answer Operation::checked(Answer answer)
     if (code != 0) {
         const std::string message = m_frame.refusal(code, description);
         COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
+        noteRefusal(code, description, m_frame.name(), message);
         throw OvraAPIExceptionWithErrCode(code, message);
     }
     return answer;
@@ -166,9 +180,11 @@ void Operation::failed()
     try {
         throw;
     } catch (const OvraAPIExceptionWithErrCode& e) {
+        noteThrown(e, FailureKind::REFUSED);
         record(e.getErrCode());
         throw;
-    } catch (const OvraAPIException&) {
+    } catch (const OvraAPIException& e) {
+        noteThrown(e, FailureKind::HOST);
         record(t_failure != RESULT_SUCCESS ? t_failure : RESULT_BAD_ARGUMENT);
         throw;
     } catch (const abi::__forced_unwind&) {

@@ -4,6 +4,7 @@
 #include "session/Answer.h"
 #include "session/Frame.h"
 #include "session/InterfaceRecord.h"
+#include "session/LastFailure.h"
 #include "session/Log.h"
 #include "session/Url.h"
 
@@ -58,7 +59,7 @@ public:
     }
 
     /** Ends the operation with the text and its name unless the condition holds; texts end in a blank. */
-    void require(bool holds, const char* text, int result = RESULT_BAD_ARGUMENT);
+    void require(bool holds, const char* text, FailureKind kind = FailureKind::ARGUMENT);
     /** The same for an ID, which is not empty, nor "." or "..": a server takes these for another path. */
     void requireId(const std::string& id, const char* textIfEmpty);
     /** As require, but only says so, with a record of its own: docs/oddities.md#two-records */
@@ -66,12 +67,14 @@ public:
     /** Ends the operation as one that got no answer unless the answer holds what it must. */
     void requireReadable(bool holds);
     /** Ends the operation as one that the array refused, with a description and a result of our own. */
-    [[noreturn]] void refuse(const std::string& description, int result);
+    [[noreturn]] void refuse(const std::string& description, int result, FailureKind kind);
 
     /** Writes the record now; the operation goes on, without a leave line. */
     void close(int result);
     /** Says why, as an error, and closes. */
     void close(const char* text, int result);
+    /** The call returns, and its caller is to know why it has nothing: a failure of this host. */
+    void keep(const std::string& reason, bool canTryAgain = false);
     /** Says why and closes as an argument error unless the condition holds; true when it did. */
     bool closeUnless(bool holds, const char* text);
 
@@ -114,11 +117,12 @@ private:
     Answer send(REST_REQUEST_MODE_E mode, const std::string& url);
     void requireOneCondition(const std::string& value);
     /** Says what ended the operation; for the caller to throw. */
-    static OvraAPIException failure(int result, const std::string& message);
+    OvraAPIException failure(int result, const std::string& message) const;
     void record(int result) const;
     void succeeded();
     [[noreturn]] void failed();
 
+    const Call m_call;
     const Frame& m_frame;
     CDeviceManagerImpl* m_deviceManager;
     InterfaceRecord m_record;

@@ -1,6 +1,7 @@
 #ifndef SESSION_RETRY_H
 #define SESSION_RETRY_H
 
+#include "session/LastFailure.h"
 #include "session/Log.h"
 
 #include <tessel/Exception.h>
@@ -17,10 +18,6 @@ extern unsigned int gRetrySleepTimeMicroSeconds;
 
 namespace ovra::tessel {
 
-/** The array's answers while a new object is not yet readable, or a LUN group is busy. */
-constexpr int NOT_YET_READABLE = 1077949006;
-constexpr int LUNGROUP_BUSY = 1077949001;
-
 /**
  * Calls until it succeeds, at most gRetryTimes times more, as long as the array answers with one of the
  * codes. Any other error of the array, or the last of these, ends it quietly
@@ -34,6 +31,7 @@ auto retryWhile(std::initializer_list<int> codes, const char* retryLine, Call ca
             return call();
         } catch (const OvraAPIExceptionWithErrCode& e) {
             if (left == 0 || std::find(codes.begin(), codes.end(), e.getErrCode()) == codes.end()) {
+                keepFailure();
                 return decltype(call())();
             }
         }

@@ -128,13 +128,13 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
         const std::string deviceId = answer[0]["deviceid"].asString();
         const std::string token = answer[0]["iBaseToken"].asString(); // docs/oddities.md#ibasetoken
         const std::string cookie = findCookie(answer.headers());
-        op.require(!cookie.empty(), "Get cookie Err");
+        op.require(!cookie.empty(), "Get cookie Err", FailureKind::UNREADABLE_ANSWER);
         if (!isUsable(deviceId) || token.empty()) {
-            op.refuse(NO_SESSION_IN_ANSWER, REST_ANSWER_UNREADABLE);
+            op.refuse(NO_SESSION_IN_ANSWER, REST_ANSWER_UNREADABLE, FailureKind::UNREADABLE_ANSWER);
         }
         if (!adopt(ip, port, deviceId, token, cookie, true)) {
             OpenSession{ip, port, deviceId, token, cookie}.abandon();
-            op.refuse(NOT_REGISTERED, REST_NO_SESSION);
+            op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::UNREADABLE_ANSWER);
         }
     });
 }
@@ -166,7 +166,7 @@ bool CDeviceManagerImpl::useConnection(const std::string& ip, const unsigned int
                    "Invalid Parameter!");
         op.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
         if (!adopt(ip, port, deviceId, token, cookie, false)) {
-            op.refuse(NOT_REGISTERED, REST_NO_SESSION);
+            op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::ARGUMENT);
         }
     });
 }

@@ -28,12 +28,12 @@ struct LunKind
     using Query = LunQuery;
     using Handler = CLunHandler;
 
-    // The workers of LUN groups; both codes say that it is a member already.
-    static constexpr Absorbed ADDING = {{1077936862, 1077948997},
+    // The workers of LUN groups.
+    static constexpr Absorbed ADDING = {{ARRAY_ALREADY_IN_LUN_GROUP, ARRAY_ALREADY_MEMBER_OF_LUN_GROUP},
                                         "the lun was already in the lun group, ignore it. ",
                                         "addObjToLunGroup exception. ",
                                         "add lun to lun group failed. "};
-    static constexpr Absorbed REMOVING = {{1077948996},
+    static constexpr Absorbed REMOVING = {{ARRAY_NOT_IN_LUN_GROUP},
                                           "the lun was not in the lun group, ignore it. ",
                                           "remove object from lunGroup exception. ",
                                           "remove lun from lun group failed. "};
@@ -64,12 +64,12 @@ struct SnapshotKind
     using Query = SnapshotQuery;
     using Handler = CSnapshotHandler;
 
-    static constexpr Absorbed ADDING = {{1077936862, 1077948997},
+    static constexpr Absorbed ADDING = {{ARRAY_ALREADY_IN_LUN_GROUP, ARRAY_ALREADY_MEMBER_OF_LUN_GROUP},
                                         "the snapshot was already in the lun group, ignore it. ",
                                         "addObjToLunGroup exception. ",
                                         "add snapshot to lun group failed. "};
     static constexpr Absorbed REMOVING = {
-        {1077948996},
+        {ARRAY_NOT_IN_LUN_GROUP},
         "the snapshot was not in the lun group, ignore it. , ignore it. ", // docs/oddities.md#ignore-it
         "remove object from lunGroup exception. ",
         "remove snapshot from lun group failed. "};

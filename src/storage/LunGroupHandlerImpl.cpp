@@ -27,7 +27,7 @@ LunGroupMO CLunGroupHandlerImpl::createLunGroup(LunGroupMO& lunGroup)
         op.add("APPTYPE", int{lunGroup.APPTYPE});
         op.add("GROUPTYPE", 0UL);                          // docs/oddities.md#grouptype
         const std::string id = op.post("/lungroup/").id(); // docs/oddities.md#lungroup-slash
-        return retryWhile({NOT_YET_READABLE, LUNGROUP_BUSY}, "retry get lun group!",
+        return retryWhile({ARRAY_NOT_READY, ARRAY_LUN_GROUP_NOT_READY}, "retry get lun group!",
                           [&] { return getLunGroup(id); });
     });
 }
@@ -67,7 +67,7 @@ void CLunGroupHandlerImpl::removeLunFromLunGroup(const std::string& lunID, const
     run("removeLunFromLunGroup", [&](Operation& op) {
         op.requireId(lunID, texts::LUN_ID_EMPTY);
         op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
-        retryWhile({NOT_YET_READABLE, LUNGROUP_BUSY}, RETRY_REMOVAL,
+        retryWhile({ARRAY_NOT_READY, ARRAY_LUN_GROUP_NOT_READY}, RETRY_REMOVAL,
                    [&] { removeObjFromLunGroup(lunID, lunGroupID, MO_LUN, op.name()); });
     });
 }
@@ -78,7 +78,7 @@ void CLunGroupHandlerImpl::removeSnapshotFromLunGroup(const std::string& snapsho
     run("removeSnapshotFromLunGroup", [&](Operation& op) {
         op.requireId(snapshotID, texts::SNAPSHOT_ID_EMPTY);
         op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
-        retryWhile({NOT_YET_READABLE, LUNGROUP_BUSY}, RETRY_REMOVAL,
+        retryWhile({ARRAY_NOT_READY, ARRAY_LUN_GROUP_NOT_READY}, RETRY_REMOVAL,
                    [&] { removeObjFromLunGroup(snapshotID, lunGroupID, MO_SNAPSHOT, op.name()); });
     });
 }

@@ -59,7 +59,7 @@ LunMO CLunHandlerImpl::createLun(LunMO& lun)
         addTuning(op, lun);
         const std::string id = op.post("/lun").id();
         usleep(SETTLE_MICROSECONDS);
-        return retryWhile({NOT_YET_READABLE}, "retry get lun!", [&] { return getLun(id); });
+        return retryWhile({ARRAY_NOT_READY}, "retry get lun!", [&] { return getLun(id); });
     });
 }
 

@@ -120,6 +120,18 @@ class Examples(unittest.TestCase):
         done = self.example("handle_errors", "")
         self.assertEqual((done.returncode, done.stdout), (5, "Exception:lunID is empty! getLun\n"))
 
+    def test_why_no_login_tells_the_arrays_words(self):
+        self.array.control("POST", "/faults", {"method": "POST", "path": "/sessions", "action": "error",
+                                               "code": 1077949999, "description": "not today"})
+        done = self.example("why_no_login")
+        self.assertEqual(done.returncode, 1)
+        self.assertTrue(done.stdout.endswith("; do as the array says\n"), done.stdout)
+        self.assertIn(" 1077949999: ", done.stdout)
+
+    def test_why_no_login_logs_in(self):
+        done = self.example("why_no_login")
+        self.assertEqual((done.returncode, done.stdout), (0, "logged in\n"))
+
     def test_print_record_leaves_out_what_is_unset_and_secret(self):
         self.array.create("iscsi_initiator", ID=INITIATOR, NAME="one", USECHAP="true", NORMALVERMODE="1",
                           CHAPNAME="chap_user", CHAPPASSWORD="chap-secret-of-12")

@@ -117,6 +117,29 @@ TEST_P(Faults, MakeAReadThrowWithItsLineAndRecordAndTheNextOneWork)
     EXPECT_EQ(sdk.luns().getLun("7").NAME, "db");
 }
 
+TEST_P(Faults, AreOneLineOfTheRestLibrarysOwnAheadOfTheOperations)
+{
+    ASSERT_TRUE(login(sdk, server));
+    const size_t before = logLines("Tessel_run_").size();
+    for (int i = 0; i < 2; ++i) {
+        server.enqueue(GetParam().behaviour);
+    }
+    thrownBy([&] { sdk.luns().getLun("7"); });
+    const std::vector<std::string> all = logLines("Tessel_run_");
+    const std::vector<std::string> lines(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
+    const bool isSent = std::string(GetParam().name) != "FieldOfWrongType" &&
+                        std::string(GetParam().name) != "RecordThatIsNoObject"; // the SDK finds these
+    std::vector<testing::Matcher<std::string>> expected = {
+        HasSubstr("enter getLun"), HasSubstr("ERROR Ovra-Tessel-API-linux-Cpp url error")};
+    if (isSent) {
+        expected.insert(expected.begin() + 1,
+                        StartsWith("WARN Ovra-Rest-API no answer from " + server.url() + ": "));
+    }
+    EXPECT_THAT(lines, testing::ElementsAreArray(expected));
+    EXPECT_EQ(ovra::tessel::lastFailure().transport.empty(), !isSent);
+    EXPECT_TRUE(ovra::tessel::lastFailure().mayBeDone) << "it was sent";
+}
+
 TEST_P(Faults, NeverMakeACreateArriveTwice)
 {
     ASSERT_TRUE(login(sdk, server));

@@ -2,6 +2,8 @@
 
 #include "unit/handlers/HandlerTest.h"
 
+#include <tessel/Failure.h>
+
 namespace {
 
 using namespace handlers;
@@ -45,6 +47,21 @@ TEST_P(EveryAbsorption, ReturnsNormallyWithAWarningAndSuccessInItsRecords)
         a.code != 0 ? journal::errorAnswer(a.code, "no", failing) : journal::noAnswer(failing);
     EXPECT_THAT(platform.journal(),
                 ElementsAreArray(whole({a.request, "error: " + error, "warn: " + a.warning})));
+}
+
+TEST_P(EveryAbsorption, LeavesWhatFailedToBeAskedForUnlessThereWasNothingToDo)
+{
+    const Absorption& a = GetParam();
+    platform.reply(a.code != 0 ? Reply::error(a.code, "no") : Reply::noAnswer(7));
+    a.call(manager);
+    const Failure failure = lastFailure();
+    const bool isHarmless = a.warning.find("ignore it") != std::string::npos;
+    EXPECT_EQ(failure.kind, isHarmless    ? FailureKind::NONE
+                            : a.code != 0 ? FailureKind::REFUSED
+                                          : FailureKind::NOT_REACHABLE);
+    EXPECT_EQ(failure.code, isHarmless ? 0 : a.code);
+    a.call(manager);
+    EXPECT_FALSE(lastFailure()) << "the next one succeeds";
 }
 
 TEST_P(EveryAbsorption, WithoutAFailureWarnsOfNothing)

@@ -1,5 +1,7 @@
 #include "unit/handlers/ExchangeTest.h"
 
+#include <tessel/Failure.h>
+
 using testing::ElementsAreArray;
 
 Exchange& Exchange::variant(const std::string& text)
@@ -141,4 +143,28 @@ TEST_P(EveryReadingExchange, TakesDataThatIsNoObjectForNoAnswer)
         EXPECT_THAT(platform.journal(), ElementsAreArray(GetParam().failed(message, REST_ANSWER_UNREADABLE)))
             << data;
     }
+}
+
+TEST_P(EveryExchange, LeavesItsFailureToBeAskedForAndItsSuccessNone)
+{
+    const Exchange& exchange = GetParam();
+    callWith(Reply::error(1073949185, "The array is busy."));
+    Failure failure = lastFailure();
+    EXPECT_EQ(failure.kind, FailureKind::REFUSED);
+    EXPECT_EQ(failure.code, 1073949185);
+    EXPECT_EQ(failure.description, "The array is busy.");
+    EXPECT_EQ(failure.operation, exchange.errorsNamed);
+    EXPECT_EQ(failure.message, journal::errorAnswer(failure.code, failure.description, failure.operation));
+    EXPECT_FALSE(failure.canTryAgain);
+
+    callWith(Reply::noAnswer(28));
+    failure = lastFailure();
+    EXPECT_EQ(failure.kind, FailureKind::TIMED_OUT);
+    EXPECT_EQ(failure.result, 28);
+    EXPECT_EQ(failure.operation, exchange.errorsNamed);
+    EXPECT_TRUE(failure.description.empty());
+    EXPECT_TRUE(failure.canTryAgain);
+
+    callWith(exchange.answer);
+    EXPECT_FALSE(lastFailure());
 }
