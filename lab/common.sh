@@ -17,6 +17,7 @@ sg_inq               sg3-utils
 lsscsi               lsscsi
 multipathd           multipath-tools
 dmsetup              dmsetup
+vgcreate             lvm2
 mkfs.btrfs           btrfs-progs
 mkfs.ext4            e2fsprogs
 ip                   iproute2

@@ -76,8 +76,11 @@ bool canAnswer(const std::string& name, const std::string& root)
     if (!state.empty()) {
         return state == RUNNING;
     }
-    const std::vector<std::string> below = namesIn(root + BLOCK + name + "/slaves");
-    const auto answers = [&](const std::string& one) { return canAnswer(one, root); };
+    const std::string slaves = root + BLOCK + name + "/slaves/";
+    const std::vector<std::string> below = namesIn(slaves);
+    const auto answers = [&](const std::string& one) { // a removed one leaves its link until it is let go
+        return access((slaves + one).c_str(), F_OK) == 0 && canAnswer(one, root);
+    };
     const std::string kind = valueOf(root + BLOCK + name + "/dm/uuid");
     if (kind.compare(0, std::strlen(MULTIPATH_UUID), MULTIPATH_UUID) == 0) {
         // A map that has lost its paths may keep for ever what it is asked.

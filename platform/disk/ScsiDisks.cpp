@@ -112,7 +112,12 @@ std::optional<MultipathMap> multipathMap(const std::string& node, const std::str
     map.bytes = bytesOf(folder);
     map.isReadOnly = isOne(folder + "/ro");
     map.isSuspended = isOne(folder + "/dm/suspended");
-    map.paths = namesIn(folder + "/slaves");
+    for (const std::string& path : namesIn(folder + "/slaves")) {
+        if (access((folder + "/slaves/" + path).c_str(), F_OK) ==
+            0) { // else it is removed, and not let go yet
+            map.paths.push_back(path);
+        }
+    }
     return map;
 }
 

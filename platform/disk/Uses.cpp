@@ -2,12 +2,12 @@
 
 #include "ovra/disk/Files.h"
 #include "ovra/disk/Nodes.h"
+#include "ovra/disk/Processes.h"
 #include "ovra/disk/ScsiDisks.h"
 #include "ovra/disk/Tables.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
 #include <set>
 
 namespace ovra::disk {
@@ -16,18 +16,6 @@ namespace {
 constexpr const char* OWN_MOUNTS = "/proc/self/mountinfo";
 constexpr const char* SWAPS = "/proc/swaps";
 constexpr const char* BTRFS = "/sys/fs/btrfs/";
-/** Processes that open every disk for a moment, or hold the paths of every map. */
-constexpr const char* CARETAKERS[] = {"systemd-udevd", "(udev-worker)", "udevd", "multipathd"};
-
-bool isCaretaker(const std::string& program)
-{
-    return std::find(std::begin(CARETAKERS), std::end(CARETAKERS), program) != std::end(CARETAKERS);
-}
-
-bool isNumber(const std::string& name)
-{
-    return name.find_first_not_of("0123456789") == std::string::npos;
-}
 
 /** Looks at the tables of the kernel, and keeps in mind which of them it could not see. */
 class Search
@@ -72,9 +60,9 @@ private:
             m_uses.unknown.push_back(m_root + OWN_MOUNTS + " cannot be read");
         }
         std::set<std::string> seen = {viewOf("self")};
-        for (const std::string& process : namesIn(m_root + "/proc")) {
-            const std::string view = isNumber(process) ? viewOf(process) : std::string();
-            if (!isNumber(process) || (!view.empty() && !seen.insert(view).second)) {
+        for (const std::string& process : processes(m_root)) {
+            const std::string view = viewOf(process);
+            if (!view.empty() && !seen.insert(view).second) {
                 continue;
             }
             const std::string folder = m_root + "/proc/" + process;
@@ -189,33 +177,6 @@ Uses usesBeyondMap(const std::string& disk, const std::string& root)
     return Search(disk, root).run([&](const Node& node) {
         return !multipathMap(node.name, root) && !isMapPartition(node.name, root);
     });
-}
-
-std::vector<std::string> openersOf(const std::vector<std::string>& nodes, const std::string& root)
-{
-    std::vector<std::string> openers;
-    for (const std::string& process : namesIn(root + "/proc/")) {
-        const std::string folder = std::string(root).append("/proc/").append(process);
-        const std::string program = isNumber(process) ? valueOf(folder + "/comm") : std::string();
-        if (!isNumber(process) || isCaretaker(program)) {
-            continue;
-        }
-        std::set<std::string> open;
-        for (const std::string& descriptor : namesIn(folder + "/fd")) {
-            open.insert(targetOf(std::string(folder).append("/fd/").append(descriptor)));
-        }
-        for (const std::string& node : nodes) {
-            if (open.count("/dev/" + node) != 0) {
-                openers.push_back(std::string(node)
-                                      .append(" is open in process ")
-                                      .append(process)
-                                      .append(" (")
-                                      .append(program)
-                                      .append(")"));
-            }
-        }
-    }
-    return openers;
 }
 
 } // namespace ovra::disk

@@ -19,6 +19,7 @@ namespace ovra::tessel {
 namespace {
 
 constexpr size_t AT_ONCE = 8;
+constexpr std::chrono::milliseconds STALL(100); ///< nothing has ended for so long: what is begun hangs
 
 /** While one lives, threads that are started take no signals: those are the program's. */
 class NoSignals
@@ -45,14 +46,31 @@ struct Shared
     std::condition_variable changed;
     std::atomic<size_t> next{0};
     size_t ended = 0;
-    bool isGivenUp = false;
+    std::atomic<bool> isGivenUp{false};
     std::exception_ptr error;
     std::vector<std::function<void()>> steps;
+
+    bool isDone() const { return ended == steps.size(); }
+    size_t waiting() const { return steps.size() - std::min(next.load(), steps.size()); } ///< for a thread
+};
+
+/** Afterwards nobody waits any more: what is not begun is left. */
+class GivenUp
+{
+public:
+    explicit GivenUp(Shared& shared) : m_shared(shared) {}
+    ~GivenUp() { m_shared.isGivenUp = true; }
+    GivenUp(const GivenUp&) = delete;
+    GivenUp& operator=(const GivenUp&) = delete;
+
+private:
+    Shared& m_shared;
 };
 
 void work(const std::shared_ptr<Shared>& shared)
 {
-    for (size_t index = shared->next++; index < shared->steps.size(); index = shared->next++) {
+    for (size_t index = shared->next++; index < shared->steps.size() && !shared->isGivenUp;
+         index = shared->next++) {
         std::exception_ptr error;
         try {
             shared->steps[index]();
@@ -63,30 +81,39 @@ void work(const std::shared_ptr<Shared>& shared)
         shared->error = error ? error : shared->error;
         ++shared->ended;
         shared->changed.notify_all();
-        if (shared->isGivenUp) {
-            return;
-        }
+    }
+}
+
+/** Starts a few more threads, where there is work for them. */
+void startSome(const std::shared_ptr<Shared>& shared)
+{
+    const NoSignals none;
+    for (size_t more = std::min(AT_ONCE, shared->waiting()); more != 0; --more) {
+        std::thread(work, shared).detach();
     }
 }
 
 bool doAll(std::chrono::seconds limit, std::vector<std::function<void()>> steps)
 {
+    using Clock = std::chrono::steady_clock;
     const auto shared = std::make_shared<Shared>();
     shared->steps = std::move(steps);
-    {
-        const NoSignals none;
-        for (size_t i = 0; i < std::min(AT_ONCE, shared->steps.size()); ++i) {
-            std::thread(work, shared).detach();
+    const Clock::time_point end = Clock::now() + limit;
+    std::unique_lock<std::mutex> lock(shared->mutex);
+    const GivenUp afterwards(*shared);
+    startSome(shared);
+    for (auto now = Clock::now(); !shared->isDone() && now < end; now = Clock::now()) {
+        const size_t before = shared->ended;
+        shared->changed.wait_until(lock, shared->waiting() == 0 ? end : std::min(end, now + STALL),
+                                   [&] { return shared->ended != before; });
+        if (shared->ended == before) { // they hang: others take their place
+            startSome(shared);
         }
     }
-    std::unique_lock<std::mutex> lock(shared->mutex);
-    const bool isDone =
-        shared->changed.wait_for(lock, limit, [&] { return shared->ended == shared->steps.size(); });
-    shared->isGivenUp = true;
     if (shared->error) {
         std::rethrow_exception(shared->error);
     }
-    return isDone;
+    return shared->isDone();
 }
 
 } // namespace

@@ -24,7 +24,10 @@ std::optional<Result> within(std::chrono::seconds limit, const std::function<Res
     return endsWithin(limit, [=] { *result = step(); }) ? std::make_optional(*result) : std::nullopt;
 }
 
-/** Does all of them side by side, a few at a time; those not done when the time is up are left. */
+/**
+ * Does all of them side by side, a few at a time, and more where these hang; those not done when the time is
+ * up are left.
+ */
 void doWithin(std::chrono::seconds limit, const std::vector<std::function<void()>>& steps);
 
 /** Runs a shell command; its status as system() gives it, -1 when it has not ended in time or is not known.

@@ -14,11 +14,20 @@ namespace {
 
 constexpr const char* NEVER_REMOVED = "0"; // LUN 0 is the target's own
 
+bool isOneOf(const std::vector<disk::ScsiDisk>& disks, const std::string& name)
+{
+    return std::any_of(disks.begin(), disks.end(),
+                       [&](const disk::ScsiDisk& disk) { return disk.name == name; });
+}
+
 /** Looks for the disks of one object; scans where it must. One use. */
 class Search
 {
 public:
-    Search(const DiskJob& job, const Ways& ways) : m_job(job), m_ways(ways), m_end(job.options.findSeconds) {}
+    Search(const DiskJob& job, const Ways& ways, const std::function<void()>& show)
+        : m_job(job), m_ways(ways), m_show(show), m_end(job.options.findSeconds)
+    {
+    }
 
     std::vector<disk::ScsiDisk> run()
     {
@@ -66,8 +75,12 @@ private:
         const Deadline deadline(m_job.options.stepSeconds);
         while (disk::hasUnfinishedDisks(m_ways.online) && deadline.pause()) {
         }
-        if (m_isScanned) {
+        if (++m_scans > 1) {
             m_end.pause(); // the array shows it late: not at once again
+        }
+        if (m_scans == m_shownAt) {
+            m_show();
+            m_shownAt *= 2;
         }
         m_isScanned = true;
     }
@@ -92,7 +105,9 @@ private:
             }
             COMMLOG(OS_LOG_WARN, "/dev/%s stands under the names of another disk: it is found anew.",
                     disk.name.c_str());
-            if (map) {
+            // Not while a path of the map is another disk: it goes without this one then.
+            if (map && std::all_of(map->paths.begin(), map->paths.end(),
+                                   [&](const std::string& path) { return isOneOf(stale, path); })) {
                 removeMap(m_job, *map);
             }
             const std::string problem = removeDisk(m_job, disk, [] { return ""; });
@@ -117,15 +132,18 @@ private:
 
     const DiskJob& m_job;
     const Ways& m_ways;
+    const std::function<void()>& m_show;
     const Deadline m_end;
     bool m_isScanned = false;
+    unsigned m_scans = 0;
+    unsigned m_shownAt = 4; ///< scans that have found nothing
 };
 
 } // namespace
 
-std::vector<disk::ScsiDisk> findDisks(const DiskJob& job, const Ways& ways)
+std::vector<disk::ScsiDisk> findDisks(const DiskJob& job, const Ways& ways, const std::function<void()>& show)
 {
-    return Search(job, ways).run();
+    return Search(job, ways, show).run();
 }
 
 } // namespace ovra::tessel

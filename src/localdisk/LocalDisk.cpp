@@ -2,7 +2,7 @@
 #include "host/Korvex.h"
 #include "localdisk/Finding.h"
 #include "localdisk/Proof.h"
-#include "localdisk/Removal.h"
+#include "localdisk/Release.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Names.h>
@@ -17,8 +17,6 @@
 
 namespace ovra::tessel {
 namespace {
-
-constexpr unsigned ROUNDS = 5;
 
 /** Does the steps of a call; what they throw comes out as one of the SDK's two classes. */
 template <class Steps>
@@ -47,121 +45,6 @@ void requireNoKorvex(const DiskJob& job)
     }
 }
 
-/** ID of the initiator's host on the array; empty when it belongs to none. */
-std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
-{
-    const Array array(*job.manager);
-    return initiator.isFC ? array.fcInitiators()->getFCInitiator(initiator.id).PARENTID
-                          : array.iscsiInitiators()->getIscsiInitiator(initiator.id).PARENTID;
-}
-
-/** Removes the disks of an object, and hides it. One use. */
-class Release
-{
-public:
-    Release(const DiskJob& job, const HostInitiator& initiator, bool isForced)
-        : m_job(job), m_initiator(initiator), m_isForced(isForced),
-          m_ways(waysOf(job, initiator, hostOf(job, initiator)))
-    {
-    }
-
-    void run()
-    {
-        const HostTransaction transaction(m_job.options.lockSeconds);
-        Sight sight = look();
-        checkUnused(sight.ours);
-        writeBack(m_job, sight.ours, m_isForced);
-        remove();
-        hide();
-        remove(); // what a scan of somebody who takes no lock has brought back meanwhile
-    }
-
-private:
-    Sight look() const { return lookForOurs(m_job, m_ways.all); }
-
-    void checkUnused(const std::vector<disk::ScsiDisk>& ours) const
-    {
-        const std::vector<std::string> uses = usesOf(ours, disk::mapOfWwn(m_job.wwn));
-        if (uses.empty()) {
-            return;
-        }
-        if (!m_isForced) {
-            m_job.fail("it is in use: " + listed(uses) + "; nothing was changed");
-        }
-        for (const std::string& use : uses) {
-            COMMLOG(OS_LOG_WARN, "%s is removed while in use: %s", m_job.name().c_str(), use.c_str());
-        }
-    }
-
-    /** The map and every disk that is the object, or was it and is dead, until there is none. */
-    void remove() const
-    {
-        std::string stays;
-        for (unsigned round = 0; round < ROUNDS; ++round) {
-            const std::optional<disk::MultipathMap> map = disk::mapOfWwn(m_job.wwn);
-            const Sight sight = look();
-            if (!map && sight.ours.empty() && sight.silent.empty()) {
-                return;
-            }
-            if (map) {
-                removeOurMap(*map);
-            }
-            stays.clear();
-            for (const std::vector<disk::ScsiDisk>* disks : {&sight.ours, &sight.silent}) {
-                for (const disk::ScsiDisk& disk : *disks) {
-                    const std::string problem = removeDisk(m_job, disk, [&] { return changed(disk); });
-                    stays = problem.empty() ? stays : problem;
-                }
-            }
-        }
-        m_job.fail((stays.empty() ? "its disks come back as often as they are removed" : stays) +
-                   "; call again to go on from there");
-    }
-
-    void removeOurMap(const disk::MultipathMap& map) const
-    {
-        for (const std::string& path : map.paths) {
-            const std::string foreign = foreignPath(m_job, path);
-            if (!foreign.empty()) {
-                m_job.fail("the map " + map.name + " holds what is not it: " + foreign +
-                           "; the map and its paths stay");
-            }
-        }
-        try {
-            removeMap(m_job, map);
-        } catch (const OvraAPIException& problem) {
-            if (!m_isForced) {
-                throw;
-            }
-            COMMLOG(OS_LOG_WARN, "%s", problem.what()); // its paths go all the same
-        }
-    }
-
-    /** Why a disk may not go any more: somebody has another one at its place. */
-    std::string changed(const disk::ScsiDisk& disk) const
-    {
-        const Sight now = lookAt(m_job, {disk});
-        return now.ours.empty() && now.silent.empty() ? "/dev/" + disk.name + " is another disk by now" : "";
-    }
-
-    void hide() const
-    {
-        const AccessResult result =
-            ensureHidden(*m_job.manager, m_job.volume, m_initiator, m_job.options.access);
-        if (result.isVisible) {
-            COMMLOG(
-                OS_LOG_WARN,
-                "%s stays visible to this host through LUN groups of others: a scan brings its disk back.",
-                m_job.name().c_str());
-        }
-    }
-
-    const DiskJob& m_job;
-    const HostInitiator& m_initiator;
-    const bool m_isForced;
-    const Ways m_ways;
-};
-
 } // namespace
 
 struct LocalDisk::State
@@ -175,30 +58,18 @@ struct LocalDisk::State
 
     void attach()
     {
-        try {
-            attachOnce();
-        } catch (const OvraAPIException&) {
-            // The request to hide of a call that was killed may have reached the array after ours to show.
-            if (ensureVisible(*job.manager, job.volume, initiator, job.options.access).wasVisible) {
-                throw;
-            }
-            attachOnce();
-        }
-    }
-
-    void attachOnce()
-    {
-        const AccessResult access = ensureVisible(*job.manager, job.volume, initiator, job.options.access);
-        hostID = access.hostID;
+        show();
         const Ways ways = waysOf(job, initiator, hostID);
         requireOnline(job, initiator, ways);
         std::vector<disk::ScsiDisk> ours = lookForOurs(job, ways.all).ours;
         if (ours.size() < ways.online.size()) {
             const HostTransaction transaction(job.options.lockSeconds);
-            ours = findDisks(job, ways);
+            ours = findDisks(job, ways, [this] { show(); });
         }
         proved = prove(job, ours, Sizes::GROWN);
     }
+
+    void show() { hostID = ensureVisible(*job.manager, job.volume, initiator, job.options.access).hostID; }
 
     /** Proves what is there. */
     void look(Sizes sizes)
@@ -267,7 +138,7 @@ void LocalDisk::release(CDeviceManager& manager, const StorageObject& volume, co
 {
     whole([&] {
         const State state(manager, volume, host, options);
-        Release(state.job, state.initiator, evenInUse).run();
+        releaseDisk(state.job, state.initiator, evenInUse);
     });
 }
 
@@ -315,7 +186,7 @@ void LocalDisk::verify() const
 void LocalDisk::release(bool evenInUse)
 {
     if (m_state->isHeld) {
-        whole([&] { Release(m_state->job, m_state->initiator, evenInUse).run(); });
+        whole([&] { releaseDisk(m_state->job, m_state->initiator, evenInUse); });
         m_state->isHeld = false;
     }
 }

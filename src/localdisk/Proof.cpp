@@ -1,70 +1,31 @@
 #include "localdisk/Proof.h"
 
 #include "host/Limited.h"
+#include "localdisk/MapClaims.h"
 #include "localdisk/Sight.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Files.h>
 #include <ovra/disk/Names.h>
 #include <ovra/disk/Nodes.h>
-#include <ovra/disk/Programs.h>
 
 #include <algorithm>
-#include <map>
 #include <set>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace ovra::tessel {
 namespace {
-
-constexpr const char* MULTIPATH = "multipath";
-constexpr unsigned UDEV_SECONDS = 5;
 
 std::string bytesText(std::uint64_t bytes)
 {
     return std::to_string(bytes) + " bytes";
 }
 
-/** Whether multipathd takes a disk as a path, so that its map is coming. */
-enum class Claim
-{
-    NO,
-    YES,
-    UNKNOWN ///< not decided yet
-};
-
-bool succeeds(const DiskJob& job, const std::string& command)
-{
-    return runWithin(2 * job.step(), command) == 0;
-}
-
-std::string limited(const DiskJob& job, const std::string& command)
-{
-    return "$(timeout " + std::to_string(job.options.stepSeconds) + " " + command + " 2>/dev/null)";
-}
-
-/** Whether udev has come to the disk: only then does multipath know its name. */
-bool isKnownToUdev(const DiskJob& job, const std::string& disk)
-{
-    return succeeds(job, "case " + limited(job, "udevadm info --query=property --name=/dev/" + disk) +
-                             " in *USEC_INITIALIZED=*) exit 0;; esac; exit 1");
-}
-
-Claim claimOfMultipath(const DiskJob& job, const std::string& disk)
-{
-    const std::string answer = "answer=" + limited(job, "multipath -u /dev/" + disk) + "; case $?$answer in ";
-    if (succeeds(job, answer + "0*=?1?) exit 0;; esac; exit 1")) {
-        return Claim::YES;
-    }
-    return succeeds(job, answer + "0*=?0?|1|1D*) exit 0;; esac; exit 1") ? Claim::NO : Claim::UNKNOWN;
-}
-
 class Prover
 {
 public:
     Prover(const DiskJob& job, const std::vector<disk::ScsiDisk>& ours, Sizes sizes)
-        : m_job(job), m_sizes(sizes), m_mapEnd(job.options.mapSeconds)
+        : m_job(job), m_sizes(sizes), m_mapEnd(job.options.mapSeconds), m_claims(job)
     {
         for (const disk::ScsiDisk& disk : ours) {
             m_names.push_back(disk.name);
@@ -89,7 +50,7 @@ public:
         ProvedDisk proved{"/dev/" + m_names.front(), m_names, m_bytes};
         if (m_map) {
             const std::string named = "/dev/mapper/" + m_map->name;
-            while (access(named.c_str(), F_OK) != 0 && !m_udevEnd.isOver() && m_mapEnd.pause()) {
+            while (access(named.c_str(), F_OK) != 0 && !m_claims.isUdevLate() && m_mapEnd.pause()) {
             }
             proved.path = access(named.c_str(), F_OK) == 0 ? named : "/dev/" + m_map->node;
             proved.disks = m_map->paths;
@@ -188,10 +149,7 @@ private:
     std::string lackOfNoMap()
     {
         for (const std::string& name : m_names) {
-            Claim& claim = m_claims.emplace(name, Claim::UNKNOWN).first->second;
-            if (claim == Claim::UNKNOWN) { // asked until it is decided: then it holds
-                claim = claimOf(name);
-            }
+            const Claim claim = m_claims.of(name);
             if (claim == Claim::YES) {
                 return "the multipath map of /dev/" + name + " is not there";
             }
@@ -200,15 +158,6 @@ private:
             }
         }
         return "";
-    }
-
-    Claim claimOf(const std::string& name) const
-    {
-        if (disk::findInPath(MULTIPATH).empty()) {
-            return Claim::NO;
-        }
-        return isKnownToUdev(m_job, name) || m_udevEnd.isOver() ? claimOfMultipath(m_job, name)
-                                                                : Claim::UNKNOWN;
     }
 
     /** Throws when the map holds what is not the object: no waiting makes that right. */
@@ -258,11 +207,10 @@ private:
     const DiskJob& m_job;
     const Sizes m_sizes;
     const Deadline m_mapEnd;
-    const Deadline m_udevEnd{UDEV_SECONDS}; ///< it is not there, or too late to be waited for
     std::vector<std::string> m_names;
     std::uint64_t m_bytes = 0;
     std::optional<disk::MultipathMap> m_map;
-    std::map<std::string, Claim> m_claims;
+    MapClaims m_claims;
     bool m_isResized = false;
     bool m_hasWaited = false;
 };

@@ -7,6 +7,7 @@
 #include <ovra/disk/Files.h>
 #include <ovra/disk/Names.h>
 #include <ovra/disk/Nodes.h>
+#include <ovra/disk/Processes.h>
 #include <ovra/disk/Uses.h>
 
 #include <algorithm>
@@ -20,9 +21,8 @@ constexpr unsigned OPENED_FOR_A_MOMENT_S = 2;
 constexpr unsigned MAP_TRIES = 5; // udev has a device open for a moment whenever something happens to it
 
 /** Writes back, in time; "" when it was done, else why not. */
-std::string writeBackWithin(const DiskJob& job, const std::function<std::string()>& writeBack)
+std::string writeBackWithin(std::chrono::seconds limit, const std::function<std::string()>& writeBack)
 {
-    const std::chrono::seconds limit(job.options.flushSeconds);
     return within<std::string>(limit, writeBack)
         .value_or("it takes longer than " + std::to_string(limit.count()) + " s");
 }
@@ -52,6 +52,12 @@ std::vector<std::string> lastingOpeners(const std::vector<std::string>& nodes)
         openers = disk::openersOf(nodes);
     }
     return openers;
+}
+
+void runTool(const DiskJob& job, const std::string& command)
+{
+    runWithin(2 * job.step(),
+              "timeout " + std::to_string(job.options.stepSeconds) + " " + command + " >/dev/null 2>&1");
 }
 
 bool isThere(const disk::MultipathMap& map)
@@ -91,7 +97,8 @@ std::vector<std::string> usesOf(const std::vector<disk::ScsiDisk>& disks,
     return uses.empty() ? lastingOpeners(names) : std::vector<std::string>(uses.begin(), uses.end());
 }
 
-void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, bool isForced)
+void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit,
+               bool isForced)
 {
     const auto tell = [&](const std::string& what, const std::string& problem, bool isLost) {
         if (problem.empty()) {
@@ -106,14 +113,14 @@ void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, boo
     };
     for (const disk::ScsiDisk& disk : disks) {
         for (const std::string& mount : disk::usesOf(disk.name).unreached) {
-            tell(mount, writeBackWithin(job, [mount] { return writeBackMount(mount); }), false);
+            tell(mount, writeBackWithin(limit, [mount] { return writeBackMount(mount); }), false);
         }
     }
     const std::vector<std::string> nodes = nodesOn(disks);
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
         const std::string device = "/dev/" + *node;
         if (disk::canAnswer(*node)) {
-            tell(device, writeBackWithin(job, [device] { return writeBackDevice(device); }), false);
+            tell(device, writeBackWithin(limit, [device] { return writeBackDevice(device); }), false);
         } else { // nothing brings its data to it any more
             tell(device, "it is not running", true);
         }
@@ -125,22 +132,26 @@ void removeMap(const DiskJob& job, const disk::MultipathMap& map)
     if (!disk::isMapName(map.name)) {
         job.fail("the map " + map.node + " has a name that no command can be given; remove it by hand");
     }
-    const std::string limit = "timeout " + std::to_string(job.options.stepSeconds) + " ";
     if (!disk::canAnswer(map.node)) { // what waits for a path would wait for ever
-        runWithin(2 * job.step(),
-                  limit + "dmsetup message " + map.name + " 0 fail_if_no_path >/dev/null 2>&1");
+        runTool(job, "dmsetup message " + map.name + " 0 fail_if_no_path");
     }
     Deadline deadline(job.options.stepSeconds);
     for (unsigned tries = 0; isThere(map); ++tries) {
         if (tries == MAP_TRIES || deadline.isOver()) {
-            job.fail("the map " + map.name + " stays: multipath -f " + map.name +
-                     " says why; nothing else was removed");
+            job.fail("the map " + map.name + " stays: multipath -f " + map.name + " says why");
         }
         COMMLOG(OS_LOG_INFO, "Removing the map %s (%s).", map.name.c_str(), map.node.c_str());
-        runWithin(2 * job.step(), limit + "multipath -f " + map.name + " >/dev/null 2>&1");
+        runTool(job, "multipath -f " + map.name);
         if (isThere(map)) {
             deadline.pause();
         }
+    }
+}
+
+void removeMapLater(const DiskJob& job, const disk::MultipathMap& map)
+{
+    if (disk::isMapName(map.name)) {
+        runTool(job, "dmsetup remove --deferred " + map.name);
     }
 }
 

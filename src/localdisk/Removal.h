@@ -5,6 +5,7 @@
 
 #include <ovra/disk/ScsiDisks.h>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,11 +19,16 @@ std::vector<std::string> usesOf(const std::vector<disk::ScsiDisk>& disks,
 /**
  * Writes what waits for them to these disks, from the top: what stands on them, the map, the paths. A failure
  * throws; it is only told where isForced.
+ * @param limit of each.
  */
-void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, bool isForced);
+void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit,
+               bool isForced);
 
 /** Removes a map. Throws when it stays. */
 void removeMap(const DiskJob& job, const disk::MultipathMap& map);
+
+/** Has the kernel remove a map as soon as nobody has it open. */
+void removeMapLater(const DiskJob& job, const disk::MultipathMap& map);
 
 /**
  * Removes a disk from the kernel.

@@ -21,6 +21,13 @@ bool belongsTo(const Array& array, const disk::ScsiHost& host, const std::string
 
 } // namespace
 
+std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
+{
+    const Array array(*job.manager);
+    return initiator.isFC ? array.fcInitiators()->getFCInitiator(initiator.id).PARENTID
+                          : array.iscsiInitiators()->getIscsiInitiator(initiator.id).PARENTID;
+}
+
 Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID)
 {
     const Array array(*job.manager);

@@ -16,6 +16,9 @@ struct Ways
     std::vector<std::string> away;   ///< of the others, a sentence each
 };
 
+/** ID of the initiator's host on the array; empty when it belongs to none. */
+std::string hostOf(const DiskJob& job, const HostInitiator& initiator);
+
 /**
  * The sessions and ports of an initiator, and of the others of this host that the array counts to the same
  * host.

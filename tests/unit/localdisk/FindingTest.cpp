@@ -13,12 +13,14 @@ class FindingADisk : public LocalDiskTest
 protected:
     FindingADisk() { addSession("1"); }
 
+    unsigned shown = 0;
+
     /** The names of the disks found, or why there is none. */
     std::string found()
     {
         std::string names;
         const std::string reason = failure([&] {
-            for (const auto& disk : findDisks(job(), ways)) {
+            for (const auto& disk : findDisks(job(), ways, [this] { ++shown; })) {
                 names += disk.name + " ";
             }
         });
@@ -85,6 +87,26 @@ TEST_F(FindingADisk, SaysWhatIsInTheWayOfTheSearch)
                   "host, and the same call again goes on from there"));
 }
 
+TEST_F(FindingADisk, ShowsTheObjectAgainWhenSeveralScansFindNothing)
+{
+    options.findSeconds = 600;
+    onKernel = [&] {
+        if (shown != 0) {
+            add(KernelDisk());
+            onKernel = nullptr;
+        }
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_EQ(shown, 1U);
+}
+
+TEST_F(FindingADisk, AsksTheArrayEverMoreSeldomWhetherItIsShown)
+{
+    options.findSeconds = 100; // a pause takes a second here
+    EXPECT_THAT(found(), HasSubstr("no disk of this host answers as it"));
+    EXPECT_EQ(shown, 5U) << "after 4, 8, 16, 32 and 64 scans";
+}
+
 TEST_F(FindingADisk, AsksNoDiskThatIsKnownToBeAnotherWhenItsOwnIsThere)
 {
     add(KernelDisk());
@@ -108,6 +130,29 @@ TEST_F(FindingADisk, RenewsADiskUnderTheNamesOfAnother)
     };
     EXPECT_EQ(found(), "sdc ");
     EXPECT_THAT(platform.lines("flush: "), IsEmpty()) << "what waits for the old disk is not for this one";
+}
+
+TEST_F(FindingADisk, LeavesTheMapThatAnotherDiskIsAPathOf)
+{
+    add(stale());
+    KernelDisk healthy;
+    healthy.name = "sdd";
+    healthy.address = "1:0:0:2";
+    healthy.known = healthy.now = OTHER_WWN;
+    add(healthy);
+    KernelMap map;
+    map.wwid = std::string("3") + OTHER_WWN;
+    map.paths = {"sdc", "sdd"};
+    add(map);
+    options.findSeconds = 60;
+    onKernel = [&] {
+        if (seam.disks.count("sdc") == 0 && isScanned()) {
+            add(KernelDisk());
+        }
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_THAT(commands(), IsEmpty());
+    EXPECT_NE(ovra::disk::multipathMap("dm-3"), std::nullopt);
 }
 
 TEST_F(FindingADisk, NeverRenewsOneThatIsInUse)
@@ -137,7 +182,7 @@ TEST_F(FindingADisk, StopsAtADiskOfAnotherArrayWithItsWwn)
     add(KernelDisk());
     EXPECT_THAT(failure([&] {
                     manager->useConnection("127.0.0.1", 8088, "210123", "token", "cookie");
-                    findDisks(DiskJob(*manager, StorageObject::lun("9"), options), ways);
+                    findDisks(DiskJob(*manager, StorageObject::lun("9"), options), ways, [] {});
                 }),
                 HasSubstr("it is a disk of another array; nothing was changed"));
 }

@@ -71,6 +71,32 @@ TEST(AStepWithALimit, LeavesTheOthersDoneWhenOneHangs)
     gate->open();
 }
 
+TEST(AStepWithALimit, LeavesTheOthersDoneWhenMoreHangThanAreBegunAtOnce)
+{
+    const auto gate = std::make_shared<Gate>();
+    const auto done = std::make_shared<std::atomic<int>>(0);
+    std::vector<std::function<void()>> steps(20, [gate] { gate->wait(); });
+    steps.emplace_back([done, gate] {
+        ++*done;
+        gate->open();
+    });
+    doWithin(seconds(60), steps);
+    EXPECT_EQ(*done, 1);
+}
+
+TEST(AStepWithALimit, BeginsNothingMoreWhenTheTimeIsUp)
+{
+    const auto gate = std::make_shared<Gate>();
+    const auto begun = std::make_shared<std::atomic<int>>(0);
+    std::vector<std::function<void()>> steps(100, [begun, gate] {
+        ++*begun;
+        gate->wait();
+    });
+    doWithin(seconds(0), steps);
+    EXPECT_LE(*begun, 8);
+    gate->open();
+}
+
 TEST(ACommandWithALimit, TellsHowItEnded)
 {
     EXPECT_EQ(runWithin(seconds(60), "exit 3"), 3 << 8);

@@ -58,8 +58,8 @@ protected:
         std::filesystem::permissions(m_folder / "multipath", std::filesystem::perms::owner_all);
         setenv("PATH", m_folder.c_str(), 1);
         for (const std::string name : {"sdc", "sdaa"}) {
-            seam.exits("case $(timeout 5 udevadm info --query=property --name=/dev/" + name +
-                           " 2>/dev/null) in *USEC_INITIALIZED=*) exit 0;; esac; exit 1",
+            seam.exits("timeout 5 udevadm wait --initialized=true --timeout=5 /dev/" + name +
+                           " >/dev/null 2>&1",
                        {isKnownToUdev});
             const std::string answer =
                 "answer=$(timeout 5 multipath -u /dev/" + name + " 2>/dev/null); case $?$answer in ";
@@ -221,6 +221,33 @@ TEST_F(ProofOfADisk, AsksMultipathWhereUdevStaysAway)
     claim({1}, 0, 1);
     options.mapSeconds = 60;
     EXPECT_EQ(proved(), "/dev/sdaa");
+}
+
+TEST_F(ProofOfADisk, HandsOutAPathThatMultipathWouldTakeWhereItsDaemonDoesNotRun)
+{
+    addTwoPaths();
+    claim({0});
+    options.mapSeconds = 60;
+    seam.link("/proc/self/ns/pid", "pid:[4026531836]");
+    seam.write("/proc/1/comm", "systemd\n");
+    EXPECT_EQ(proved(), "/dev/sdaa");
+}
+
+TEST_F(ProofOfADisk, WaitsForAMapOfADaemonThatIsStartedAgain)
+{
+    addTwoPaths();
+    claim({0});
+    options.mapSeconds = 60;
+    seam.link("/proc/self/ns/pid", "pid:[4026531836]");
+    seam.write("/proc/1/comm", "systemd\n");
+    onKernel = [&] {
+        seam.write("/proc/812/comm", "multipathd\n");
+        if (platform.lines("usleep: ").size() > 20) {
+            addMap({"sdc", "sdaa"});
+            onKernel = nullptr;
+        }
+    };
+    EXPECT_EQ(proved(), "/dev/dm-3");
 }
 
 TEST_F(ProofOfADisk, WaitsForAPathThatItsMapHasNotYet)

@@ -9,6 +9,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+constexpr std::chrono::seconds LIMIT(600);
+
 class RemovalOfADisk : public LocalDiskTest
 {
 protected:
@@ -101,7 +103,7 @@ TEST_F(RemovalOfADisk, WaitsForWhatUdevRunsForAMoment)
 TEST_F(RemovalOfADisk, WritesBackFromTheTop)
 {
     addMapped();
-    writeBack(job(), disks(), false);
+    writeBack(job(), disks(), LIMIT, false);
     EXPECT_THAT(platform.lines("flush: "), ElementsAre("flush: dm-3", "flush: sdc"));
 }
 
@@ -110,10 +112,10 @@ TEST_F(RemovalOfADisk, StopsWhereDataCannotBeWrittenBack)
     add(KernelDisk());
     seam.disks["sdc"].flushError = EIO;
     EXPECT_THAT(
-        failure([&] { writeBack(job(), disks(), false); }),
+        failure([&] { writeBack(job(), disks(), LIMIT, false); }),
         HasSubstr("data not yet written to /dev/sdc cannot be written back: Input/output error; nothing was "
                   "removed"));
-    EXPECT_EQ(failure([&] { writeBack(job(), disks(), true); }), "") << "forced it is only told";
+    EXPECT_EQ(failure([&] { writeBack(job(), disks(), LIMIT, true); }), "") << "forced it is only told";
 }
 
 TEST_F(RemovalOfADisk, NeverOpensADeadOneToWriteBack)
@@ -121,7 +123,7 @@ TEST_F(RemovalOfADisk, NeverOpensADeadOneToWriteBack)
     KernelDisk dead;
     dead.state = "offline";
     add(dead);
-    writeBack(job(), disks(), false);
+    writeBack(job(), disks(), LIMIT, false);
     EXPECT_THAT(platform.lines("open: "), IsEmpty());
 }
 

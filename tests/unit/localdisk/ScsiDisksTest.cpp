@@ -3,6 +3,8 @@
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/ScsiHosts.h>
 
+#include <filesystem>
+
 using namespace ovra;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -62,6 +64,18 @@ TEST_F(DisksOfTheKernel, HaveAMapByTheirWwn)
     EXPECT_EQ(disk::mapOfWwn(WWN)->name, std::string("3") + WWN);
     EXPECT_FALSE(disk::mapOfWwn(OTHER_WWN));
     EXPECT_FALSE(disk::canAnswer("dm-3")) << "without a path it may keep for ever what it is asked";
+}
+
+TEST_F(DisksOfTheKernel, AreNoPathsAnyMoreWhenTheyAreRemovedAndTheMapHasThemStill)
+{
+    add(KernelDisk());
+    KernelMap map;
+    map.paths = {"sdc"};
+    add(map);
+    EXPECT_TRUE(disk::canAnswer("dm-3"));
+    std::filesystem::remove_all(seam.root + "/sys/block/sdc");
+    EXPECT_FALSE(disk::canAnswer("dm-3"));
+    EXPECT_THAT(disk::multipathMap("dm-3")->paths, IsEmpty());
 }
 
 TEST_F(DisksOfTheKernel, AreReachedByTheSessionsOfAnInitiator)

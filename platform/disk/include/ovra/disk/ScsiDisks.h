@@ -48,7 +48,7 @@ struct MultipathMap
     std::uint64_t bytes = 0;
     bool isReadOnly = false;
     bool isSuspended = false;
-    std::vector<std::string> paths; ///< "sdc"
+    std::vector<std::string> paths; ///< "sdc"; without those that are removed
 };
 
 /** The map that a node is; none for one that is gone, or no multipath map. */

@@ -31,13 +31,6 @@ Uses usesOf(const std::string& disk, const std::string& root = std::string());
  */
 Uses usesBeyondMap(const std::string& disk, const std::string& root = std::string());
 
-/**
- * Who has one of these nodes ("sdc", "dm-3") open, e.g. "sdc is open in process 4711 (dd)". Those that look
- * after all disks, udev and multipathd, are left out.
- */
-std::vector<std::string> openersOf(const std::vector<std::string>& nodes,
-                                   const std::string& root = std::string());
-
 } // namespace ovra::disk
 
 #endif

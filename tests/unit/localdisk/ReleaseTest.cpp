@@ -1,0 +1,163 @@
+#include "KernelDisks.h"
+
+#include "localdisk/Release.h"
+
+#include <algorithm>
+#include <filesystem>
+
+using namespace ovra::tessel;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+/** A host whose initiator the array counts to no host, so that there is nothing to hide. */
+class ReleaseOfADisk : public LocalDiskTest
+{
+protected:
+    ReleaseOfADisk()
+    {
+        addSession("1");
+        options.lockSeconds = 0;
+        platform.replyWith([this](const SentRequest& request) {
+            if (request.path == "/lun/7") {
+                return Reply::object(lun);
+            }
+            return request.path.rfind("/iscsi_initiator", 0) == 0
+                       ? Reply::object(R"({"ID":"iqn.2020-01.test:host"})")
+                       : Reply::ok();
+        });
+    }
+
+    std::string released(bool evenInUse = false)
+    {
+        return failure([&] { releaseDisk(job(), HostInitiator::iscsi("iqn.2020-01.test:host"), evenInUse); });
+    }
+    bool isThere(const std::string& name = "sdc") { return seam.disks.count(name) != 0; }
+    void mountDisk()
+    {
+        seam.files["/proc/self/mountinfo"] += "40 22 8:0 / /data rw shared:9 - xfs /dev/sdc rw\n";
+    }
+    /** Lines of the journal that begin with one of these, in order. */
+    std::vector<std::string> order(const std::vector<std::string>& beginnings)
+    {
+        std::vector<std::string> lines = platform.journal();
+        lines.erase(std::remove_if(lines.begin(), lines.end(),
+                                   [&](const std::string& line) {
+                                       return std::none_of(beginnings.begin(), beginnings.end(),
+                                                           [&](const std::string& begin) {
+                                                               return line.rfind(begin, 0) == 0;
+                                                           });
+                                   }),
+                    lines.end());
+        return lines;
+    }
+    KernelDisk dead()
+    {
+        KernelDisk disk;
+        disk.now = "";
+        disk.state = "transport-offline";
+        return disk;
+    }
+};
+
+TEST_F(ReleaseOfADisk, RemovesIt)
+{
+    add(KernelDisk());
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, WritesBackBeforeItTakesTheLockAndOnceMoreWithIt)
+{
+    add(KernelDisk());
+    EXPECT_EQ(released(), "");
+    EXPECT_THAT(order({"flush: ", "semop: 41 -1"}),
+                ElementsAre("flush: sdc", StartsWith("semop: 41 -1"), "flush: sdc"));
+}
+
+TEST_F(ReleaseOfADisk, RefusesOneThatIsMounted)
+{
+    add(KernelDisk());
+    mountDisk();
+    EXPECT_THAT(released(), HasSubstr("it is in use: sdc is mounted on /data; nothing was changed"));
+    EXPECT_TRUE(isThere());
+    EXPECT_THAT(order({"semop"}), IsEmpty()) << "nobody waits for what is refused";
+}
+
+TEST_F(ReleaseOfADisk, RefusesADeadOneThatIsMounted)
+{
+    add(dead());
+    mountDisk();
+    EXPECT_THAT(released(), HasSubstr("it is in use: sdc is mounted on /data; nothing was changed"));
+    EXPECT_TRUE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, RemovesADeadOneThatIsMountedWhenForced)
+{
+    add(dead());
+    mountDisk();
+    EXPECT_EQ(released(true), "");
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(platform.lines("warn: "),
+                testing::Contains("warn: /dev/sdc of LUN 7 does not answer: it is removed as it is."));
+}
+
+TEST_F(ReleaseOfADisk, NeverWritesBackToADeadOne)
+{
+    add(dead());
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(order({"flush", "open: sdc"}), IsEmpty());
+}
+
+TEST_F(ReleaseOfADisk, LooksAgainForUsesOfADiskThatComesBack)
+{
+    add(KernelDisk());
+    onKernel = [&] {
+        if (!isThere()) {
+            add(KernelDisk());
+            mountDisk();
+        }
+    };
+    EXPECT_THAT(released(), AllOf(HasSubstr("it is in use: sdc is mounted on /data"),
+                                  HasSubstr("another scan has found it again meanwhile")));
+    EXPECT_TRUE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, EndsWhenADiskComesBackAsOftenAsItIsRemoved)
+{
+    add(KernelDisk());
+    onKernel = [&] {
+        if (!isThere()) {
+            add(KernelDisk());
+        }
+    };
+    EXPECT_THAT(released(), HasSubstr("/dev/sdc stays"));
+}
+
+TEST_F(ReleaseOfADisk, LeavesADiskThatIsAnotherByNow)
+{
+    KernelDisk reused;
+    reused.now = OTHER_WWN;
+    add(reused);
+    EXPECT_EQ(released(), "");
+    EXPECT_TRUE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, LetsAMapThatIsUsedGoWhenItsUserEndsWhereForced)
+{
+    add(KernelDisk());
+    KernelMap map;
+    map.paths = {"sdc"};
+    add(map);
+    seam.files["/proc/self/mountinfo"] += "40 22 253:3 / /data rw shared:9 - xfs /dev/dm-3 rw\n";
+    EXPECT_THAT(released(true),
+                HasSubstr("stays until what uses it has ended; its paths are gone, and it is hidden"));
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(commands(), testing::Contains(std::string("system: timeout 5 dmsetup remove --deferred 3") +
+                                              WWN + " >/dev/null 2>&1"));
+    EXPECT_THAT(platform.journal(), testing::Contains(HasSubstr("fail_if_no_path")))
+        << "its user waits for nothing";
+}
