@@ -13,8 +13,6 @@
 namespace tesselctl {
 namespace {
 
-constexpr const char* KORVEX_RESCAN = "kxRescan";
-
 /** /dev/sdc for /dev/disk/by-id/../../sdc. */
 std::string realDevice(const std::string& path)
 {

@@ -46,9 +46,14 @@ bool hasCapability(int capability)
     return geteuid() == 0;
 }
 
+bool hasScanRights()
+{
+    return hasCapability(CAP_SYS_ADMIN) && hasCapability(CAP_SYS_RAWIO);
+}
+
 void requireScanRights(const std::string& work)
 {
-    if (!hasCapability(CAP_SYS_ADMIN) || !hasCapability(CAP_SYS_RAWIO)) {
+    if (!hasScanRights()) {
         throw Failure(work + " writes sysfs and sends SCSI commands: run it as root");
     }
 }

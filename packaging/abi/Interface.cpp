@@ -69,3 +69,5 @@ extern TESSEL_API decltype(&CDeviceManager::getInstance) const makesDeviceManage
     &CDeviceManager::getInstance;
 extern TESSEL_API decltype(&CDeviceManager::releaseInstance) const releasesDeviceManager =
     &CDeviceManager::releaseInstance;
+extern TESSEL_API decltype(&ovra::tessel::tidy) const tidies = &ovra::tessel::tidy;
+extern TESSEL_API decltype(&ovra::tessel::tidyDisks) const tidiesDisks = &ovra::tessel::tidyDisks;

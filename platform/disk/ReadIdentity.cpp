@@ -12,10 +12,17 @@ namespace ovra::disk {
 namespace {
 
 constexpr unsigned char INQUIRY = 0x12;
+constexpr unsigned char STANDARD = 0x00;
 constexpr unsigned char VITAL_PRODUCT_DATA = 0x01;
 constexpr unsigned char DEVICE_IDENTIFICATION = 0x83;
 constexpr unsigned char ALLOCATION_LENGTH = 0xFF;
 constexpr unsigned int LIMIT_MS = 60000;
+constexpr unsigned char CHECK_CONDITION = 0x02;
+constexpr unsigned char RESPONSE_CODE = 0x7F;
+constexpr unsigned char DESCRIPTOR_FORMAT = 0x72;
+constexpr unsigned char SENSE_KEY = 0x0F;
+constexpr unsigned char ILLEGAL_REQUEST = 0x05;
+constexpr unsigned char UNIT_NOT_SUPPORTED = 0x25;
 
 /** An open device; not inherited by the commands that other threads start meanwhile. */
 class OpenDevice
@@ -42,23 +49,56 @@ private:
     int m_fd;
 };
 
+/** One INQUIRY, and what came of it. */
+class Inquiry
+{
+public:
+    Inquiry(int descriptor, unsigned char kind, unsigned char page, unsigned char* buffer)
+    {
+        unsigned char command[6] = {INQUIRY, kind, page, 0x00, ALLOCATION_LENGTH, 0x00};
+        m_request.interface_id = 'S';
+        m_request.dxfer_direction = SG_DXFER_FROM_DEV;
+        m_request.cmd_len = sizeof(command);
+        m_request.mx_sb_len = sizeof(m_sense);
+        m_request.dxfer_len = PAGE_BYTES;
+        m_request.dxferp = buffer;
+        m_request.cmdp = command;
+        m_request.sbp = m_sense;
+        m_request.timeout = LIMIT_MS;
+        m_isSent = ioctl(descriptor, SG_IO, &m_request) == 0;
+    }
+
+    bool isGood() const { return m_isSent && m_request.status == 0; }
+
+    /** The sense data say LOGICAL UNIT NOT SUPPORTED. */
+    bool saysNoUnit() const
+    {
+        // Fixed format, or that of descriptors: where the key and the additional code stand.
+        const bool isFixed = (m_sense[0] & RESPONSE_CODE) < DESCRIPTOR_FORMAT;
+        const unsigned char key = m_sense[isFixed ? 2 : 1] & SENSE_KEY;
+        const unsigned char* const code = &m_sense[isFixed ? 12 : 2];
+        return m_isSent && m_request.status == CHECK_CONDITION && key == ILLEGAL_REQUEST &&
+               code[0] == UNIT_NOT_SUPPORTED && code[1] == 0;
+    }
+
+private:
+    sg_io_hdr m_request = {};
+    unsigned char m_sense[64] = {};
+    bool m_isSent;
+};
+
+/** The first byte of an answer tells whether a unit is connected there. */
+bool saysNoUnit(char first)
+{
+    const int qualifier = static_cast<unsigned char>(first) >> 5U;
+    return qualifier == 1 || qualifier == 3;
+}
+
 } // namespace
 
 int inquire(int descriptor, unsigned char page, unsigned char* buffer)
 {
-    unsigned char command[6] = {INQUIRY, VITAL_PRODUCT_DATA, page, 0x00, ALLOCATION_LENGTH, 0x00};
-    unsigned char sense[64] = {};
-    sg_io_hdr request = {};
-    request.interface_id = 'S';
-    request.dxfer_direction = SG_DXFER_FROM_DEV;
-    request.cmd_len = sizeof(command);
-    request.mx_sb_len = sizeof(sense);
-    request.dxfer_len = PAGE_BYTES;
-    request.dxferp = buffer;
-    request.cmdp = command;
-    request.sbp = sense;
-    request.timeout = LIMIT_MS;
-    return ioctl(descriptor, SG_IO, &request) == 0 && request.status == 0 ? 0 : -1;
+    return Inquiry(descriptor, VITAL_PRODUCT_DATA, page, buffer).isGood() ? 0 : -1;
 }
 
 std::optional<std::string> readPage83(const std::string& path)
@@ -78,6 +118,23 @@ DiskIdentity readIdentity(const std::string& path)
 {
     const std::optional<std::string> page = readPage83(path);
     return page ? parsePage83(*page).value_or(DiskIdentity()) : DiskIdentity();
+}
+
+DiskAnswer askDisk(const std::string& path)
+{
+    DiskAnswer answer{readPage83(path).value_or(""), false};
+    if (answer.page.empty() && canAnswer(lastName(path))) {
+        const OpenDevice device(path);
+        unsigned char data[PAGE_BYTES] = {};
+        if (device.descriptor() >= 0) {
+            const Inquiry standard(device.descriptor(), STANDARD, 0, data);
+            answer.hasNoUnit =
+                standard.isGood() ? saysNoUnit(static_cast<char>(data[0])) : standard.saysNoUnit();
+        }
+    } else if (!answer.page.empty() && saysNoUnit(answer.page[0])) {
+        answer = {"", true};
+    }
+    return answer;
 }
 
 } // namespace ovra::disk

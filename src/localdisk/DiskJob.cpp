@@ -1,5 +1,6 @@
 #include "localdisk/DiskJob.h"
 
+#include "host/Korvex.h"
 #include "job/Tries.h"
 #include "session/LastFailure.h"
 #include "storage/DiskKinds.h"
@@ -50,6 +51,11 @@ DiskJob::DiskJob(CDeviceManager& array, const StorageObject& object, const Local
     read();
 }
 
+DiskJob::DiskJob(CDeviceManager& array, const std::string& hostID, const LocalDiskOptions& chosen)
+    : manager(&array), volume{MO_HOST, hostID}, options(chosen)
+{
+}
+
 void DiskJob::read()
 {
     const Array array(*manager);
@@ -70,12 +76,22 @@ void DiskJob::read()
 
 std::string DiskJob::name() const
 {
-    return withKind(volume.type, [](auto kind) { return std::string(kind.NOUN); }) + " " + volume.id;
+    const std::string noun =
+        volume.type == MO_HOST ? "host" : withKind(volume.type, [](auto kind) { return kind.NOUN; });
+    return noun + " " + volume.id;
 }
 
 void DiskJob::fail(const std::string& reason) const
 {
     throw OvraAPIException(name() + ": " + reason + "! LocalDisk");
+}
+
+void DiskJob::requireNoKorvex() const
+{
+    if (!mayRemoveDevices()) {
+        fail("the Korvex product is installed on this host, or may be, and manages its disks itself: "
+             "attach and scan with CDiskAttachHandler and CDiskScannerHandler");
+    }
 }
 
 Deadline::Time Deadline::now()

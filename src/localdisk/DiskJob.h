@@ -11,22 +11,28 @@
 
 namespace ovra::tessel {
 
-/** One object, this host, and what the array says of the two. */
+/** One object, this host, and what the array says of the two; or all disks that this host has of the array.
+ */
 struct DiskJob
 {
     CDeviceManager* manager; ///< logged in
-    StorageObject volume;
+    StorageObject volume;    ///< of MO_HOST: no one object, but what a host of the array sees
     LocalDiskOptions options;
     std::string wwn;         ///< in lower case
     std::uint64_t bytes = 0; ///< 0: the array does not tell
 
     /** Reads the object. Throws when there is none, or when it has no WWN that a disk can have. */
     DiskJob(CDeviceManager& array, const StorageObject& object, const LocalDiskOptions& chosen);
+    DiskJob(CDeviceManager& array, const std::string& hostID, const LocalDiskOptions& chosen);
     void read();
 
-    std::string name() const; ///< "LUN 7"
+    std::string name() const; ///< "LUN 7", "host 3"
     std::chrono::seconds step() const { return std::chrono::seconds(options.stepSeconds); }
     [[noreturn]] void fail(const std::string& reason) const;
+    /** Fails beside the Korvex product, which manages the devices of its host: none may come and go without
+     * it.
+     */
+    void requireNoKorvex() const;
 };
 
 /** A point in time that a step ends at. */

@@ -1,51 +1,18 @@
-#include "host/Interruption.h"
-#include "host/Korvex.h"
 #include "localdisk/Finding.h"
 #include "localdisk/Proof.h"
 #include "localdisk/Release.h"
+#include "localdisk/Whole.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Names.h>
-#include <ovra/threads/NoCancellation.h>
 #include <tessel/HostTransaction.h>
 #include <tessel/LocalDisk.h>
 
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <system_error>
 
 namespace ovra::tessel {
-namespace {
-
-/** Does the steps of a call; what they throw comes out as one of the SDK's two classes. */
-template <class Steps>
-auto whole(const Steps& steps) -> decltype(steps())
-{
-    const NoCancellation untilTheEnd;
-    try {
-        return steps();
-    } catch (const Interruption& interruption) {
-        setLastScanSignal(interruption.signal);
-        throw OvraAPIException("a tool of the host was ended by signal " +
-                               std::to_string(interruption.signal) +
-                               ": call again to go on from there! LocalDisk");
-    } catch (const std::system_error& error) {
-        throw OvraAPIException(std::string("this process can start nothing: ") + error.what() +
-                               "! LocalDisk");
-    }
-}
-
-/** The product manages the devices of its host: none may come and go without it. */
-void requireNoKorvex(const DiskJob& job)
-{
-    if (!mayRemoveDevices()) {
-        job.fail("the Korvex product is installed on this host, or may be, and manages its disks itself: "
-                 "attach and scan with CDiskAttachHandler and CDiskScannerHandler");
-    }
-}
-
-} // namespace
 
 struct LocalDisk::State
 {
@@ -53,7 +20,7 @@ struct LocalDisk::State
           const LocalDiskOptions& options)
         : job(manager, volume, options), initiator(host)
     {
-        requireNoKorvex(job);
+        job.requireNoKorvex();
     }
 
     void attach()

@@ -1,42 +1,13 @@
 #include "localdisk/Sight.h"
 
-#include "host/Limited.h"
+#include "localdisk/AskAll.h"
 
 #include <ovra/disk/ReadIdentity.h>
 
 #include <algorithm>
-#include <memory>
-#include <mutex>
 
 namespace ovra::tessel {
 namespace {
-
-using Identities = std::vector<disk::DiskIdentity>;
-
-/** Asks all disks side by side; empty texts for those that did not answer in time. */
-Identities askAll(const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit)
-{
-    struct Answers
-    {
-        std::mutex mutex;
-        Identities identities;
-    };
-    const auto answers = std::make_shared<Answers>();
-    answers->identities.resize(disks.size());
-    std::vector<std::function<void()>> steps;
-    for (size_t i = 0; i < disks.size(); ++i) {
-        if (disks[i].isRunning()) {
-            steps.emplace_back([answers, i, path = "/dev/" + disks[i].name] {
-                const disk::DiskIdentity identity = disk::readIdentity(path);
-                const std::lock_guard<std::mutex> guard(answers->mutex);
-                answers->identities[i] = identity;
-            });
-        }
-    }
-    doWithin(limit, steps);
-    const std::lock_guard<std::mutex> guard(answers->mutex);
-    return answers->identities;
-}
 
 void sort(const DiskJob& job, const disk::ScsiDisk& disk, const disk::DiskIdentity& now, Sight& sight)
 {
@@ -61,7 +32,7 @@ void sort(const DiskJob& job, const disk::ScsiDisk& disk, const disk::DiskIdenti
 
 Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks)
 {
-    const Identities identities = askAll(disks, job.step());
+    const std::vector<disk::DiskIdentity> identities = askAll(disks, job.step(), disk::readIdentity);
     Sight sight;
     for (size_t i = 0; i < disks.size(); ++i) {
         sort(job, disks[i], identities[i], sight);

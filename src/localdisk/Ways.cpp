@@ -19,20 +19,11 @@ bool belongsTo(const Array& array, const disk::ScsiHost& host, const std::string
     }
 }
 
-} // namespace
+using Known = std::map<std::pair<bool, std::string>, bool>; // whether an initiator belongs to the host
 
-std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
+Ways waysOf(const DiskJob& job, const std::string& hostID, Known known)
 {
     const Array array(*job.manager);
-    return initiator.isFC ? array.fcInitiators()->getFCInitiator(initiator.id).PARENTID
-                          : array.iscsiInitiators()->getIscsiInitiator(initiator.id).PARENTID;
-}
-
-Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID)
-{
-    const Array array(*job.manager);
-    const std::string own = disk::plainInitiator(initiator.isFC, initiator.id);
-    std::map<std::pair<bool, std::string>, bool> known = {{{initiator.isFC, own}, true}};
     Ways ways;
     for (const disk::ScsiHost& host : disk::scsiHosts()) {
         const auto key = std::make_pair(host.isFC, host.initiator);
@@ -45,6 +36,26 @@ Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::strin
         }
     }
     return ways;
+}
+
+} // namespace
+
+std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
+{
+    const Array array(*job.manager);
+    return initiator.isFC ? array.fcInitiators()->getFCInitiator(initiator.id).PARENTID
+                          : array.iscsiInitiators()->getIscsiInitiator(initiator.id).PARENTID;
+}
+
+Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID)
+{
+    const std::string own = disk::plainInitiator(initiator.isFC, initiator.id);
+    return waysOf(job, hostID, Known{{{initiator.isFC, own}, true}});
+}
+
+Ways waysOf(const DiskJob& job, const std::string& hostID)
+{
+    return waysOf(job, hostID, Known());
 }
 
 void requireOnline(const DiskJob& job, const HostInitiator& initiator, const Ways& ways)

@@ -26,6 +26,9 @@ std::string hostOf(const DiskJob& job, const HostInitiator& initiator);
  */
 Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID);
 
+/** Those of all initiators of this host that the array counts to a host. */
+Ways waysOf(const DiskJob& job, const std::string& hostID);
+
 /** Throws when none is online. */
 void requireOnline(const DiskJob& job, const HostInitiator& initiator, const Ways& ways);
 

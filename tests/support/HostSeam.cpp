@@ -226,11 +226,17 @@ int HostSeam::ioctl(int fd, unsigned long request, void* argument)
     note("inquiry: " + name + page);
     const std::lock_guard<std::mutex> lock(m_mutex);
     SeamDisk& disk = disks.at(name);
-    if (disk.ioctlResult != 0 || disk.pages.empty()) {
+    const bool isStandard = inquiry->cmdp[1] == 0 && !disk.standard.empty();
+    if (disk.ioctlResult != 0 || (disk.pages.empty() && !isStandard)) {
         return failWith(EIO);
     }
-    const std::vector<unsigned char> bytes = take(disk.pages, {});
+    const std::vector<unsigned char> bytes = isStandard ? disk.standard : take(disk.pages, {});
     std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(inquiry->dxferp));
+    if (isStandard) {
+        inquiry->status = 0;
+        return 0;
+    }
+    std::copy(disk.sense.begin(), disk.sense.end(), inquiry->sbp);
     inquiry->status = disk.scsiStatus;
     return 0;
 }

@@ -18,7 +18,9 @@ struct SeamDisk
     int writeOpenError = 0;                       ///< errno of an open for writing
     int ioctlResult = 0;
     unsigned char scsiStatus = 0;
-    int flushError = 0; ///< errno of BLKFLSBUF
+    std::vector<unsigned char> sense;    ///< beside a status that is not 0
+    std::vector<unsigned char> standard; ///< data of the standard INQUIRY; empty: fails as the page does
+    int flushError = 0;                  ///< errno of BLKFLSBUF
 };
 
 /**

@@ -40,7 +40,11 @@ class TidyCommand(unittest.TestCase):
         done = self.tidy("tidy", "--host", self.host, "--remove", "--most", "1")
         self.assertTrue(done.stdout.endswith("1 removed, 0 kept; ended early, call it again\n"), done.stdout)
         done = self.tidy("--output", "json", "tidy", "--host", self.host, "--remove")
-        self.assertEqual(json.loads(done.stdout)["removed"], 1)
+        told = json.loads(done.stdout)
+        self.assertEqual(told["removed"], 1)
+        self.assertEqual([entry["verdict"] for entry in told["objects"]], ["removed", "kept"])
+        self.assertEqual(told["disks"], [])
+        self.assertTrue(told["complete"])
         self.assertEqual(self.groups(), ["hostgroup_payroll"])
 
     def test_tells_each_object_at_once(self):

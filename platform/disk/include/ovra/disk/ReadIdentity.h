@@ -3,6 +3,9 @@
 
 #include "ovra/disk/Page83.h"
 
+#include <optional>
+#include <string>
+
 namespace ovra::disk {
 
 constexpr unsigned int PAGE_BYTES = 256;
@@ -19,6 +22,17 @@ std::optional<std::string> readPage83(const std::string& path);
 
 /** Who a device is, asked of itself; empty texts when it cannot be read. */
 DiskIdentity readIdentity(const std::string& path);
+
+/** What a device says of itself. */
+struct DiskAnswer
+{
+    std::string page;       ///< page 0x83; empty when it gives none
+    bool hasNoUnit = false; ///< its target says that nothing is connected at its LUN number
+};
+
+/** Asks a device for its page 0x83, and where it gives none, whether it is there at all. One that is known to
+ * be dead is not asked. */
+DiskAnswer askDisk(const std::string& path);
 
 } // namespace ovra::disk
 

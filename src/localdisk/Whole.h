@@ -1,0 +1,34 @@
+#ifndef LOCALDISK_WHOLE_H
+#define LOCALDISK_WHOLE_H
+
+#include "host/Interruption.h"
+
+#include <ovra/threads/NoCancellation.h>
+#include <tessel/Exception.h>
+
+#include <string>
+#include <system_error>
+
+namespace ovra::tessel {
+
+/** Does the steps of a call; what they throw comes out as one of the SDK's two classes. */
+template <class Steps>
+auto whole(const Steps& steps) -> decltype(steps())
+{
+    const NoCancellation untilTheEnd;
+    try {
+        return steps();
+    } catch (const Interruption& interruption) {
+        setLastScanSignal(interruption.signal);
+        throw OvraAPIException("a tool of the host was ended by signal " +
+                               std::to_string(interruption.signal) +
+                               ": call again to go on from there! LocalDisk");
+    } catch (const std::system_error& error) {
+        throw OvraAPIException(std::string("this process can start nothing: ") + error.what() +
+                               "! LocalDisk");
+    }
+}
+
+} // namespace ovra::tessel
+
+#endif
