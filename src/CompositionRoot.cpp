@@ -41,6 +41,15 @@ void deleteInOrder(Handlers*&... handlers)
 CHandler* CDeviceManagerImpl::getHandler(HANDLERTYPE type)
 {
     const ovra::NoCancellation whole; // a scanner runs a command when it is made
+    Observation seen("getHandler", this);
+    seen.names(kinds::HANDLER, std::to_string(type));
+    CHandler* const handler = handlerOf(type);
+    seen.ended(handler != nullptr ? RESULT_SUCCESS : RESULT_BAD_ARGUMENT);
+    return handler;
+}
+
+CHandler* CDeviceManagerImpl::handlerOf(HANDLERTYPE type)
+{
     switch (type) {
     case LUN_HANDLER:
         return madeOnce(m_pLunHandler, this);

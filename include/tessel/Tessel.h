@@ -24,6 +24,7 @@
 #include <tessel/Lun.h>
 #include <tessel/LunGroup.h>
 #include <tessel/MappingView.h>
+#include <tessel/Observer.h>
 #include <tessel/Snapshot.h>
 #include <tessel/Tidy.h>
 #include <tessel/Version.h>

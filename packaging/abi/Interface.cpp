@@ -34,6 +34,9 @@ template void layoutOf(const CDiskScannerHandler&);
 
 template void layoutOf(const ovra::tessel::HostTransaction&);
 template void layoutOf(const ovra::tessel::LocalDisk&);
+template void layoutOf(const ovra::tessel::Observer&);
+template void layoutOf(const ovra::tessel::OperationEvent&);
+template void layoutOf(const ovra::tessel::HostEvent&);
 
 template void layoutOf(const LunQuery&);
 template void layoutOf(const LunGroupQuery&);

@@ -8,7 +8,7 @@ using namespace ovra::tessel;
 FCInitiatorMO CFCInitiatorHandlerImpl::createFCInitiator(FCInitiatorMO& initiator)
 {
     return run("createFCInitiator", [&](Operation& op) {
-        op.requireId(initiator.ID, texts::FC_INITIATOR_ID_EMPTY);
+        op.requireId(initiator.ID, texts::FC_INITIATOR_ID);
         op.add("ID", initiator.ID);
         if (!initiator.PARENTID.empty()) {
             op.add("PARENTID", initiator.PARENTID);
@@ -21,13 +21,13 @@ FCInitiatorMO CFCInitiatorHandlerImpl::createFCInitiator(FCInitiatorMO& initiato
 
 void CFCInitiatorHandlerImpl::deleteFCInitiator(const std::string& fcInitiatorID)
 {
-    deleteById("deleteFCInitiator", "/fc_initiator/", fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
+    deleteById("deleteFCInitiator", "/fc_initiator/", fcInitiatorID, texts::FC_INITIATOR_ID);
 }
 
 FCInitiatorMO CFCInitiatorHandlerImpl::getFCInitiator(const std::string& fcInitiatorID)
 {
     return run("getFCInitiator", [&](Operation& op) {
-        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID);
         return op.get("/fc_initiator/" + urlValue(fcInitiatorID)).readAny<FCInitiatorMO>();
     });
 }
@@ -36,8 +36,8 @@ void CFCInitiatorHandlerImpl::addFCInitiatorToHost(const std::string& fcInitiato
                                                    const std::string& hostID)
 {
     run("addFCInitiatorToHost", [&](Operation& op) {
-        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID);
+        op.requireId(hostID, texts::HOST_ID);
         op.add("PARENTTYPE", int{MO_HOST});
         op.add("PARENTID", hostID);
         op.put("/fc_initiator/" + urlValue(fcInitiatorID));
@@ -47,7 +47,7 @@ void CFCInitiatorHandlerImpl::addFCInitiatorToHost(const std::string& fcInitiato
 void CFCInitiatorHandlerImpl::removeFCInitiatorFromHost(const std::string& fcInitiatorID)
 {
     run("removeFCInitiatorFromHost", [&](Operation& op) {
-        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID_EMPTY);
+        op.requireId(fcInitiatorID, texts::FC_INITIATOR_ID);
         op.add("ID", fcInitiatorID);
         op.put("/fc_initiator/remove_fc_from_host");
     });

@@ -33,19 +33,19 @@ HostGroupMO CHostGroupHandlerImpl::createHostGroup(HostGroupMO& hostGroup)
 
 void CHostGroupHandlerImpl::deleteHostGroup(const std::string& hostGroupID)
 {
-    deleteById("deleteHostGroup", "/hostgroup/", hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+    deleteById("deleteHostGroup", "/hostgroup/", hostGroupID, texts::HOSTGROUP_ID);
 }
 
 HostGroupMO CHostGroupHandlerImpl::getHostGroup(const std::string& hostGroupID)
 {
-    return readById<HostGroupMO>("getHostGroup", "/hostgroup/", hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+    return readById<HostGroupMO>("getHostGroup", "/hostgroup/", hostGroupID, texts::HOSTGROUP_ID);
 }
 
 void CHostGroupHandlerImpl::addHostToHostGroup(const std::string& hostID, const std::string& hostGroupID)
 {
     run("addHostToHostGroup", [&](Operation& op) {
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID);
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID);
         absorb(ADDING, op.name(), [&] {
             op.addMember(hostGroupID, MO_HOST, hostID);
             op.post("/hostgroup/associate");
@@ -57,7 +57,7 @@ std::vector<HostGroupMO> CHostGroupHandlerImpl::getHostGroupByHost(const std::st
                                                                    HostGroupQuery& query)
 {
     return run("getHostGroupByHost", [&](Operation& op) {
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID);
         return list(op, MO_HOST, hostID, query, &CHostGroupHandler::getHostGroup);
     });
 }
@@ -65,7 +65,7 @@ std::vector<HostGroupMO> CHostGroupHandlerImpl::getHostGroupByHost(const std::st
 HostGroupMO CHostGroupHandlerImpl::getHostGroupByMappingView(const std::string& mappingViewID)
 {
     return run("getHostGroupByMappingView", [&](Operation& op) {
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID);
         const Answer found = op.get("/hostgroup/associate?" + associatedWith(MO_MAPPINGVIEW, mappingViewID));
         return found.hasObject() ? getHostGroup(found.id()) : HostGroupMO();
     });
@@ -74,8 +74,8 @@ HostGroupMO CHostGroupHandlerImpl::getHostGroupByMappingView(const std::string& 
 void CHostGroupHandlerImpl::removeHostFromHostGroup(const std::string& hostID, const std::string& hostGroupID)
 {
     run("removeHostFromHostGroup", [&](Operation& op) {
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID);
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID);
         // "/host" where the addition has "/hostgroup": docs/oddities.md#host-associate
         absorb(REMOVING, op.name(),
                [&] { op.del("/host/associate?" + memberOf(hostGroupID, MO_HOST, hostID)); });

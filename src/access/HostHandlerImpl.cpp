@@ -31,5 +31,5 @@ HostMO CHostHandlerImpl::createHost(HostMO& host)
 
 HostMO CHostHandlerImpl::getHost(const std::string& hostID)
 {
-    return readById<HostMO>("getHost", "/host/", hostID, texts::HOST_ID_EMPTY);
+    return readById<HostMO>("getHost", "/host/", hostID, texts::HOST_ID);
 }

@@ -76,7 +76,7 @@ IscsiInitiatorMO CIscsiInitiatorHandlerImpl::createIscsiInitiator(IscsiInitiator
     // Create and modify close with their enter text: docs/oddities.md#closing-line
     const Frame frame = Frame("createIscsiInitiator").closingAsEntered();
     return run(frame, [&](Operation& op) {
-        op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID_EMPTY);
+        op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID);
         op.add("ID", initiator.ID);
         op.addIfSet("PARENTID", initiator.PARENTID);
         if (initiator.PARENTTYPE != 0) {
@@ -92,7 +92,7 @@ void CIscsiInitiatorHandlerImpl::modifyIscsiInitiator(IscsiInitiatorMO& initiato
 {
     run(Frame("modifyIscsiInitiator").closingAsEntered(), [&](Operation& op) {
         const IscsiInitiatorMO current = getIscsiInitiator(initiator.ID);
-        op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID_EMPTY);
+        op.requireId(initiator.ID, texts::ISCSI_INITIATOR_ID);
         op.add("ID", initiator.ID);
         addChapOnModify(op, initiator, current);
         op.addIfSet("NAME", initiator.NAME);
@@ -107,23 +107,22 @@ void CIscsiInitiatorHandlerImpl::modifyIscsiInitiator(IscsiInitiatorMO& initiato
 IscsiInitiatorMO CIscsiInitiatorHandlerImpl::getIscsiInitiator(const std::string& iscsiInitiatorID)
 {
     return run("getIscsiInitiator", [&](Operation& op) {
-        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID);
         return op.get("/iscsi_initiator/" + urlValue(iscsiInitiatorID)).readAny<IscsiInitiatorMO>();
     });
 }
 
 void CIscsiInitiatorHandlerImpl::deleteIscsiInitiator(const std::string& iscsiInitiatorID)
 {
-    deleteById("deleteIscsiInitiator", "/iscsi_initiator/", iscsiInitiatorID,
-               texts::ISCSI_INITIATOR_ID_EMPTY);
+    deleteById("deleteIscsiInitiator", "/iscsi_initiator/", iscsiInitiatorID, texts::ISCSI_INITIATOR_ID);
 }
 
 void CIscsiInitiatorHandlerImpl::addIscsiInitiatorToHost(const std::string& iscsiInitiatorID,
                                                          const std::string& hostID)
 {
     run("addIscsiInitiatorToHost", [&](Operation& op) {
-        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID);
+        op.requireId(hostID, texts::HOST_ID);
         op.add("PARENTTYPE", int{MO_HOST});
         op.add("PARENTID", hostID);
         op.put("/iscsi_initiator/" + urlValue(iscsiInitiatorID));
@@ -133,7 +132,7 @@ void CIscsiInitiatorHandlerImpl::addIscsiInitiatorToHost(const std::string& iscs
 void CIscsiInitiatorHandlerImpl::removeIscsiInitiatorFromHost(const std::string& iscsiInitiatorID)
 {
     run("removeIscsiInitiatorFromHost", [&](Operation& op) {
-        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID_EMPTY);
+        op.requireId(iscsiInitiatorID, texts::ISCSI_INITIATOR_ID);
         op.add("ID", iscsiInitiatorID);
         op.put("/iscsi_initiator/remove_iscsi_from_host");
     });

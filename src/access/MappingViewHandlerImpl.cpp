@@ -22,21 +22,20 @@ MappingViewMO CMappingViewHandlerImpl::createMappingView(MappingViewMO& mappingV
 
 void CMappingViewHandlerImpl::deleteMappingView(const std::string& mappingViewID)
 {
-    deleteById("deleteMappingView", "/mappingview/", mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+    deleteById("deleteMappingView", "/mappingview/", mappingViewID, texts::MAPPINGVIEW_ID);
 }
 
 MappingViewMO CMappingViewHandlerImpl::getMappingView(const std::string& mappingViewID)
 {
-    return readById<MappingViewMO>("getMappingView", "/mappingview/", mappingViewID,
-                                   texts::MAPPINGVIEW_ID_EMPTY);
+    return readById<MappingViewMO>("getMappingView", "/mappingview/", mappingViewID, texts::MAPPINGVIEW_ID);
 }
 
 void CMappingViewHandlerImpl::addLunGroupToMappingView(const std::string& lunGroupID,
                                                        const std::string& mappingViewID)
 {
     run("addLunGroupToMappingView", [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID);
         associateWithMaskingView(lunGroupID, mappingViewID, MO_LUNGROUP, op.name());
     });
 }
@@ -45,8 +44,8 @@ void CMappingViewHandlerImpl::removeLunGroupFromMappingView(const std::string& l
                                                             const std::string& mappingViewID)
 {
     run("removeLunGroupFromMappingView", [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID);
         removeAssociateFromMappingView(lunGroupID, mappingViewID, MO_LUNGROUP, op.name());
     });
 }
@@ -55,8 +54,8 @@ void CMappingViewHandlerImpl::addHostGroupToMappingView(const std::string& hostG
                                                         const std::string& mappingViewID)
 {
     run("addHostGroupToMappingView", [&](Operation& op) {
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID);
         associateWithMaskingView(hostGroupID, mappingViewID, MO_HOSTGROUP, op.name());
     });
 }
@@ -65,8 +64,8 @@ void CMappingViewHandlerImpl::removeHostGroupFromMappingView(const std::string& 
                                                              const std::string& mappingViewID)
 {
     run("removeHostGroupFromMappingView", [&](Operation& op) {
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID);
         removeAssociateFromMappingView(hostGroupID, mappingViewID, MO_HOSTGROUP, op.name());
     });
 }
@@ -75,7 +74,7 @@ std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByLunGroup(con
                                                                              MappingViewQuery& query)
 {
     return run("getMappingViewByLunGroup", [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         return getMappingViewByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
     });
 }
@@ -84,7 +83,7 @@ std::vector<MappingViewMO> CMappingViewHandlerImpl::getMappingViewByHostGroup(co
                                                                               MappingViewQuery& query)
 {
     return run("getMappingViewByHostGroup", [&](Operation& op) {
-        op.requireId(hostGroupID, texts::HOSTGROUP_ID_EMPTY);
+        op.requireId(hostGroupID, texts::HOSTGROUP_ID);
         return getMappingViewByCondition(hostGroupID, MO_HOSTGROUP, query, op.name());
     });
 }

@@ -49,8 +49,8 @@ template <class Kind>
 void checkArguments(Operation& op, const std::string& id, const std::string& initiatorId,
                     const CDeviceManagerImpl* deviceManager)
 {
-    op.requireId(id, Kind::ID_EMPTY);
-    op.requireId(initiatorId, texts::ISCSI_INITIATOR_ID_EMPTY);
+    op.requireId(id, Kind::ID);
+    op.requireId(initiatorId, texts::ISCSI_INITIATOR_ID);
     op.require(deviceManager != nullptr, texts::NO_DEVICE_MANAGER);
 }
 

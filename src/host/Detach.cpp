@@ -49,6 +49,7 @@ void detachFromHost(Operation& op, const AttachHandlers& handlers, const std::st
         op.close("Host was not existed! ", RESULT_BAD_ARGUMENT);
         return;
     }
+    op.names(kinds::HOST, initiator.PARENTID);
     const HostMO host = handlers.host().getHost(initiator.PARENTID);
     int matches = 0;
     HostGroupQuery allGroups;

@@ -2,6 +2,7 @@
 
 #include "host/CommandLines.h"
 #include "host/WriteBack.h"
+#include "observer/Observation.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Lsscsi.h>
@@ -75,7 +76,8 @@ bool remove(const std::string& device, const IsWanted& isWanted)
     }
     const std::string command = "echo 1 > /sys/block/" + disk::lastName(device) + "/device/delete";
     COMMLOG(OS_LOG_INFO, "delete disk cmd[%s]", command.c_str());
-    runCommand(command);
+    const bool isRemoved = runCommand(command) == 0;
+    tellStep(isRemoved ? HostEvent::REMOVED : HostEvent::REFUSED, device);
     return true;
 }
 
@@ -86,6 +88,7 @@ void sayNothingRemoved(const char* label, const disk::DiskIdentity& wanted)
     for (const std::string& name : disk::disksWithWwn(wanted.wwn)) {
         COMMLOG(OS_LOG_WARN, "%s has its WWN, but does not answer with it and with that ID: it stays.",
                 name.c_str());
+        tellStep(HostEvent::REFUSED, "/dev/" + disk::lastName(name), "does not answer as the object");
     }
 }
 
@@ -113,6 +116,7 @@ bool prepareRemoval(const std::string& path, const std::string& device, const Is
     if (!isStill) {
         COMMLOG(OS_LOG_ERROR, "%s has changed or does not answer any more: it is not removed. Scan again.",
                 device.c_str());
+        tellStep(HostEvent::REFUSED, device, "has changed or does not answer any more");
     }
     return isStill;
 }

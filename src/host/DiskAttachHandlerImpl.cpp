@@ -37,6 +37,7 @@ int attach(CDiskAttachHandlerImpl& self, CDeviceManagerImpl* deviceManager, cons
         const auto object = readObject<Kind>(op, handlers, id);
         const IscsiInitiatorMO initiator = readInitiator(op, handlers, initiatorId);
         const HostMO host = hostOf(handlers, initiator, self.getBuildedName("host"), hostIp);
+        op.names(kinds::HOST, host.ID);
 
         typename Kind::Query wanted = only<Kind>(id);
         if (!(handlers.of<Kind>().*Kind::OF_HOST)(host.ID, wanted).empty()) {
@@ -104,6 +105,7 @@ void CDiskAttachHandlerImpl::addMappingView(const std::string& lunGroupID, const
         throw; // the thread is being cancelled: nothing may stop that
     } catch (...) {
         COMMLOG(OS_LOG_ERROR, "MappingView add HostGroup or add LunGroup fail! %s", callerName.c_str());
+        Observation::absorbed();
         mappingViewHandler->deleteMappingView(mappingViewID);
     }
 }

@@ -83,6 +83,7 @@ std::string CDiskScannerHandlerImpl::scanLunAfterAttach(std::string& lunID)
 
 std::string CDiskScannerHandlerImpl::scanSnapshotAfterAttach(std::string& snapshotID)
 {
+    const Untold untilWaitersGoOn;
     std::unique_lock<std::mutex> waiters; // kept back until this scan has written its last line
     const auto steps = [&](SnapshotMO& snapshot) -> std::optional<std::string> {
         std::string path = awaitScan(snapshot.ID, snapshot.WWN);

@@ -1,6 +1,7 @@
 #include "host/HostRescan.h"
 
 #include "host/CommandLines.h"
+#include "observer/Observation.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Nodes.h>
@@ -79,6 +80,7 @@ void waitForTemporaryDevices()
 
 void rescanHost(disk::Presence korvex)
 {
+    const TimedScan scan(korvex == disk::Presence::PRESENT ? "kxRescan" : "rescan-scsi-bus.sh");
     if (korvex == disk::Presence::PRESENT) {
         rescanWithKorvex();
     } else {

@@ -76,6 +76,7 @@ HostTransaction::HostTransaction(unsigned seconds)
     }
     KxRescanLock lock;
     makeOnce(lock);
+    const TimedWait wait;
     const time_t start = monotonic().tv_sec;
     for (;;) {
         const int semId = lock.getSem();
@@ -86,6 +87,7 @@ HostTransaction::HostTransaction(unsigned seconds)
         const int error = tryFor(semId, std::clamp<time_t>(left, 0, LONGEST_NAP_S));
         if (error == 0) {
             t_isHeld = true;
+            beginUntold();
             return;
         }
         if (error != EAGAIN && error != EINTR && error != EIDRM) {
@@ -101,6 +103,7 @@ HostTransaction::~HostTransaction()
 {
     t_isHeld = false;
     KxRescanLock().ReleaseLock();
+    endUntold();
 }
 
 } // namespace ovra::tessel

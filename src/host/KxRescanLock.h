@@ -1,6 +1,8 @@
 #ifndef HOST_KXRESCANLOCK_H
 #define HOST_KXRESCANLOCK_H
 
+#include "observer/Observation.h"
+
 /**
  * A lock over every process and thread of this host that rescans its SCSI buses: a System V semaphore that is
  * 1 when free and 0 when held. All operations return 0, or -1 after a line in the run log.
@@ -30,10 +32,7 @@ bool isHeldElsewhere();
 class HeldRescanLock
 {
 public:
-    explicit HeldRescanLock(KxRescanLock& lock)
-        : m_lock(lock), m_held(!isHeldElsewhere() && lock.GetLock() == 0)
-    {
-    }
+    explicit HeldRescanLock(KxRescanLock& lock) : m_lock(lock), m_held(take(lock)) {}
     ~HeldRescanLock()
     {
         if (m_held) {
@@ -46,6 +45,13 @@ public:
     explicit operator bool() const { return m_held; }
 
 private:
+    static bool take(KxRescanLock& lock)
+    {
+        const TimedWait wait;
+        return !isHeldElsewhere() && lock.GetLock() == 0;
+    }
+
+    const Untold m_untold; ///< goes last
     KxRescanLock& m_lock;
     const bool m_held;
 };

@@ -20,7 +20,8 @@ template <class Kind>
 std::optional<typename Kind::Object> readScanned(Operation& op, CDeviceManagerImpl* deviceManager,
                                                  const std::string& id)
 {
-    if (op.closeUnless(!id.empty(), Kind::ID_EMPTY)) {
+    op.names(Kind::ID.kind, id);
+    if (op.closeUnless(!id.empty(), Kind::ID.textIfEmpty)) {
         return std::nullopt;
     }
     CHandler* const handler = deviceManager == nullptr ? nullptr : deviceManager->getHandler(Kind::HANDLER);
@@ -68,6 +69,9 @@ std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std:
         } else if (path->empty()) {
             COMMLOG(OS_LOG_WARN, "%s", Kind::NOT_FOUND);
             op.keep(Kind::NOT_FOUND, true);
+        } else {
+            op.seen().found(*path);
+            tellStep(HostEvent::FOUND, *path);
         }
         return path.value_or(std::string());
     });

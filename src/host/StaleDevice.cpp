@@ -2,6 +2,7 @@
 
 #include "host/CommandLines.h"
 #include "host/DeviceRemoval.h"
+#include "observer/Observation.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
 
@@ -45,6 +46,7 @@ bool checkAddress(const disk::ScsiAddress& address, const std::string& device)
     }
     COMMLOG(OS_LOG_ERROR, "%s is no longer the device at %s: it is not removed. Scan again.", device.c_str(),
             address.text.c_str());
+    tellStep(HostEvent::REFUSED, device, "no longer the device at " + address.text);
     return false;
 }
 
@@ -120,6 +122,7 @@ void renewAt(const disk::ScsiAddress& address, const Disk& disk, const std::stri
     COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
     sleep(1);
     waitForName(address, wwn);
+    tellStep(HostEvent::RENEWED, disk.device, address.text);
 }
 
 } // namespace

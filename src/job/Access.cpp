@@ -1,7 +1,9 @@
 #include "job/Showing.h"
+#include "observer/Observation.h"
 #include "session/LastFailure.h"
 
 #include <tessel/Access.h>
+#include <tessel/DeviceManager.h>
 
 namespace ovra::tessel {
 namespace {
@@ -40,23 +42,25 @@ void takeOut(const AccessMap& map, const StorageObject& object, const LunGroupMO
                            "; the run log says why! ensureHidden");
 }
 
-} // namespace
-
-AccessResult ensureVisible(CDeviceManager& manager, const StorageObject& object,
-                           const HostInitiator& initiator, const AccessOptions& options)
+/** What both calls are around their own steps. */
+template <class Steps>
+AccessResult changing(const char* call, CDeviceManager& manager, const StorageObject& object,
+                      const HostInitiator& initiator, const AccessOptions& options, const Steps& steps)
 {
     return calling(FailureKind::REFUSED, [&] {
-        checkArguments(object, initiator, "ensureVisible");
-        const AccessMap map(manager, object, initiator, options);
-        return Showing(map, object, initiator, options).run();
+        return observed(call, manager, [&](Observation& seen) {
+            seen.setChange();
+            seen.names(object, initiator);
+            checkArguments(object, initiator, call);
+            const AccessMap map(manager, object, initiator, options);
+            seen.names(kinds::HOST, map.hostID());
+            return steps(seen, map);
+        });
     });
 }
 
-static AccessResult hide(CDeviceManager& manager, const StorageObject& object, const HostInitiator& initiator,
-                         const AccessOptions& options)
+AccessResult hide(const AccessMap& map, const StorageObject& object, const AccessOptions& options)
 {
-    checkArguments(object, initiator, "ensureHidden");
-    const AccessMap map(manager, object, initiator, options);
     AccessResult result;
     result.hostID = map.hostID();
     if (result.hostID.empty()) {
@@ -93,10 +97,23 @@ static AccessResult hide(CDeviceManager& manager, const StorageObject& object, c
     return result;
 }
 
+} // namespace
+
+AccessResult ensureVisible(CDeviceManager& manager, const StorageObject& object,
+                           const HostInitiator& initiator, const AccessOptions& options)
+{
+    return changing("ensureVisible", manager, object, initiator, options, [&](auto& seen, const auto& map) {
+        AccessResult result = Showing(map, object, initiator, options).run();
+        seen.names(kinds::HOST, result.hostID);
+        return result;
+    });
+}
+
 AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
                           const HostInitiator& initiator, const AccessOptions& options)
 {
-    return calling(FailureKind::REFUSED, [&] { return hide(manager, object, initiator, options); });
+    return changing("ensureHidden", manager, object, initiator, options,
+                    [&](auto&, const auto& map) { return hide(map, object, options); });
 }
 
 } // namespace ovra::tessel

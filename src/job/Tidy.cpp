@@ -1,5 +1,6 @@
 #include "job/TidyPlan.h"
 #include "job/Tries.h"
+#include "observer/Observation.h"
 #include "session/LastFailure.h"
 
 #include <tessel/Array.h>
@@ -194,7 +195,12 @@ private:
 TidyResult tidy(CDeviceManager& manager, const std::string& hostID, const TidyOptions& options,
                 const std::function<bool(const TidyFinding&)>& tell)
 {
-    return calling(FailureKind::REFUSED, [&] { return Tidying(manager, hostID, options, tell).run(); });
+    return calling(FailureKind::REFUSED, [&] {
+        return observed("tidy", manager, [&](Observation& seen) {
+            seen.names(kinds::HOST, hostID);
+            return Tidying(manager, hostID, options, tell).run();
+        });
+    });
 }
 
 } // namespace ovra::tessel

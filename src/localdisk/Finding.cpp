@@ -2,6 +2,7 @@
 
 #include "host/Limited.h"
 #include "localdisk/Removal.h"
+#include "observer/Observation.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Files.h>
@@ -34,6 +35,7 @@ public:
         for (;;) {
             const Sight sight = look();
             if (!sight.foreign.empty()) {
+                tellStep(HostEvent::REFUSED, "", sight.foreign.front());
                 m_job.fail(sight.foreign.front() + ": it is a disk of another array; nothing was changed on "
                                                    "this host");
             }
@@ -71,6 +73,7 @@ private:
         }
         COMMLOG(OS_LOG_INFO, "Scanning the SCSI hosts %s for %s.", listed(m_ways.online).c_str(),
                 m_job.name().c_str());
+        const TimedScan timed(listed(m_ways.online));
         doWithin(m_job.step(), scans);
         const Deadline deadline(m_job.options.stepSeconds);
         while (disk::hasUnfinishedDisks(m_ways.online) && deadline.pause()) {
@@ -111,6 +114,7 @@ private:
                 removeMap(m_job, *map);
             }
             const std::string problem = removeDisk(m_job, disk, [] { return ""; });
+            tellStep(problem.empty() ? HostEvent::RENEWED : HostEvent::REFUSED, "/dev/" + disk.name, problem);
             if (!problem.empty()) {
                 m_job.fail(problem);
             }

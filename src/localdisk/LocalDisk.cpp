@@ -2,9 +2,11 @@
 #include "localdisk/Proof.h"
 #include "localdisk/Release.h"
 #include "localdisk/Whole.h"
+#include "observer/Observation.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Names.h>
+#include <tessel/DeviceManager.h>
 #include <tessel/HostTransaction.h>
 #include <tessel/LocalDisk.h>
 
@@ -13,6 +15,19 @@
 #include <cstdlib>
 
 namespace ovra::tessel {
+namespace {
+
+/** A call on one disk, whose end the observers are told. */
+template <class Steps>
+auto told(const char* call, const CDeviceManager& manager, const StorageObject& volume, const Steps& steps)
+{
+    return observed(call, manager, [&](Observation& seen) {
+        seen.names(kinds::of(volume.type), volume.id);
+        return whole([&] { return steps(seen); });
+    });
+}
+
+} // namespace
 
 struct LocalDisk::State
 {
@@ -52,6 +67,23 @@ struct LocalDisk::State
         proved = prove(job, sight.ours, sizes);
     }
 
+    void tellFound(Observation& seen) const
+    {
+        seen.names(kinds::HOST, hostID);
+        seen.found(proved.path);
+        tellStep(HostEvent::FOUND, proved.path);
+    }
+
+    template <class Steps>
+    void told(const char* call, const Steps& steps) const
+    {
+        tessel::told(call, *job.manager, job.volume, [&](Observation& seen) {
+            seen.names(kinds::INITIATOR, initiator.id);
+            seen.names(kinds::HOST, hostID);
+            steps(seen);
+        });
+    }
+
     DiskJob job;
     HostInitiator initiator;
     std::string hostID;
@@ -83,9 +115,12 @@ LocalDisk::~LocalDisk()
 LocalDisk LocalDisk::attach(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
                             const LocalDiskOptions& options)
 {
-    return whole([&] {
+    return told("LocalDisk::attach", manager, volume, [&](Observation& seen) {
+        seen.setChange();
+        seen.names(kinds::INITIATOR, host.id);
         auto state = std::make_unique<State>(manager, volume, host, options);
         state->attach();
+        state->tellFound(seen);
         return LocalDisk(std::move(state));
     });
 }
@@ -93,9 +128,11 @@ LocalDisk LocalDisk::attach(CDeviceManager& manager, const StorageObject& volume
 LocalDisk LocalDisk::find(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
                           const LocalDiskOptions& options)
 {
-    return whole([&] {
+    return told("LocalDisk::find", manager, volume, [&](Observation& seen) {
+        seen.names(kinds::INITIATOR, host.id);
         auto state = std::make_unique<State>(manager, volume, host, options);
         state->look(Sizes::PROVED);
+        state->tellFound(seen);
         return LocalDisk(std::move(state));
     });
 }
@@ -103,7 +140,9 @@ LocalDisk LocalDisk::find(CDeviceManager& manager, const StorageObject& volume, 
 void LocalDisk::release(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
                         const LocalDiskOptions& options, bool evenInUse)
 {
-    whole([&] {
+    told("LocalDisk::release", manager, volume, [&](Observation& seen) {
+        seen.setChange();
+        seen.names(kinds::INITIATOR, host.id);
         const State state(manager, volume, host, options);
         releaseDisk(state.job, state.initiator, evenInUse);
     });
@@ -139,7 +178,7 @@ std::vector<DiskPath> LocalDisk::paths() const
 
 void LocalDisk::verify() const
 {
-    whole([this] {
+    m_state->told("LocalDisk::verify", [this](Observation&) {
         State now = *m_state;
         now.isHeld = false;
         now.job.read();
@@ -153,14 +192,19 @@ void LocalDisk::verify() const
 void LocalDisk::release(bool evenInUse)
 {
     if (m_state->isHeld) {
-        whole([&] { releaseDisk(m_state->job, m_state->initiator, evenInUse); });
+        m_state->told("LocalDisk::release", [&](Observation& seen) {
+            seen.setChange();
+            seen.found(path());
+            releaseDisk(m_state->job, m_state->initiator, evenInUse);
+        });
         m_state->isHeld = false;
     }
 }
 
 void LocalDisk::refresh()
 {
-    whole([this] {
+    m_state->told("LocalDisk::refresh", [this](Observation& seen) {
+        seen.setChange();
         m_state->job.read();
         m_state->look(Sizes::GROWN);
     });
@@ -174,7 +218,8 @@ void LocalDisk::keep() noexcept
 void verifyDisk(CDeviceManager& manager, const StorageObject& volume, const std::string& device,
                 const LocalDiskOptions& options)
 {
-    whole([&] {
+    told("verifyDisk", manager, volume, [&](Observation& seen) {
+        seen.found(device);
         const DiskJob job(manager, volume, options);
         char real[PATH_MAX];
         const std::string node =

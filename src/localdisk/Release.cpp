@@ -4,6 +4,7 @@
 #include "localdisk/Removal.h"
 #include "localdisk/Sight.h"
 #include "localdisk/Ways.h"
+#include "observer/Observation.h"
 #include "session/Log.h"
 
 #include <tessel/HostTransaction.h>
@@ -99,6 +100,8 @@ private:
             for (const std::vector<disk::ScsiDisk>* disks : {&sight.ours, &sight.silent}) {
                 for (const disk::ScsiDisk& disk : *disks) {
                     const std::string problem = removeDisk(m_job, disk, [&] { return changed(disk); });
+                    tellStep(problem.empty() ? HostEvent::REMOVED : HostEvent::REFUSED, "/dev/" + disk.name,
+                             problem);
                     stays = problem.empty() ? stays : problem;
                 }
             }
@@ -118,6 +121,7 @@ private:
         }
         try {
             removeMap(m_job, map);
+            tellStep(HostEvent::REMOVED, "/dev/mapper/" + map.name);
         } catch (const OvraAPIException& problem) {
             if (!m_isForced) {
                 throw;

@@ -1,9 +1,11 @@
 #include "localdisk/DeadDisks.h"
 #include "localdisk/Removal.h"
 #include "localdisk/Whole.h"
+#include "observer/Observation.h"
 #include "session/Texts.h"
 
 #include <tessel/HostTransaction.h>
+#include <tessel/DeviceManager.h>
 #include <tessel/Tidy.h>
 
 namespace ovra::tessel {
@@ -84,12 +86,15 @@ private:
 TidyResult tidyDisks(CDeviceManager& manager, const std::string& hostID, const DiskTidyOptions& options,
                      const std::function<bool(const DiskTidyFinding&)>& tell)
 {
-    if (hostID.empty()) {
-        throw OvraAPIException(std::string(texts::HOST_ID_EMPTY) + "tidyDisks");
-    }
-    return whole([&] {
-        const DiskJob job(manager, hostID, options.steps);
-        return DiskTidying(job, options, tell).run();
+    return observed("tidyDisks", manager, [&](Observation& seen) {
+        seen.names(kinds::HOST, hostID);
+        if (hostID.empty()) {
+            throw OvraAPIException(std::string(texts::HOST_ID.textIfEmpty) + "tidyDisks");
+        }
+        return whole([&] {
+            const DiskJob job(manager, hostID, options.steps);
+            return DiskTidying(job, options, tell).run();
+        });
     });
 }
 

@@ -6,7 +6,8 @@ using namespace ovra::tessel;
 
 ETHPortMO CEthPortHandlerImpl::getETHPort(const std::string& ethPortID)
 {
-    return readById<ETHPortMO>("getETHPort", "/ETH_PORT/", ethPortID, "ethPortID is empty! ");
+    return readById<ETHPortMO>("getETHPort", "/ETH_PORT/", ethPortID,
+                               {kinds::ETHPORT, "ethPortID is empty! "});
 }
 
 std::vector<ETHPortMO> CEthPortHandlerImpl::getETHPortBatch(ETHPortQuery& query)

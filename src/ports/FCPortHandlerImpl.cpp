@@ -6,7 +6,7 @@ using namespace ovra::tessel;
 
 FCPortMO CFCPortHandlerImpl::getFCPort(const std::string& fcPortID)
 {
-    return readById<FCPortMO>("getFCPort", "/FC_PORT/", fcPortID, "fcPortID is empty! ");
+    return readById<FCPortMO>("getFCPort", "/FC_PORT/", fcPortID, {kinds::FCPORT, "fcPortID is empty! "});
 }
 
 std::vector<FCPortMO> CFCPortHandlerImpl::getFCPortBatch(FCPortQuery& query)

@@ -6,7 +6,8 @@ using namespace ovra::tessel;
 
 FCoEPortMO CFCoEPortHandlerImpl::getFCoEPort(const std::string& fcoePortID)
 {
-    return readById<FCoEPortMO>("getFCoEPort", "/FCoE_PORT/", fcoePortID, "fcoePortID is empty! ");
+    return readById<FCoEPortMO>("getFCoEPort", "/FCoE_PORT/", fcoePortID,
+                                {kinds::FCOEPORT, "fcoePortID is empty! "});
 }
 
 std::vector<FCoEPortMO> CFCoEPortHandlerImpl::getFCoEPortBatch(FCoEPortQuery& query)

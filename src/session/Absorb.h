@@ -1,6 +1,7 @@
 #ifndef SESSION_ABSORB_H
 #define SESSION_ABSORB_H
 
+#include "observer/Observation.h"
 #include "session/LastFailure.h"
 #include "session/Log.h"
 
@@ -34,10 +35,12 @@ void absorb(const Absorbed& texts, const std::string& callerName, Exchange excha
         warn(harmless ? texts.harmlessText : texts.errorAnswer);
         if (!harmless) {
             keepFailure();
+            Observation::absorbed();
         }
     } catch (const std::exception&) {
         warn(texts.otherwise);
         keepFailure();
+        Observation::absorbed();
     }
 }
 

@@ -1,5 +1,6 @@
 #include "session/DeviceManagerImpl.h"
 
+#include "observer/Observers.h"
 #include "session/Log.h"
 #include "session/Retry.h"
 #include "session/SessionKeys.h"
@@ -73,6 +74,7 @@ void CDeviceManagerImpl::destroyInstance(CDeviceManagerImpl* p)
     if (p != nullptr) {
         uninitial();
         SessionKeys::release(sessionKey(p));
+        sessions::forget(p);
         delete p;
     }
 }

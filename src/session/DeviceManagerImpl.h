@@ -60,6 +60,8 @@ private:
         REFUSED ///< the key is another one's: nothing may be sent by it
     };
 
+    CHandler* handlerOf(HANDLERTYPE type);
+
     /** Makes a session the one that requests are sent on; false, and nothing changed, when it is refused. */
     bool adopt(const std::string& ip, unsigned int port, const std::string& deviceId,
                const std::string& token, const std::string& cookie, bool loggedIn);

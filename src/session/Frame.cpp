@@ -2,15 +2,15 @@
 
 namespace ovra::tessel {
 
-Frame::Frame(const std::string& operation) : record(operation), errors(operation)
+Frame::Frame(const std::string& operation) : record(operation), observed(operation), errors(operation)
 {
     *this = loggedAs(operation).errorsAs(operation);
 }
 
 Frame::Frame(const char* name, const char* enterLine, const char* leaveLine, const char* noAnswerLine,
              const char* refusalPrefix)
-    : record(name), enter(enterLine), leave(leaveLine), noAnswer(noAnswerLine), refused(refusalPrefix),
-      recordLast(true)
+    : record(name), observed(name), enter(enterLine), leave(leaveLine), noAnswer(noAnswerLine),
+      refused(refusalPrefix), recordLast(true)
 {
 }
 
@@ -27,6 +27,13 @@ Frame Frame::errorsAs(const std::string& name) const
     Frame frame = *this;
     frame.errors = name;
     frame.noAnswer = "url error or internet error " + name;
+    return frame;
+}
+
+Frame Frame::observedAs(const std::string& name) const
+{
+    Frame frame = *this;
+    frame.observed = name;
     return frame;
 }
 

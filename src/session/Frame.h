@@ -18,6 +18,8 @@ struct Frame
     Frame loggedAs(const std::string& name) const;
     /** Names the operation otherwise behind its messages. */
     Frame errorsAs(const std::string& name) const;
+    /** Names the operation otherwise to the observers. */
+    Frame observedAs(const std::string& name) const;
     /** Closes with the enter text once more in place of the leave text. */
     Frame closingAsEntered() const;
     /** Writes the interface record behind the leave line in place of before it. */
@@ -31,7 +33,8 @@ struct Frame
     /** What is said of an answer that tells an error. */
     std::string refusal(int code, const std::string& description) const;
 
-    std::string record; ///< its name in the interface log
+    std::string record;   ///< its name in the interface log; empty: no record is written
+    std::string observed; ///< its name to the observers
     std::string enter;
     std::string leave;
     std::string errors; ///< follows each message, save those of an error answer to the session

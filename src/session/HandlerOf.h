@@ -28,20 +28,20 @@ protected:
     /** The operation that reads the object whose ID is the end of a path. */
     template <class Record>
     Record readById(const char* operation, const std::string& path, const std::string& id,
-                    const char* textIfEmpty)
+                    const IdArgument& argument)
     {
         return run(operation, [&](Operation& op) {
-            op.requireId(id, textIfEmpty);
+            op.requireId(id, argument);
             return op.get(path + urlValue(id)).template read<Record>();
         });
     }
 
     /** The operation that deletes such an object. */
     void deleteById(const Frame& frame, const std::string& path, const std::string& id,
-                    const char* textIfEmpty)
+                    const IdArgument& argument)
     {
         run(frame, [&](Operation& op) {
-            op.requireId(id, textIfEmpty);
+            op.requireId(id, argument);
             op.del(path + urlValue(id));
         });
     }
@@ -52,6 +52,7 @@ protected:
                              const Query& query, Read<Record> read)
     {
         using Table = FieldTable<Record>;
+        op.names(kinds::of(otherType), otherId);
         return list(op,
                     Table::LIST + op.filter(query.filter) + associationOf(Table::TYPE, otherType, otherId) +
                         rangeOf(query.start, query.count, "&"),

@@ -1,6 +1,8 @@
 #ifndef SESSION_LOG_H
 #define SESSION_LOG_H
 
+#include "observer/ProductTag.h"
+
 #include <cstdio>
 
 enum OS_LOGLEVEL : int
@@ -27,9 +29,6 @@ int GetModuleFilePath(const char* moduleName, char* dir, unsigned int dirSize);
 void getCurrentPath(char* dir, unsigned int dirSize);
 
 namespace ovra::tessel {
-
-/** Names this SDK in every line and record of the logs. */
-inline constexpr const char* PRODUCT_TAG = "Ovra-Tessel-API-linux-Cpp";
 
 /** GetModuleFilePath out of an open listing in the format of /proc/self/maps. */
 int findModuleDirectory(std::FILE* maps, const char* moduleName, char* dir, unsigned int dirSize);

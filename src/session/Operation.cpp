@@ -26,7 +26,8 @@ InterfaceRecord enter(const Frame& frame)
 } // namespace
 
 Operation::Operation(const Frame& frame, CDeviceManagerImpl* deviceManager)
-    : m_frame(frame), m_deviceManager(deviceManager), m_record(enter(frame))
+    : m_frame(frame), m_deviceManager(deviceManager), m_record(enter(frame)),
+      m_seen(frame.observed, deviceManager)
 {
     t_failure = RESULT_SUCCESS;
 }
@@ -58,6 +59,7 @@ OvraAPIException Operation::failure(int result, const std::string& message) cons
     COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
     t_failure = result;
     noteResult(result, m_frame.name(), message);
+    Observation::fails(result, message);
     return OvraAPIException(message);
 }
 
@@ -70,9 +72,10 @@ void Operation::require(bool holds, const char* text, FailureKind kind)
     }
 }
 
-void Operation::requireId(const std::string& id, const char* textIfEmpty)
+void Operation::requireId(const std::string& id, const IdArgument& argument)
 {
-    require(!id.empty(), textIfEmpty);
+    m_seen.names(argument.kind, id);
+    require(!id.empty(), argument.textIfEmpty);
     require(id != "." && id != "..", "The ID is . or .., which no object has! ");
 }
 
@@ -107,6 +110,7 @@ void Operation::close(int result)
 {
     record(result);
     m_closed = true;
+    m_closedWith = result;
 }
 
 void Operation::close(const char* text, int result)
@@ -114,6 +118,7 @@ void Operation::close(const char* text, int result)
     COMMLOG(OS_LOG_ERROR, "%s%s", text, m_frame.errors.c_str());
     notedFailure(FailureKind::ARGUMENT, text + m_frame.errors);
     keepFailure();
+    m_closedBecause = text + m_frame.errors;
     close(result);
 }
 
@@ -121,6 +126,7 @@ void Operation::keep(const std::string& reason, bool canTryAgain)
 {
     notedFailure(FailureKind::HOST, reason + " " + m_frame.errors, canTryAgain);
     keepFailure();
+    m_closedBecause = reason;
 }
 
 bool Operation::closeUnless(bool holds, const char* text)
@@ -133,7 +139,14 @@ bool Operation::closeUnless(bool holds, const char* text)
 
 Answer Operation::send(REST_REQUEST_MODE_E mode, const std::string& url)
 {
-    return checked(CDeviceManagerImpl::send(m_deviceManager, request(), mode, url));
+    if (mode != REST_GET) {
+        m_seen.setChange();
+    }
+    Answer answer = checked(CDeviceManagerImpl::send(m_deviceManager, request(), mode, url));
+    if (mode == REST_POST && m_seen.isMaking()) {
+        m_seen.made(answer.id());
+    }
+    return answer;
 }
 
 Answer Operation::checked(Answer answer)
@@ -147,6 +160,7 @@ Answer Operation::checked(Answer answer)
         const std::string message = m_frame.refusal(code, description);
         COMMLOG(OS_LOG_ERROR, "%s", message.c_str());
         noteRefusal(code, description, m_frame.name(), message);
+        Observation::fails(code, refusalOf(code));
         throw OvraAPIExceptionWithErrCode(code, message);
     }
     return answer;
@@ -159,9 +173,17 @@ void Operation::record(int result) const
     }
 }
 
+void Operation::tellEnd(int result, const std::string& what)
+{
+    const int failure = t_failure; // an observer may call operations too
+    m_seen.ended(result, what);
+    t_failure = failure;
+}
+
 void Operation::succeeded()
 {
     if (m_closed) {
+        tellEnd(m_closedWith, m_closedBecause);
         return;
     }
     if (!m_frame.recordLast) {
@@ -173,6 +195,7 @@ void Operation::succeeded()
     if (m_frame.recordLast) {
         record(RESULT_SUCCESS);
     }
+    tellEnd(RESULT_SUCCESS);
 }
 
 void Operation::failed()
@@ -182,10 +205,13 @@ void Operation::failed()
     } catch (const OvraAPIExceptionWithErrCode& e) {
         noteThrown(e, FailureKind::REFUSED);
         record(e.getErrCode());
+        tellEnd(e.getErrCode(), refusalOf(e.getErrCode()));
         throw;
     } catch (const OvraAPIException& e) {
+        const int result = t_failure != RESULT_SUCCESS ? t_failure : RESULT_BAD_ARGUMENT;
         noteThrown(e, FailureKind::HOST);
-        record(t_failure != RESULT_SUCCESS ? t_failure : RESULT_BAD_ARGUMENT);
+        record(result);
+        tellEnd(result, e.what());
         throw;
     } catch (const abi::__forced_unwind&) {
         throw; // the thread is being cancelled: nothing may stop that
@@ -193,6 +219,7 @@ void Operation::failed()
         // The answer has a field of a type that it cannot be read as, or the host is out of memory.
         const OvraAPIException unreadable = failure(REST_ANSWER_UNREADABLE, m_frame.noAnswer);
         record(REST_ANSWER_UNREADABLE);
+        tellEnd(REST_ANSWER_UNREADABLE, unreadable.what());
         throw unreadable;
     }
 }

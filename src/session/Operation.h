@@ -1,6 +1,7 @@
 #ifndef SESSION_OPERATION_H
 #define SESSION_OPERATION_H
 
+#include "observer/Observation.h"
 #include "session/Answer.h"
 #include "session/Frame.h"
 #include "session/InterfaceRecord.h"
@@ -61,7 +62,7 @@ public:
     /** Ends the operation with the text and its name unless the condition holds; texts end in a blank. */
     void require(bool holds, const char* text, FailureKind kind = FailureKind::ARGUMENT);
     /** The same for an ID, which is not empty, nor "." or "..": a server takes these for another path. */
-    void requireId(const std::string& id, const char* textIfEmpty);
+    void requireId(const std::string& id, const IdArgument& argument);
     /** As require, but only says so, with a record of its own: docs/oddities.md#two-records */
     void expect(bool holds, const char* text);
     /** Ends the operation as one that got no answer unless the answer holds what it must. */
@@ -82,6 +83,11 @@ public:
     template <class T>
     void add(const char* key, const T& value)
     {
+        if constexpr (std::is_same_v<T, std::string>) {
+            m_seen.sends(key, value);
+        } else {
+            m_seen.sends(key, static_cast<unsigned long>(value));
+        }
         request().BodyAddProperty(key, value);
     }
     void add(const char* key, const char* value) { add(key, std::string(value)); }
@@ -109,6 +115,10 @@ public:
     RestRequest& request();
     const std::string& name() const { return m_frame.errors; }
 
+    /** What the observers are told of the call, beside what its IDs and its body say. */
+    void names(const char* kind, const std::string& id) { m_seen.names(kind, id); }
+    Observation& seen() { return m_seen; }
+
 private:
     Operation(const Frame& frame, CDeviceManagerImpl* deviceManager);
     Operation(const Operation&) = delete;
@@ -119,6 +129,7 @@ private:
     /** Says what ended the operation; for the caller to throw. */
     OvraAPIException failure(int result, const std::string& message) const;
     void record(int result) const;
+    void tellEnd(int result, const std::string& what = "");
     void succeeded();
     [[noreturn]] void failed();
 
@@ -126,8 +137,11 @@ private:
     const Frame& m_frame;
     CDeviceManagerImpl* m_deviceManager;
     InterfaceRecord m_record;
+    Observation m_seen;
     std::optional<RestRequest> m_request;
     bool m_closed = false;
+    int m_closedWith = RESULT_SUCCESS;
+    std::string m_closedBecause;
 };
 
 } // namespace ovra::tessel

@@ -30,7 +30,8 @@ Frame logoutFrame()
 Frame keepAliveFrame()
 {
     // No name, so no record: docs/oddities.md#keepalive
-    return {"", "Keep alive start...", "", "Keep alive fail!", "Keep alive fail err msg:"};
+    const Frame frame("", "Keep alive start...", "", "Keep alive fail!", "Keep alive fail err msg:");
+    return frame.observedAs("keepAlive");
 }
 
 Frame useConnectionFrame()
@@ -115,6 +116,8 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
                                      const USERTYPE& scope)
 {
     return Operation::succeeds(loginFrame(), this, [&](Operation& op) {
+        op.seen().opens(ip, port, userName);
+        op.seen().setChange();
         op.require(!ip.empty() && !userName.empty() && !password.empty(), "Invalid Parameter!");
         op.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
         op.require(port != 0 && port <= MAX_PORT, "Invalid port!");
@@ -136,12 +139,14 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
             OpenSession{ip, port, deviceId, token, cookie}.abandon();
             op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::UNREADABLE_ANSWER);
         }
+        sessions::set(this, sessions::named(ip, port, userName));
     });
 }
 
 bool CDeviceManagerImpl::logoutDevice()
 {
     return Operation::succeeds(logoutFrame(), this, [&](Operation& op) {
+        op.seen().setChange();
         const OpenSession session{m_ip, m_port, m_deviceId, m_token, m_cookie};
         op.checked(session.send(REST_DELETE, "/sessions"));
         CUserManager::getInstance()->removeUser(this);
@@ -162,11 +167,14 @@ bool CDeviceManagerImpl::useConnection(const std::string& ip, const unsigned int
                                        const std::string& cookie)
 {
     return Operation::succeeds(useConnectionFrame(), this, [&](Operation& op) {
+        op.seen().opens(ip, port, "");
+        op.seen().setChange();
         op.require(!ip.empty() && isUsable(deviceId) && !token.empty() && !cookie.empty(),
                    "Invalid Parameter!");
         op.require(OvraTool::CheckIPValid(ip), "Invalid ip address!");
         if (!adopt(ip, port, deviceId, token, cookie, false)) {
             op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::ARGUMENT);
         }
+        sessions::set(this, sessions::named(ip, port, ""));
     });
 }

@@ -16,7 +16,7 @@ struct LunKind
 {
     static constexpr MOType TYPE = MO_LUN;
     static constexpr HANDLERTYPE HANDLER = LUN_HANDLER;
-    static constexpr const char* ID_EMPTY = texts::LUN_ID_EMPTY;
+    static constexpr IdArgument ID = texts::LUN_ID;
 
     static constexpr auto GET = &CLunHandler::getLun;
     static constexpr auto OF_HOST = &CLunHandler::getLunByHost;
@@ -52,7 +52,7 @@ struct SnapshotKind
 {
     static constexpr MOType TYPE = MO_SNAPSHOT;
     static constexpr HANDLERTYPE HANDLER = SNAPSHOT_HANDLER;
-    static constexpr const char* ID_EMPTY = texts::SNAPSHOT_ID_EMPTY;
+    static constexpr IdArgument ID = texts::SNAPSHOT_ID;
 
     static constexpr auto GET = &CSnapshotHandler::getSnapshot;
     static constexpr auto OF_HOST = &CSnapshotHandler::getSnapshotByHost;

@@ -35,20 +35,19 @@ LunGroupMO CLunGroupHandlerImpl::createLunGroup(LunGroupMO& lunGroup)
 void CLunGroupHandlerImpl::deleteLunGroup(const std::string& lunGroupID)
 {
     // docs/oddities.md#closing-line
-    deleteById(Frame("deleteLunGroup").closingAsEntered(), "/lungroup/", lunGroupID,
-               texts::LUNGROUP_ID_EMPTY);
+    deleteById(Frame("deleteLunGroup").closingAsEntered(), "/lungroup/", lunGroupID, texts::LUNGROUP_ID);
 }
 
 LunGroupMO CLunGroupHandlerImpl::getLunGroup(const std::string& lunGroupID)
 {
-    return readById<LunGroupMO>("getLunGroup", "/lungroup/", lunGroupID, texts::LUNGROUP_ID_EMPTY);
+    return readById<LunGroupMO>("getLunGroup", "/lungroup/", lunGroupID, texts::LUNGROUP_ID);
 }
 
 void CLunGroupHandlerImpl::addLunToLunGroup(const std::string& lunID, const std::string& lunGroupID)
 {
     run("addLunToLunGroup", [&](Operation& op) {
-        op.requireId(lunID, texts::LUN_ID_EMPTY);
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(lunID, texts::LUN_ID);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         addObjToLunGroup(lunID, lunGroupID, MO_LUN, op.name());
     });
 }
@@ -56,8 +55,8 @@ void CLunGroupHandlerImpl::addLunToLunGroup(const std::string& lunID, const std:
 void CLunGroupHandlerImpl::addSnapshotToLunGroup(const std::string& snapshotID, const std::string& lunGroupID)
 {
     run("addSnapshotToLunGroup", [&](Operation& op) {
-        op.requireId(snapshotID, texts::SNAPSHOT_ID_EMPTY);
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(snapshotID, texts::SNAPSHOT_ID);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         addObjToLunGroup(snapshotID, lunGroupID, MO_SNAPSHOT, op.name());
     });
 }
@@ -65,8 +64,8 @@ void CLunGroupHandlerImpl::addSnapshotToLunGroup(const std::string& snapshotID, 
 void CLunGroupHandlerImpl::removeLunFromLunGroup(const std::string& lunID, const std::string& lunGroupID)
 {
     run("removeLunFromLunGroup", [&](Operation& op) {
-        op.requireId(lunID, texts::LUN_ID_EMPTY);
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(lunID, texts::LUN_ID);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         retryWhile({ARRAY_NOT_READY, ARRAY_LUN_GROUP_NOT_READY}, RETRY_REMOVAL,
                    [&] { removeObjFromLunGroup(lunID, lunGroupID, MO_LUN, op.name()); });
     });
@@ -76,8 +75,8 @@ void CLunGroupHandlerImpl::removeSnapshotFromLunGroup(const std::string& snapsho
                                                       const std::string& lunGroupID)
 {
     run("removeSnapshotFromLunGroup", [&](Operation& op) {
-        op.requireId(snapshotID, texts::SNAPSHOT_ID_EMPTY);
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(snapshotID, texts::SNAPSHOT_ID);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         retryWhile({ARRAY_NOT_READY, ARRAY_LUN_GROUP_NOT_READY}, RETRY_REMOVAL,
                    [&] { removeObjFromLunGroup(snapshotID, lunGroupID, MO_SNAPSHOT, op.name()); });
     });
@@ -86,7 +85,7 @@ void CLunGroupHandlerImpl::removeSnapshotFromLunGroup(const std::string& snapsho
 std::vector<LunGroupMO> CLunGroupHandlerImpl::getLunGroupByLun(const std::string& lunID, LunGroupQuery& query)
 {
     return run("getLunGroupByLun", [&](Operation& op) {
-        op.requireId(lunID, texts::LUN_ID_EMPTY);
+        op.requireId(lunID, texts::LUN_ID);
         return getLunGroupByObjList(lunID, query, MO_LUN, op.name());
     });
 }
@@ -95,7 +94,7 @@ std::vector<LunGroupMO> CLunGroupHandlerImpl::getLunGroupBySnapshot(const std::s
                                                                     LunGroupQuery& query)
 {
     return run("getLunGroupBySnapshot", [&](Operation& op) {
-        op.requireId(snapshotID, texts::SNAPSHOT_ID_EMPTY);
+        op.requireId(snapshotID, texts::SNAPSHOT_ID);
         return getLunGroupByObjList(snapshotID, query, MO_SNAPSHOT, op.name());
     });
 }
@@ -103,7 +102,7 @@ std::vector<LunGroupMO> CLunGroupHandlerImpl::getLunGroupBySnapshot(const std::s
 LunGroupMO CLunGroupHandlerImpl::getLunGroupByMappingView(const std::string& mappingViewID)
 {
     return run("getLunGroupByMappingView", [&](Operation& op) {
-        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID_EMPTY);
+        op.requireId(mappingViewID, texts::MAPPINGVIEW_ID);
         const Answer found = op.get("/lungroup/associate?" + associatedWith(MO_MAPPINGVIEW, mappingViewID));
         return found.hasObject() ? getLunGroup(found.id()) : LunGroupMO();
     });
@@ -114,7 +113,7 @@ uint64_t CLunGroupHandlerImpl::getObjNOFromLunGroup(const std::string& lunGroupI
     // The lines name it otherwise than the record does: docs/oddities.md#getlunno
     const Frame frame = Frame("getObjNOFromLunGroup").loggedAs("getLunNOFromLunGroup");
     return run(frame, [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         // docs/oddities.md#counted-apart
         const uint64_t luns = getCountByAssociate(lunGroupID, "lun");
         return saturatedSum(luns, getCountByAssociate(lunGroupID, "snapshot"));

@@ -65,13 +65,13 @@ LunMO CLunHandlerImpl::createLun(LunMO& lun)
 
 LunMO CLunHandlerImpl::getLun(const std::string& lunID)
 {
-    return readById<LunMO>("getLun", "/lun/", lunID, texts::LUN_ID_EMPTY);
+    return readById<LunMO>("getLun", "/lun/", lunID, texts::LUN_ID);
 }
 
 std::vector<LunMO> CLunHandlerImpl::getLunByLunGroup(const std::string& lunGroupID, LunQuery& query)
 {
     return run("getLunByLunGroup", [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         return getLunByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
     });
 }
@@ -79,7 +79,7 @@ std::vector<LunMO> CLunHandlerImpl::getLunByLunGroup(const std::string& lunGroup
 std::vector<LunMO> CLunHandlerImpl::getLunByHost(const std::string& hostID, LunQuery& query)
 {
     return run("getLunByHost", [&](Operation& op) {
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID);
         return getLunByCondition(hostID, MO_HOST, query, op.name());
     });
 }

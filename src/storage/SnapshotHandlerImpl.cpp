@@ -8,14 +8,14 @@ using namespace ovra::tessel;
 SnapshotMO CSnapshotHandlerImpl::getSnapshot(const std::string& snapshotID)
 {
     // Capitals here, not in the search: docs/oddities.md#snapshot-capitals
-    return readById<SnapshotMO>("getSnapshot", "/SNAPSHOT/", snapshotID, texts::SNAPSHOT_ID_EMPTY);
+    return readById<SnapshotMO>("getSnapshot", "/SNAPSHOT/", snapshotID, texts::SNAPSHOT_ID);
 }
 
 std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByLunGroup(const std::string& lunGroupID,
                                                                     SnapshotQuery& query)
 {
     return run("getSnapshotByLunGroup", [&](Operation& op) {
-        op.requireId(lunGroupID, texts::LUNGROUP_ID_EMPTY);
+        op.requireId(lunGroupID, texts::LUNGROUP_ID);
         return getSnapshotByCondition(lunGroupID, MO_LUNGROUP, query, op.name());
     });
 }
@@ -24,7 +24,7 @@ std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByHost(const std::strin
                                                                 SnapshotQuery& query)
 {
     return run("getSnapshotByHost", [&](Operation& op) {
-        op.requireId(hostID, texts::HOST_ID_EMPTY);
+        op.requireId(hostID, texts::HOST_ID);
         return getSnapshotByCondition(hostID, MO_HOST, query, op.name());
     });
 }
@@ -34,7 +34,8 @@ std::vector<SnapshotMO> CSnapshotHandlerImpl::getSnapshotByCondition(const std::
                                                                      const std::string& interfaceName)
 {
     // docs/oddities.md#recorded-as-the-caller
-    const Frame frame = Frame(interfaceName).loggedAs("getSnapshotByCondition");
+    const Frame frame =
+        Frame(interfaceName).loggedAs("getSnapshotByCondition").observedAs("getSnapshotByCondition");
     return run(frame, [&](Operation& op) {
         return list(op, objType, objID, query, &CSnapshotHandler::getSnapshot);
     });
