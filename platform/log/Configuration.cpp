@@ -20,6 +20,7 @@ constexpr std::array<const char*, 4> LEVEL_NAMES = {"debug", "info", "warn", "er
 constexpr std::array<spdlog::level::level_enum, 4> LEVELS = {spdlog::level::debug, spdlog::level::info,
                                                              spdlog::level::warn, spdlog::level::err};
 constexpr int MOST_DAYS = 36500;
+constexpr unsigned long MOST_MIB = 1024UL * 1024;
 constexpr size_t LARGEST_FILE = 64UL * 1024;
 
 void setLevel(Configuration& configuration, const std::string& value)
@@ -34,16 +35,44 @@ void setLevel(Configuration& configuration, const std::string& value)
                                      "\": info is used");
 }
 
+/// A number that an entry may have; the default holds for any other text.
+template <class Number>
+void setNumber(Configuration& configuration, const std::string& value, Number Configuration::*member,
+               Number most, const char* name)
+{
+    Number number = 0;
+    const char* const end = value.data() + value.size();
+    const auto [stop, error] = std::from_chars(value.data(), end, number);
+    if (error == std::errc() && stop == end && number >= 0 && number <= most) {
+        configuration.*member = number;
+    } else {
+        configuration.problems.push_back(std::string(name) + " must be a number from 0 to " +
+                                         std::to_string(most) + ", not \"" + value +
+                                         "\": " + std::to_string(Configuration().*member) + " is used");
+    }
+}
+
 void setRetention(Configuration& configuration, const std::string& value)
 {
-    int days = 0;
-    const char* const end = value.data() + value.size();
-    const auto [stop, error] = std::from_chars(value.data(), end, days);
-    if (error == std::errc() && stop == end && days >= 0 && days <= MOST_DAYS) {
-        configuration.retentionDays = days;
+    setNumber(configuration, value, &Configuration::retentionDays, MOST_DAYS, "retention_days");
+}
+
+void setMostPerDay(Configuration& configuration, const std::string& value)
+{
+    setNumber(configuration, value, &Configuration::mostMibPerDay, MOST_MIB, "max_mib_per_day");
+}
+
+void setMost(Configuration& configuration, const std::string& value)
+{
+    setNumber(configuration, value, &Configuration::mostMib, MOST_MIB, "max_mib");
+}
+
+void setInterfaceLog(Configuration& configuration, const std::string& value)
+{
+    if (value == "yes" || value == "no") {
+        configuration.hasInterfaceLog = value == "yes";
     } else {
-        configuration.problems.push_back("retention_days must be a number from 0 to 36500, not \"" + value +
-                                         "\": 30 is used");
+        configuration.problems.push_back("enabled must be yes or no, not \"" + value + "\": yes is used");
     }
 }
 
@@ -64,7 +93,10 @@ struct Key
     void (*set)(Configuration&, const std::string&);
 };
 
-constexpr std::array<Key, 3> KEYS = {{{"run_log", "level", setLevel},
+constexpr std::array<Key, 6> KEYS = {{{"run_log", "level", setLevel},
+                                      {"interface_log", "enabled", setInterfaceLog},
+                                      {"files", "max_mib_per_day", setMostPerDay},
+                                      {"files", "max_mib", setMost},
                                       {"files", "retention_days", setRetention},
                                       {"files", "directory", setDirectory}}};
 

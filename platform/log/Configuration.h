@@ -13,7 +13,10 @@ struct Configuration
 {
     spdlog::level::level_enum level = spdlog::level::info; ///< of the run log
     int retentionDays = 30;                                ///< 0: files are kept for ever
-    std::string directory;                                 ///< empty: the one handed to LogInit
+    bool hasInterfaceLog = true;
+    unsigned long mostMibPerDay = 0; ///< of all files of a day; 0: no limit
+    unsigned long mostMib = 0;       ///< of all files; 0: no limit
+    std::string directory;           ///< empty: the one handed to LogInit
 
     std::vector<std::string> problems; ///< what could not be used and what is done instead, a sentence each
 };

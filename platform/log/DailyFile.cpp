@@ -13,6 +13,20 @@ namespace ovra::log {
 namespace {
 
 constexpr mode_t FILE_MODE = 0640;
+constexpr int MOST_PARTS_TRIED = 100; // others may fill one before it is this process's turn
+
+/// An open directory; -1 when it cannot be opened.
+struct Descriptor
+{
+    explicit Descriptor(const std::string& directory)
+        : number(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+    }
+    ~Descriptor() { number >= 0 ? void(::close(number)) : void(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    const int number;
+};
 
 /// Keeps SIGXFSZ from the calling thread: a limit on file sizes costs a line, not the application.
 class FileSizeSignalGuard
@@ -88,7 +102,8 @@ DailyFile::~DailyFile()
 int DailyFile::prepare(std::chrono::system_clock::time_point time)
 {
     const Date date = Date::of(time);
-    if (m_descriptor >= 0 && date == m_date && stillThere()) {
+    if (m_descriptor >= 0 && date == m_date && stillThere() &&
+        (m_process == getpid() || !m_place.limits.areSet())) {
         return 0;
     }
     return open(date);
@@ -99,6 +114,11 @@ int DailyFile::write(std::chrono::system_clock::time_point time, std::string_vie
     if (const int error = prepare(time)) {
         return error;
     }
+    return m_place.limits.areSet() ? appendWithin(record) : append(record);
+}
+
+int DailyFile::append(std::string_view record)
+{
     const ssize_t written =
         m_cutShort ? writeOnce(m_descriptor, "\n" + std::string(record)) : writeOnce(m_descriptor, record);
     if (written < 0) {
@@ -109,11 +129,44 @@ int DailyFile::write(std::chrono::system_clock::time_point time, std::string_vie
     return m_cutShort ? ENOSPC : 0;
 }
 
+int DailyFile::appendWithin(std::string_view record)
+{
+    const std::uint64_t bytes = record.size() + (m_cutShort ? 1 : 0);
+    if (bytes > m_place.limits.ofFile()) {
+        return EFBIG;
+    }
+    m_wanted = bytes;
+    for (int part = 0; part < MOST_PARTS_TRIED; ++part) {
+        {
+            const FileLock lock(m_descriptor);
+            if (!lock.isHeld()) {
+                return EAGAIN;
+            }
+            if (holds(bytes)) {
+                return append(record);
+            }
+        }
+        if (const int error = open(m_date)) {
+            return error;
+        }
+    }
+    return EAGAIN;
+}
+
+bool DailyFile::holds(std::uint64_t bytes) const
+{
+    struct stat status = {};
+    return fstat(m_descriptor, &status) == 0 && status.st_nlink > 0 &&
+           static_cast<std::uint64_t>(status.st_size) + bytes <= m_place.limits.ofFile();
+}
+
 int DailyFile::open(const Date& date)
 {
     close();
     m_firstError = openIn(m_place.directory, date);
-    return m_firstError == 0 ? 0 : openIn(m_place.userDirectory(), date);
+    // A limit that is reached is kept: what has no room here does not go to another disk.
+    const bool isFull = m_place.limits.areSet() && (m_firstError == ENOSPC || m_firstError == EAGAIN);
+    return m_firstError == 0 || isFull ? m_firstError : openIn(m_place.userDirectory(), date);
 }
 
 int DailyFile::openIn(const std::string& directory, const Date& date)
@@ -121,16 +174,42 @@ int DailyFile::openIn(const std::string& directory, const Date& date)
     if (const int error = makeDirectories(directory)) {
         return error;
     }
-    m_descriptor = openForAppending(directory + "/" + datedName(m_prefix, date));
-    if (m_descriptor < 0) {
-        return errno;
+    if (const int error = openPart(directory, date)) {
+        return error;
     }
+    m_process = getpid();
     m_date = date;
     m_directory = directory;
+    noteUptime(m_descriptor);
     if (m_place.retentionDays > 0) {
-        removeOldFiles(m_directory, m_prefix, date, m_place.retentionDays);
+        removeOldFiles(m_directory, m_prefix, provedDate(m_directory, date), m_place.retentionDays);
     }
     return 0;
+}
+
+int DailyFile::openPart(const std::string& directory, const Date& date)
+{
+    const auto tryPart = [&](unsigned part) {
+        m_descriptor = openForAppending(directory + "/" + datedName(m_prefix, date, part));
+        return m_descriptor < 0 ? errno : 0;
+    };
+    if (!m_place.limits.areSet()) {
+        return tryPart(1);
+    }
+    const Descriptor folder(directory);
+    const FileLock lock(folder.number);
+    if (!lock.isHeld()) {
+        return EAGAIN;
+    }
+    const unsigned last = lastPart(directory, m_prefix, date);
+    if (last != 0) {
+        const int error = tryPart(last);
+        if (error != 0 || holds(m_wanted)) {
+            return error;
+        }
+        close();
+    }
+    return makeRoom(directory, m_place.limits, date) ? tryPart(last + 1) : ENOSPC;
 }
 
 bool DailyFile::stillThere() const

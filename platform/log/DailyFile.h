@@ -1,7 +1,7 @@
 #ifndef OVRA_LOG_DAILYFILE_H
 #define OVRA_LOG_DAILYFILE_H
 
-#include "DatedName.h"
+#include "LogRoom.h"
 
 #include <functional>
 #include <string>
@@ -15,11 +15,12 @@ struct Place
     std::string directory; ///< tried first, whenever a file is opened; empty: there is none
     std::function<std::string()> userDirectory; ///< gives the one tried next
     int retentionDays = 0;                      ///< see removeOldFiles; 0 keeps all
+    Limits limits;
 };
 
 /**
  * A log file for each day, shared with the other processes that write to the same directory: every record is
- * appended by one write. Not thread-safe.
+ * appended by one write. Where the size is limited a day has several parts. Not thread-safe.
  */
 class DailyFile
 {
@@ -44,15 +45,21 @@ public:
 private:
     int open(const Date& date);
     int openIn(const std::string& directory, const Date& date);
+    int openPart(const std::string& directory, const Date& date);
     bool stillThere() const;
+    int append(std::string_view record);
+    int appendWithin(std::string_view record);
+    bool holds(std::uint64_t bytes) const;
     void close();
 
     std::string m_prefix;
     Place m_place;
     int m_descriptor = -1;
+    int m_process = 0; ///< that has opened it: a child shares its locks
     Date m_date;
     std::string m_directory;
     int m_firstError = 0;
+    std::uint64_t m_wanted = 0; ///< bytes that a part must have room for
     bool m_cutShort = false; ///< the last record was written in part: the next one begins a line of its own
 };
 

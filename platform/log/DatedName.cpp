@@ -1,17 +1,19 @@
 #include "DatedName.h"
 
+#include <charconv>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <spdlog/fmt/fmt.h>
-#include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace ovra::log {
 
 namespace {
 
+constexpr long SECONDS_OF_A_DAY = 86400;
 constexpr std::string_view SUFFIX = ".log";
 constexpr std::string_view DATE_FORM = "dddd-dd-dd";
 
@@ -58,13 +60,21 @@ Date Date::of(std::chrono::system_clock::time_point time)
     return {calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
 }
 
+Date Date::ofNumber(long number)
+{
+    const time_t seconds = number * SECONDS_OF_A_DAY;
+    tm calendar = {};
+    gmtime_r(&seconds, &calendar);
+    return {calendar.tm_year + 1900, calendar.tm_mon + 1, calendar.tm_mday};
+}
+
 long Date::number() const
 {
     tm calendar = {};
     calendar.tm_year = year - 1900;
     calendar.tm_mon = month - 1;
     calendar.tm_mday = day;
-    return static_cast<long>(timegm(&calendar) / 86400);
+    return static_cast<long>(timegm(&calendar) / SECONDS_OF_A_DAY);
 }
 
 std::string Date::text() const
@@ -72,38 +82,53 @@ std::string Date::text() const
     return fmt::format("{:04}-{:02}-{:02}", year, month, day);
 }
 
-std::string datedName(std::string_view prefix, const Date& date)
+std::string datedName(std::string_view prefix, const Date& date, unsigned part)
 {
-    return std::string(prefix) + date.text() + std::string(SUFFIX);
+    const std::string more = part > 1 ? "_" + std::to_string(part) : "";
+    return std::string(prefix) + date.text() + more + std::string(SUFFIX);
 }
 
-std::optional<Date> dateOfName(std::string_view prefix, std::string_view name)
+std::optional<DatedName> parseName(std::string_view prefix, std::string_view name)
 {
-    if (name.size() != prefix.size() + DATE_FORM.size() + SUFFIX.size() ||
-        name.substr(0, prefix.size()) != prefix || name.substr(name.size() - SUFFIX.size()) != SUFFIX) {
+    const size_t shortest = prefix.size() + DATE_FORM.size() + SUFFIX.size();
+    if (name.size() < shortest || name.substr(0, prefix.size()) != prefix ||
+        name.substr(name.size() - SUFFIX.size()) != SUFFIX) {
         return std::nullopt;
     }
-    return parseDate(name.substr(prefix.size(), DATE_FORM.size()));
+    const std::optional<Date> date = parseDate(name.substr(prefix.size(), DATE_FORM.size()));
+    if (!date || name.size() == shortest) {
+        return date ? std::optional<DatedName>({*date, 1}) : std::nullopt;
+    }
+    const std::string_view digits = name.substr(prefix.size() + DATE_FORM.size(), name.size() - shortest);
+    unsigned part = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data() + 1, end, part);
+    const bool isPart = digits.front() == '_' && error == std::errc() && stop == end && part > 1;
+    return isPart && datedName(prefix, *date, part) == name ? std::optional<DatedName>({*date, part})
+                                                            : std::nullopt;
+}
+
+void eachFile(const std::string& directory, const std::function<void(const char*, const struct stat&)>& call)
+{
+    const std::unique_ptr<DIR, CloseDirectory> listing(opendir(directory.c_str()));
+    while (const dirent* entry = listing ? readdir(listing.get()) : nullptr) {
+        struct stat status = {};
+        if (fstatat(dirfd(listing.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISREG(status.st_mode)) {
+            call(entry->d_name, status);
+        }
+    }
 }
 
 unsigned removeOldFiles(const std::string& directory, std::string_view prefix, const Date& today, int days)
 {
     unsigned removed = 0;
-    const std::unique_ptr<DIR, CloseDirectory> listing(opendir(directory.c_str()));
-    if (!listing) {
-        return removed;
-    }
-    const int descriptor = dirfd(listing.get());
-    while (const dirent* entry = readdir(listing.get())) {
-        const std::optional<Date> date = dateOfName(prefix, entry->d_name);
-        struct stat status = {};
-        if (!date || today.number() - date->number() <= days ||
-            fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0 ||
-            !S_ISREG(status.st_mode)) {
-            continue;
+    eachFile(directory, [&](const char* name, const struct stat&) {
+        const std::optional<DatedName> file = parseName(prefix, name);
+        if (file && today.number() - file->date.number() > days) {
+            removed += unlink((directory + "/" + name).c_str()) == 0 ? 1 : 0;
         }
-        removed += unlinkat(descriptor, entry->d_name, 0) == 0 ? 1 : 0;
-    }
+    });
     return removed;
 }
 

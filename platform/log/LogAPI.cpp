@@ -109,6 +109,11 @@ void Log_Interface_Error(const char* productTag, const char* interfaceType, cons
     });
 }
 
+int Log_Audit(const char* record)
+{
+    return contained([&](LogService& service) { return service.audit(text(record)); });
+}
+
 const char* Log_Directory(void)
 {
     const char* directory = "";

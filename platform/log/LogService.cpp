@@ -13,8 +13,7 @@ namespace {
 
 constexpr const char* RUN_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %n %v";
 constexpr const char* INTERFACE_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %v";
-constexpr const char* RUN_PREFIX = "Tessel_run_";
-constexpr const char* INTERFACE_PREFIX = "Tessel_interface_";
+constexpr std::uint64_t MIB = 1024UL * 1024;
 // What is asked for by who has not found this library's own file: it is a part of the program itself.
 constexpr const char* NOWHERE = "/logs/";
 constexpr const char* SYSTEM_CONFIGURATION = "/etc/ovra/Tessel_API.ini";
@@ -112,7 +111,7 @@ void LogService::run(spdlog::level::level_enum level, std::string_view product, 
 void LogService::interfaceCall(spdlog::level::level_enum level, const InterfaceRecord& record)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_logs) {
+    if (!m_logs || !m_configuration.hasInterfaceLog) {
         return;
     }
     std::string text;
@@ -121,6 +120,20 @@ void LogService::interfaceCall(spdlog::level::level_enum level, const InterfaceR
         text.append(FIELD_NAMES[i]).append("=\"").append(escaped(record[i], Within::Quotes)).append("\"");
     }
     write(m_logs->interface, level, "", text);
+}
+
+int LogService::audit(std::string_view record)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_logs || record.find('\n') != std::string_view::npos) {
+        return -1;
+    }
+    const int error = m_logs->audit.write(m_clock(), std::string(record).append("\n"));
+    if (error != 0) {
+        noteDrop(error);
+    }
+    tellAboutDrops();
+    return error == 0 ? 0 : -1;
 }
 
 void LogService::open(const std::string& iniFile, const std::string& directory)
@@ -132,8 +145,12 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
                         : somewhere                        ? directory
                                                            : m_userDirectory();
     m_directoryInUse = m_wantedDirectory;
-    const Place place = {m_wantedDirectory, m_userDirectory, m_configuration.retentionDays};
-    m_logs.reset(new Logs{{RUN_PATTERN, RUN_PREFIX, place}, {INTERFACE_PATTERN, INTERFACE_PREFIX, place}});
+    const Place place = {m_wantedDirectory,
+                         m_userDirectory,
+                         m_configuration.retentionDays,
+                         {m_configuration.mostMibPerDay * MIB, m_configuration.mostMib * MIB}};
+    m_logs.reset(new Logs{
+        {RUN_PATTERN, PREFIXES[0], place}, {INTERFACE_PATTERN, PREFIXES[1], place}, {PREFIXES[2], place}});
     for (const std::string& problem : m_configuration.problems) {
         warn(std::string(configuration).append(": ").append(problem));
     }
@@ -158,9 +175,14 @@ void LogService::write(DailySink& sink, spdlog::level::level_enum level, std::st
     if (sink.lastError() == 0) {
         return;
     }
+    noteDrop(sink.lastError());
+}
+
+void LogService::noteDrop(int error)
+{
     drop();
     ++m_dropsToTell;
-    m_dropReason = sink.lastError();
+    m_dropReason = error;
 }
 
 void LogService::warn(const std::string& text)

@@ -48,6 +48,8 @@ public:
     int levelInForce() const;
 
     void run(spdlog::level::level_enum level, std::string_view product, std::string_view text);
+    /** Writes a line as it is. @return 0, or -1 when it was not written. */
+    int audit(std::string_view record);
     void interfaceCall(spdlog::level::level_enum level, const InterfaceRecord& record);
 
     /** Where the run log's file is, or was at the stop; empty without one. Lives as long as the service. */
@@ -62,6 +64,7 @@ private:
     {
         DailySink run;
         DailySink interface;
+        DailyFile audit;
     };
 
     void open(const std::string& iniFile, const std::string& directory);
@@ -71,6 +74,7 @@ private:
                std::string_view text);
     void warn(const std::string& text);
     void tellAboutDirectory();
+    void noteDrop(int error);
     void tellAboutDrops();
 
     const Clock m_clock;

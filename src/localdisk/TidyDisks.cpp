@@ -72,7 +72,9 @@ private:
             }
             disk.map.clear();
         }
-        return removeDisk(m_job, disk, [&] { return disks.doubtAbout(disk); });
+        std::string problem = removeDisk(m_job, disk, [&] { return disks.doubtAbout(disk); });
+        tellStep(problem.empty() ? HostEvent::REMOVED : HostEvent::REFUSED, "/dev/" + disk.name, problem);
+        return problem;
     }
 
     const DiskJob& m_job;

@@ -195,7 +195,7 @@ void Operation::succeeded()
     if (m_frame.recordLast) {
         record(RESULT_SUCCESS);
     }
-    tellEnd(RESULT_SUCCESS);
+    tellEnd(RESULT_SUCCESS, m_closedBecause);
 }
 
 void Operation::failed()

@@ -110,6 +110,8 @@ TEST(LogConfiguration, AsShippedSaysWhatTheDefaultsAre)
         EXPECT_TRUE(read.problems.empty()) << read.problems.at(0);
         EXPECT_EQ(levelNumber(Configuration().level), levelNumber(read.level));
         EXPECT_EQ(Configuration().retentionDays, read.retentionDays);
+        EXPECT_TRUE(read.hasInterfaceLog);
+        EXPECT_EQ(0U, read.mostMib + read.mostMibPerDay);
     }
     EXPECT_EQ("/var/log/ovra", parseConfiguration(uncommented).directory);
 }
@@ -117,15 +119,15 @@ TEST(LogConfiguration, AsShippedSaysWhatTheDefaultsAre)
 TEST(LogFileNames, CarryTheDateAndAreRecognisedExactly)
 {
     EXPECT_EQ("Tessel_run_2026-01-02.log", datedName("Tessel_run_", {2026, 1, 2}));
-    const auto date = dateOfName("Tessel_run_", "Tessel_run_2024-02-29.log");
-    ASSERT_TRUE(date);
-    EXPECT_TRUE((*date == Date{2024, 2, 29}));
-    for (const char* name :
+    const auto name = parseName("Tessel_run_", "Tessel_run_2024-02-29.log");
+    ASSERT_TRUE(name);
+    EXPECT_TRUE((name->date == Date{2024, 2, 29}));
+    for (const char* other :
          {"Tessel_run_2026-02-29.log", "Tessel_run_2026-13-01.log", "Tessel_run_2026-00-10.log",
           "Tessel_run_2026-1-02.log", "Tessel_run_2026-01-02.log.1", "Tessel_run_2026-01-02.txt",
           "xTessel_run_2026-01-02.log", "Tessel_run_2026_01_02.log", "Tessel_run_", "",
           "Tessel_interface_2026-01-02.log", "tessel_run_2026-01-02.log", "Tessel_run_+026-01-02.log"}) {
-        EXPECT_FALSE(dateOfName("Tessel_run_", name)) << name;
+        EXPECT_FALSE(parseName("Tessel_run_", other)) << other;
     }
 }
 

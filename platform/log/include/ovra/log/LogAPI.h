@@ -90,6 +90,14 @@ OVRA_LOG_API void Log_Interface_Error(const char* productTag, const char* interf
                                       const char* resultCode, const char* extension);
 
 /**
+ * Writes one line of the audit log, Tessel_audit_DATE.log, which stands and ages with the others. A line is
+ * written whole, by one write, or not at all.
+ * @param record the line as it is to stand there, e.g. a JSON object; without a line break.
+ * @return 0; -1 when it was not written: no product is started, there is no room, or it holds a line break.
+ */
+OVRA_LOG_API int Log_Audit(const char* record);
+
+/**
  * Tells where the run log is: in the directory asked for, or in the per-user one when that cannot be written.
  * @return the directory of the line written last, after LogFini too; empty before the first LogInit, and
  * while no directory can be written. Never null. The text stays as it is until the process ends.
