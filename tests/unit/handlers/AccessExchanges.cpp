@@ -1,6 +1,6 @@
 // The operations of hosts, host groups and initiators, request by request.
 
-#include "unit/handlers/ExchangeTest.h"
+#include "unit/handlers/Exchange.h"
 
 namespace {
 
@@ -25,6 +25,8 @@ HostMO wholeHost()
     host.ISADD2HOSTGROUP = 1; // not sent
     return host;
 }
+
+} // namespace
 
 std::vector<Exchange> hostExchanges()
 {
@@ -200,18 +202,3 @@ std::vector<Exchange> fcExchanges()
             "PUT /fc_initiator/remove_fc_from_host ID=string:w"),
     };
 }
-
-INSTANTIATE_TEST_SUITE_P(Host, EveryExchange, testing::ValuesIn(hostExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Host, EveryReadingExchange, testing::ValuesIn(readingOnes(hostExchanges())),
-                         exchangeName);
-INSTANTIATE_TEST_SUITE_P(HostGroup, EveryExchange, testing::ValuesIn(hostGroupExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(HostGroup, EveryReadingExchange,
-                         testing::ValuesIn(readingOnes(hostGroupExchanges())), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Iscsi, EveryExchange, testing::ValuesIn(iscsiExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Iscsi, EveryReadingExchange, testing::ValuesIn(readingOnes(iscsiExchanges())),
-                         exchangeName);
-INSTANTIATE_TEST_SUITE_P(FC, EveryExchange, testing::ValuesIn(fcExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(FC, EveryReadingExchange, testing::ValuesIn(readingOnes(fcExchanges())),
-                         exchangeName);
-
-} // namespace

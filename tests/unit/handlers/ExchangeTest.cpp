@@ -1,91 +1,32 @@
-#include "unit/handlers/ExchangeTest.h"
+#include "unit/handlers/Exchange.h"
 
 #include <tessel/Failure.h>
 
 using testing::ElementsAreArray;
 
-Exchange& Exchange::variant(const std::string& text)
-{
-    variantText = text;
-    return *this;
-}
+namespace {
 
-Exchange& Exchange::loggedAs(const std::string& name)
+std::vector<Exchange> readingOnes(const std::vector<Exchange>& all)
 {
-    frames.front().logged = name;
-    return *this;
-}
-
-Exchange& Exchange::closingAsEntered()
-{
-    frames.front().close = "enter ";
-    return *this;
-}
-
-Exchange& Exchange::through(const std::string& worker, const std::string& errorName)
-{
-    frames.push_back({worker, worker, "leave "});
-    errorsNamed = errorName;
-    return *this;
-}
-
-Exchange& Exchange::throughRecordedAs(const std::string& worker, const std::string& recordName)
-{
-    frames.push_back({recordName, worker, "leave "});
-    errorsNamed = recordName;
-    return *this;
-}
-
-Exchange& Exchange::errorsAs(const std::string& caller)
-{
-    errorsNamed = caller;
-    return *this;
-}
-
-Exchange& Exchange::after(const Reply& reply, const Lines& seen)
-{
-    repliesBefore.push_back(reply);
-    seenBefore = seen;
-    return *this;
-}
-
-Exchange& Exchange::reading(const Reply& replyWithData, const Lines& seen)
-{
-    reads = true;
-    answer = replyWithData;
-    seenAfter = seen;
-    return *this;
-}
-
-Exchange& Exchange::then(const Reply& reply, const Lines& seen)
-{
-    repliesThen.push_back(reply);
-    seenThen = seen;
-    return *this;
-}
-
-Lines Exchange::succeeded() const
-{
-    Lines seen = journal::join(request, seenAfter);
-    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame) {
-        const bool outermost = frame + 1 == frames.rend();
-        seen = journal::join(journal::enter(frame->logged), outermost ? seenBefore : Lines(), seen,
-                             outermost ? seenThen : Lines(), "record " + frame->record + " 0",
-                             "info: " + frame->close + frame->logged + " successfully!");
+    std::vector<Exchange> some;
+    for (const Exchange& exchange : all) {
+        if (exchange.reads) {
+            some.push_back(exchange);
+        }
     }
-    return seen;
+    return some;
 }
 
-Lines Exchange::failed(const std::string& message, int code) const
+class EveryExchange : public HandlerTest, public testing::WithParamInterface<Exchange>
 {
-    Lines seen = journal::join(request, "error: " + message);
-    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame) {
-        const bool outermost = frame + 1 == frames.rend();
-        seen = journal::join(journal::enter(frame->logged), outermost ? seenBefore : Lines(), seen,
-                             "record! " + frame->record + " " + std::to_string(code));
-    }
-    return seen;
-}
+protected:
+    /** Calls the operation with this answer to its request. */
+    Outcome callWith(const Reply& answer);
+};
+
+class EveryReadingExchange : public EveryExchange
+{
+};
 
 Outcome EveryExchange::callWith(const Reply& answer)
 {
@@ -168,3 +109,35 @@ TEST_P(EveryExchange, LeavesItsFailureToBeAskedForAndItsSuccessNone)
     callWith(exchange.answer);
     EXPECT_FALSE(lastFailure());
 }
+
+INSTANTIATE_TEST_SUITE_P(Lun, EveryExchange, testing::ValuesIn(lunExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Lun, EveryReadingExchange, testing::ValuesIn(readingOnes(lunExchanges())),
+                         exchangeName);
+INSTANTIATE_TEST_SUITE_P(LunGroup, EveryExchange, testing::ValuesIn(lunGroupExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(LunGroup, EveryReadingExchange, testing::ValuesIn(readingOnes(lunGroupExchanges())),
+                         exchangeName);
+INSTANTIATE_TEST_SUITE_P(Snapshot, EveryExchange, testing::ValuesIn(snapshotExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Snapshot, EveryReadingExchange, testing::ValuesIn(readingOnes(snapshotExchanges())),
+                         exchangeName);
+
+INSTANTIATE_TEST_SUITE_P(Host, EveryExchange, testing::ValuesIn(hostExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Host, EveryReadingExchange, testing::ValuesIn(readingOnes(hostExchanges())),
+                         exchangeName);
+INSTANTIATE_TEST_SUITE_P(HostGroup, EveryExchange, testing::ValuesIn(hostGroupExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(HostGroup, EveryReadingExchange,
+                         testing::ValuesIn(readingOnes(hostGroupExchanges())), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Iscsi, EveryExchange, testing::ValuesIn(iscsiExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Iscsi, EveryReadingExchange, testing::ValuesIn(readingOnes(iscsiExchanges())),
+                         exchangeName);
+INSTANTIATE_TEST_SUITE_P(FC, EveryExchange, testing::ValuesIn(fcExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(FC, EveryReadingExchange, testing::ValuesIn(readingOnes(fcExchanges())),
+                         exchangeName);
+
+INSTANTIATE_TEST_SUITE_P(MappingView, EveryExchange, testing::ValuesIn(mappingViewExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(MappingView, EveryReadingExchange,
+                         testing::ValuesIn(readingOnes(mappingViewExchanges())), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Port, EveryExchange, testing::ValuesIn(portExchanges()), exchangeName);
+INSTANTIATE_TEST_SUITE_P(Port, EveryReadingExchange, testing::ValuesIn(readingOnes(portExchanges())),
+                         exchangeName);
+
+} // namespace

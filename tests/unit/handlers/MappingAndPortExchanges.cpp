@@ -1,6 +1,6 @@
 // The operations of mapping views and ports, request by request.
 
-#include "unit/handlers/ExchangeTest.h"
+#include "unit/handlers/Exchange.h"
 
 namespace {
 
@@ -21,6 +21,8 @@ Exchange worked(const std::string& operation, Exchange::Call call, const std::st
 {
     return Exchange(operation, std::move(call), request).through(worker, operation);
 }
+
+} // namespace
 
 std::vector<Exchange> mappingViewExchanges()
 {
@@ -149,12 +151,3 @@ std::vector<Exchange> portExchanges()
             .reading(TWO_AND_ONE_WITHOUT_ID, two("getETHPort", "/ETH_PORT")),
     };
 }
-
-INSTANTIATE_TEST_SUITE_P(MappingView, EveryExchange, testing::ValuesIn(mappingViewExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(MappingView, EveryReadingExchange,
-                         testing::ValuesIn(readingOnes(mappingViewExchanges())), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Port, EveryExchange, testing::ValuesIn(portExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Port, EveryReadingExchange, testing::ValuesIn(readingOnes(portExchanges())),
-                         exchangeName);
-
-} // namespace

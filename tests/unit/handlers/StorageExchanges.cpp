@@ -1,6 +1,6 @@
 // The operations of LUNs, LUN groups and snapshots, request by request.
 
-#include "unit/handlers/ExchangeTest.h"
+#include "unit/handlers/Exchange.h"
 
 namespace {
 
@@ -33,6 +33,8 @@ LunMO thinLun()
     lun.WWN = "not sent";
     return lun;
 }
+
+} // namespace
 
 std::vector<Exchange> lunExchanges()
 {
@@ -214,15 +216,3 @@ std::vector<Exchange> snapshotExchanges()
             .reading(TWO_AND_ONE_WITHOUT_ID, two),
     };
 }
-
-INSTANTIATE_TEST_SUITE_P(Lun, EveryExchange, testing::ValuesIn(lunExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Lun, EveryReadingExchange, testing::ValuesIn(readingOnes(lunExchanges())),
-                         exchangeName);
-INSTANTIATE_TEST_SUITE_P(LunGroup, EveryExchange, testing::ValuesIn(lunGroupExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(LunGroup, EveryReadingExchange, testing::ValuesIn(readingOnes(lunGroupExchanges())),
-                         exchangeName);
-INSTANTIATE_TEST_SUITE_P(Snapshot, EveryExchange, testing::ValuesIn(snapshotExchanges()), exchangeName);
-INSTANTIATE_TEST_SUITE_P(Snapshot, EveryReadingExchange, testing::ValuesIn(readingOnes(snapshotExchanges())),
-                         exchangeName);
-
-} // namespace

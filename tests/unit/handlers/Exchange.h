@@ -1,5 +1,5 @@
-#ifndef UNIT_HANDLERS_EXCHANGETEST_H
-#define UNIT_HANDLERS_EXCHANGETEST_H
+#ifndef UNIT_HANDLERS_EXCHANGE_H
+#define UNIT_HANDLERS_EXCHANGE_H
 
 #include "unit/handlers/HandlerTest.h"
 
@@ -66,6 +66,17 @@ struct Exchange
     Lines seenThen;
 };
 
+// The operations of each kind of object, request by request.
+std::vector<Exchange> lunExchanges();
+std::vector<Exchange> lunGroupExchanges();
+std::vector<Exchange> snapshotExchanges();
+std::vector<Exchange> hostExchanges();
+std::vector<Exchange> hostGroupExchanges();
+std::vector<Exchange> iscsiExchanges();
+std::vector<Exchange> fcExchanges();
+std::vector<Exchange> mappingViewExchanges();
+std::vector<Exchange> portExchanges();
+
 inline void PrintTo(const Exchange& exchange, std::ostream* out)
 {
     *out << exchange.name();
@@ -75,27 +86,5 @@ inline std::string exchangeName(const testing::TestParamInfo<Exchange>& info)
 {
     return info.param.name();
 }
-
-inline std::vector<Exchange> readingOnes(const std::vector<Exchange>& all)
-{
-    std::vector<Exchange> some;
-    for (const Exchange& exchange : all) {
-        if (exchange.reads) {
-            some.push_back(exchange);
-        }
-    }
-    return some;
-}
-
-class EveryExchange : public HandlerTest, public testing::WithParamInterface<Exchange>
-{
-protected:
-    /** Calls the operation with this answer to its request. */
-    Outcome callWith(const Reply& answer);
-};
-
-class EveryReadingExchange : public EveryExchange
-{
-};
 
 #endif
