@@ -11,6 +11,7 @@
 #include "ports/FCPortHandlerImpl.h"
 #include "ports/FCoEPortHandlerImpl.h"
 #include "session/DeviceManagerImpl.h"
+#include "session/ManagerOptions.h"
 #include "storage/LunGroupHandlerImpl.h"
 #include "storage/LunHandlerImpl.h"
 #include "storage/SnapshotHandlerImpl.h"
@@ -83,6 +84,7 @@ CHandler* CDeviceManagerImpl::handlerOf(HANDLERTYPE type)
 
 CDeviceManagerImpl::~CDeviceManagerImpl()
 {
+    forgetOptions(this);
     deleteInOrder(m_pLunHandler, m_pLunGroupHandler, m_pIscsiInitiatorHandler, m_pHostHandler,
                   m_pHostGroupHandler, m_pMappingViewHandler, m_pDiskAttachHandler, m_pSnapshotHandler,
                   m_pFCInitiatorHandler, m_pEthPortHandler, m_pFCPortHandler, m_pFCoEPortHandler,

@@ -23,7 +23,8 @@ enum class FailureKind : int
     TIMED_OUT,         ///< no answer in time
     UNREADABLE_ANSWER, ///< something answered, and not as the array's management interface does
     REFUSED,           ///< the array answered with an error: code and description
-    HOST               ///< on this host: a disk, the lock of the scans, a lack of memory
+    HOST,              ///< on this host: a disk, the lock of the scans, a lack of memory
+    CANCELLED          ///< by a Cancellation
 };
 
 /** The reason within the kind, as far as it is known. Values may be added. */

@@ -6,6 +6,7 @@
 
 #include <tessel/Access.h>
 #include <tessel/Array.h>
+#include <tessel/Calls.h>
 #include <tessel/DeviceManager.h>
 #include <tessel/DiskAttach.h>
 #include <tessel/DiskScanner.h>
@@ -27,6 +28,7 @@
 #include <tessel/Observer.h>
 #include <tessel/Snapshot.h>
 #include <tessel/Tidy.h>
+#include <tessel/Transport.h>
 #include <tessel/Version.h>
 
 #endif

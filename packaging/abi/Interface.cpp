@@ -49,7 +49,11 @@ template void layoutOf(const ETHPortQuery&);
 template void layoutOf(const OvraAPIException&);
 template void layoutOf(const OvraAPIExceptionWithErrCode&);
 template void layoutOf(const RecordField&);
+template void layoutOf(const ovra::tessel::CallLimit&);
+template void layoutOf(const ovra::tessel::Cancellation&);
+template void layoutOf(const ovra::tessel::Credentials&);
 template void layoutOf(const ovra::tessel::Failure&);
+template void layoutOf(const ovra::tessel::TransportOptions&);
 
 template void layoutOf(const HANDLERTYPE&);
 template void layoutOf(const MOType&);

@@ -26,13 +26,15 @@ __attribute__((constructor)) void startTlsWithoutExitHandler()
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 }
 
-CurlHandle makeHandle()
+void makeHandles(Connection& connection)
 {
-    CurlHandle handle(curl_easy_init());
-    if (!handle) {
+    connection.multi.reset(curl_multi_init());
+    connection.handle.reset(curl_easy_init());
+    // A new connection closes the one that it replaces.
+    if (!connection.multi || !connection.handle ||
+        curl_multi_setopt(connection.multi.get(), CURLMOPT_MAXCONNECTS, 1L) != CURLM_OK) {
         throw std::bad_alloc();
     }
-    return handle;
 }
 
 } // namespace
@@ -41,6 +43,12 @@ void CurlCleanup::operator()(CURL* handle) const
 {
     const SigpipeGuard guard;
     curl_easy_cleanup(handle);
+}
+
+void MultiCleanup::operator()(CURLM* multi) const
+{
+    const SigpipeGuard guard;
+    curl_multi_cleanup(multi);
 }
 
 bool isQuiet(const Connection& connection)
@@ -69,7 +77,7 @@ ConnectionPool::ConnectionPool()
 
 Connection ConnectionPool::take(const std::string& key)
 {
-    Connection taken = {key, nullptr, CURL_SOCKET_BAD, 0, getpid()};
+    Connection taken = {key, nullptr, nullptr, CURL_SOCKET_BAD, 0, getpid()};
     {
         const std::lock_guard<std::mutex> lock(libraryMutex());
         leaveToParent();
@@ -77,13 +85,14 @@ Connection ConnectionPool::take(const std::string& key)
         const auto found = std::find_if(m_idle.rbegin(), m_idle.rend(),
                                         [&](const Idle& idle) { return idle.connection.key == key; });
         if (found != m_idle.rend()) {
+            taken.multi = std::move(found->connection.multi);
             taken.handle = std::move(found->connection.handle);
             taken.socket = found->connection.socket;
             m_idle.erase(std::next(found).base());
         }
     }
     if (!taken.handle) {
-        taken.handle = makeHandle();
+        makeHandles(taken);
     }
     return taken;
 }

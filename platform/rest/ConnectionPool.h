@@ -17,10 +17,18 @@ struct CurlCleanup
 };
 using CurlHandle = std::unique_ptr<CURL, CurlCleanup>;
 
-/** An easy handle with the connection that it keeps alive. */
+struct MultiCleanup
+{
+    void operator()(CURLM* multi) const;
+};
+using MultiHandle = std::unique_ptr<CURLM, MultiCleanup>;
+
+/** A handle with the connection that it keeps alive. */
 struct Connection
 {
     std::string key; ///< server and trust settings; handles of different keys are never exchanged
+    MultiHandle
+        multi; ///< drives the handle, so that a wait for the network can be ended; keeps the connection
     CurlHandle handle;
     curl_socket_t socket = CURL_SOCKET_BAD; ///< of the idle connection, if there is one
     unsigned long generation = 0;           ///< of the pool when it was taken

@@ -58,6 +58,10 @@ const char* ownReason(int result)
         return "the answer is too large";
     case REST_INTERNAL_ERROR:
         return "a failure on this side";
+    case CURLE_ABORTED_BY_CALLBACK:
+        return "the call was cancelled";
+    case CURLE_OPERATION_TIMEDOUT:
+        return "the time of the call is over";
     default:
         return curl_easy_strerror(static_cast<CURLcode>(result));
     }
@@ -85,7 +89,7 @@ void noteTransfer(CURL* handle, CURLcode code, bool wasSent, const char* text, c
         setText(caFileProblem(settings.caFile));
         return;
     }
-    std::string told = *text == '\0' ? curl_easy_strerror(code) : text;
+    std::string told = *text == '\0' ? ownReason(code) : text;
     if (code == CURLE_COULDNT_CONNECT && error != 0 &&
         told.find(reasonOf(t_failure.systemError)) == told.npos) {
         told += ": " + reasonOf(t_failure.systemError); // libcurl 8 leaves it out

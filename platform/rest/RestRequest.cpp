@@ -1,6 +1,7 @@
 #include <ovra/rest/RestRequest.h>
 #include <ovra/threads/NoCancellation.h>
 
+#include "CallInForce.h"
 #include "FailureNote.h"
 #include "JsonBody.h"
 #include "RequestTarget.h"
@@ -44,7 +45,7 @@ bool RestRequest::Impl::build(HttpRequest& request, const std::optional<ServerAd
 int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer>& answer,
                                 std::vector<std::string>& headerLines)
 {
-    const RestSettings settings = RestGetSettings();
+    const RestSettings settings = CallInForce::settings();
     warnAboutSettings(settings);
     Transfer transfer(request, settings);
     const int result = transfer.perform();

@@ -48,21 +48,16 @@ CURLcode Transfer::attempt(Reuse reuse)
     setRequest(handle, m_request, headers.get());
     setTrust(handle, m_settings);
     setConfinement(handle);
-    setTimeouts(handle, m_settings, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed));
+    setTimeouts(handle, m_settings, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed), m_call);
     const bool fresh = reuse == Reuse::Forbidden || !isQuiet(connection);
     setOption(handle, CURLOPT_FRESH_CONNECT, fresh ? 1L : 0L);
     setCallbacks(handle);
 
-    CURLcode code = CURLE_OK;
-    {
-        const SigpipeGuard guard;
-        code = curl_easy_perform(handle);
-    }
+    const CURLcode code = drive(connection);
     long newConnections = 0;
     curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
     m_reused = m_sendings > 1 || newConnections == 0;
     curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &m_status);
-    curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection.socket);
     if (code != CURLE_OK) {
         noteTransfer(handle, code, m_sendings > 0, m_error.data(), m_settings);
     }
@@ -70,6 +65,36 @@ CURLcode Transfer::attempt(Reuse reuse)
     if (code == CURLE_OK) {
         ConnectionPool::instance().giveBack(std::move(connection));
     }
+    return code;
+}
+
+/// What curl_easy_perform does, but that a wait for the network ends when the call does.
+CURLcode Transfer::drive(Connection& connection)
+{
+    constexpr int LONGEST_WAIT_MS = 1000;
+    const SigpipeGuard guard;
+    CURLM* const multi = connection.multi.get();
+    CURLMcode failure = curl_multi_add_handle(multi, connection.handle.get());
+    CURLcode code = m_call.verdict();
+    for (int running = 1; failure == CURLM_OK && code == CURLE_OK;) {
+        failure = curl_multi_perform(multi, &running);
+        if (running == 0 || failure != CURLM_OK) {
+            break;
+        }
+        std::vector<curl_waitfd>& ends = m_call.descriptors();
+        failure =
+            curl_multi_poll(multi, ends.data(), static_cast<unsigned>(ends.size()), LONGEST_WAIT_MS, nullptr);
+        code = m_call.verdict();
+    }
+    int left = 0;
+    const CURLMsg* const message = curl_multi_info_read(multi, &left);
+    if (message != nullptr && message->msg == CURLMSG_DONE) {
+        code = message->data.result;
+    } else if (code == CURLE_OK) {
+        code = failure == CURLM_OUT_OF_MEMORY ? CURLE_OUT_OF_MEMORY : CURLE_FAILED_INIT;
+    }
+    curl_easy_getinfo(connection.handle.get(), CURLINFO_ACTIVESOCKET, &connection.socket);
+    curl_multi_remove_handle(multi, connection.handle.get());
     return code;
 }
 

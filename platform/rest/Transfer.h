@@ -1,6 +1,7 @@
 #ifndef OVRA_REST_TRANSFER_H
 #define OVRA_REST_TRANSFER_H
 
+#include "CallInForce.h"
 #include "ConnectionPool.h"
 #include "HeaderLines.h"
 #include "HttpRequest.h"
@@ -41,6 +42,7 @@ private:
     };
 
     CURLcode attempt(Reuse reuse);
+    CURLcode drive(Connection& connection);
     void forgetAnswer();
     void setCallbacks(CURL* handle);
     int resultOf(CURLcode code) const;
@@ -54,6 +56,7 @@ private:
     const RestSettings& m_settings;
     const std::chrono::steady_clock::time_point m_started = std::chrono::steady_clock::now();
 
+    CallInForce m_call;
     HeaderLines m_headers;
     SecretText m_body;
     std::array<char, CURL_ERROR_SIZE> m_error{}; ///< libcurl's words for a failure

@@ -131,15 +131,16 @@ void setConfinement(CURL* handle)
     setOption(handle, CURLOPT_NOPROGRESS, ON);
     setOption(handle, CURLOPT_TCP_NODELAY, ON);
     setOption(handle, CURLOPT_TCP_KEEPALIVE, ON);
-    setOption(handle, CURLOPT_MAXCONNECTS, 1L); // a new connection closes the one that it replaces
     setOption(handle, CURLOPT_OPENSOCKETFUNCTION, &openSocket);
 }
 
-void setTimeouts(CURL* handle, const RestSettings& settings, std::chrono::milliseconds elapsed)
+void setTimeouts(CURL* handle, const RestSettings& settings, std::chrono::milliseconds elapsed,
+                 const CallInForce& call)
 {
     setOption(handle, CURLOPT_CONNECTTIMEOUT_MS, milliseconds(settings.connectTimeoutSeconds));
     const long whole = milliseconds(settings.timeoutSeconds);
-    setOption(handle, CURLOPT_TIMEOUT_MS, std::max(1L, whole - static_cast<long>(elapsed.count())));
+    setOption(handle, CURLOPT_TIMEOUT_MS,
+              call.within(std::max(1L, whole - static_cast<long>(elapsed.count()))));
 }
 
 } // namespace ovra::rest

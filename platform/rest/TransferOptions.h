@@ -1,6 +1,7 @@
 #ifndef OVRA_REST_TRANSFEROPTIONS_H
 #define OVRA_REST_TRANSFEROPTIONS_H
 
+#include "CallInForce.h"
 #include "HttpRequest.h"
 
 #include <ovra/rest/RestSettings.h>
@@ -50,8 +51,9 @@ void setTrust(CURL* handle, const RestSettings& settings);
 /** Limits on protocols, redirects, proxies and descriptors: the same for every request. */
 void setConfinement(CURL* handle);
 
-/** Time-outs of a request that began that long ago. */
-void setTimeouts(CURL* handle, const RestSettings& settings, std::chrono::milliseconds elapsed);
+/** Time-outs of a request that began that long ago, within those of the call that it belongs to. */
+void setTimeouts(CURL* handle, const RestSettings& settings, std::chrono::milliseconds elapsed,
+                 const CallInForce& call);
 
 } // namespace ovra::rest
 

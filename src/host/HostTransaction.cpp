@@ -1,4 +1,5 @@
 #include "host/KxRescanLock.h"
+#include "session/CallsAtWork.h"
 #include "session/LastFailure.h"
 #include "session/Log.h"
 
@@ -18,7 +19,8 @@ namespace {
 
 thread_local bool t_isHeld = false;
 
-constexpr long LONGEST_NAP_S = 1; // looks again that the set is still the one of the key
+/** Looks again that the set is still the one of the key. */
+constexpr long LONGEST_NAP_MS = 1000;
 
 timespec monotonic()
 {
@@ -28,18 +30,18 @@ timespec monotonic()
 }
 
 /** Takes the lock within a nap; 0, or the errno of the attempt. */
-int tryFor(int semId, long seconds)
+int tryFor(int semId, long milliseconds)
 {
     sembuf take = {};
     take.sem_op = -1;
     take.sem_flg = SEM_UNDO;
-    const timespec nap = {seconds, 0};
+    const timespec nap = {milliseconds / 1000, milliseconds % 1000 * 1000000};
     return semtimedop(semId, &take, 1, &nap) == 0 ? 0 : errno;
 }
 
-[[noreturn]] void refuse(const std::string& reason)
+[[noreturn]] void refuse(const std::string& reason, FailureKind kind = FailureKind::HOST)
 {
-    throw notedFailure(FailureKind::HOST, "no rescan lock: " + reason + "! HostTransaction", true);
+    throw notedFailure(kind, "no rescan lock: " + reason + "! HostTransaction", true);
 }
 
 /** Once: where the semaphore has the ID 0 every making frees it. */
@@ -84,7 +86,8 @@ HostTransaction::HostTransaction(unsigned seconds)
             refuse("its semaphore cannot be had; the run log says why");
         }
         const time_t left = start + static_cast<time_t>(seconds) - monotonic().tv_sec;
-        const int error = tryFor(semId, std::clamp<time_t>(left, 0, LONGEST_NAP_S));
+        const long nap = isLimited() ? LOOK_MILLISECONDS : LONGEST_NAP_MS;
+        const int error = tryFor(semId, std::clamp<long>(left * 1000, 0, nap));
         if (error == 0) {
             t_isHeld = true;
             beginUntold();
@@ -92,6 +95,9 @@ HostTransaction::HostTransaction(unsigned seconds)
         }
         if (error != EAGAIN && error != EINTR && error != EIDRM) {
             refuse(std::system_category().message(error));
+        }
+        if (const FailureKind why = whyToEnd(); why != FailureKind::NONE) {
+            refuse("the call was ended while it waited for it", why);
         }
         if (left <= 0) {
             refuse(holderOf(semId) + " has held it for more than " + std::to_string(seconds) + " s");

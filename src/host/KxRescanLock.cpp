@@ -1,5 +1,6 @@
 #include "host/KxRescanLock.h"
 
+#include "session/CallsAtWork.h"
 #include "session/Log.h"
 
 #include <cerrno>
@@ -7,6 +8,8 @@
 #include <optional>
 #include <sys/ipc.h>
 #include <sys/sem.h>
+
+using namespace ovra::tessel;
 
 namespace {
 
@@ -87,11 +90,17 @@ int KxRescanLock::getSem()
 
 int KxRescanLock::lockSem(int semId)
 {
-    const timespec slice = {LONG_WAIT_S, 0};
+    const timespec slice = isLimited() ? timespec{0, LOOK_MILLISECONDS * 1000000} : timespec{LONG_WAIT_S, 0};
     const timespec* limit = &slice; // none for the older call, which a filter of system calls may know alone
     const time_t start = now();
     bool told = false;
-    while (change(semId, -1, SEM_UNDO, limit) != 0) {
+    for (;;) {
+        if (whyToEnd() != FailureKind::NONE) {
+            return -1;
+        }
+        if (change(semId, -1, SEM_UNDO, limit) == 0) {
+            return 0;
+        }
         if (errno == EINTR || errno == EAGAIN) {
             if (!told && now() - start >= LONG_WAIT_S) {
                 told = true;
@@ -103,7 +112,6 @@ int KxRescanLock::lockSem(int semId)
             return -1;
         }
     }
-    return 0;
 }
 
 int KxRescanLock::unlockSem(int semId)

@@ -1,6 +1,7 @@
 #include "host/KxRescanState.h"
 
 #include "host/NeverDestroyed.h"
+#include "session/CallsAtWork.h"
 
 std::atomic<int> g_scanState{KX_RESCAN_NEVER};
 std::mutex g_scanLunMutex;
@@ -22,7 +23,14 @@ namespace ovra::tessel {
 void waitForScanEnd()
 {
     std::unique_lock<std::mutex> lock(g_scanLunMutex);
-    g_scanlunEndCond.wait(lock, [] { return GetScanState() == KX_RESCAN_ENDED; });
+    const auto isOver = [] { return GetScanState() == KX_RESCAN_ENDED; };
+    if (!isLimited()) {
+        g_scanlunEndCond.wait(lock, isOver);
+        return;
+    }
+    while (!g_scanlunEndCond.wait_for(lock, std::chrono::milliseconds(LOOK_MILLISECONDS), isOver) &&
+           whyToEnd() == FailureKind::NONE) {
+    }
 }
 
 std::unique_lock<std::mutex> RunningScan::end()

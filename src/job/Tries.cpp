@@ -1,10 +1,11 @@
 #include "job/Tries.h"
 
+#include "session/CallsAtWork.h"
+
 #include <tessel/Failure.h>
 
 #include <algorithm>
 #include <random>
-#include <thread>
 #include <unistd.h>
 
 namespace ovra::tessel {
@@ -30,7 +31,7 @@ bool Tries::another()
         return false;
     }
     --m_left;
-    std::this_thread::sleep_for(spread(m_pause));
+    pauseFor(static_cast<unsigned>(std::chrono::microseconds(spread(m_pause)).count()));
     m_pause = std::min(2 * m_pause, m_longest);
     return true;
 }

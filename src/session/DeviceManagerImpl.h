@@ -47,6 +47,12 @@ public:
     /** What requests name the session by: the low 32 bits of the device manager's address. */
     static unsigned int sessionKey(const CDeviceManagerImpl* p);
 
+    /**
+     * Whether an answer is one that a session was over for, which is open again now: by the credentials that
+     * were given for that; without them false, and nothing is sent.
+     */
+    bool opensAgain(const ovra::tessel::Answer& refused);
+
     /** Sends a request by the session key of a device manager, which may be null. */
     static ovra::tessel::Answer send(const CDeviceManagerImpl* deviceManager, RestRequest& request,
                                      REST_REQUEST_MODE_E mode, const std::string& url);

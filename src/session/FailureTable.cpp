@@ -1,16 +1,13 @@
 #include "session/FailureTable.h"
 
 #include "session/InterfaceRecord.h"
+#include "session/RestAdditions.h"
 
-#include <ovra/rest/RestFailure.h>
 #include <ovra/rest/RestRequest.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
-
-/// A build of the REST library may lack it: results alone are told then.
-extern __attribute__((weak)) const RestFailure& RestLastFailure() noexcept;
 
 namespace ovra::tessel {
 
@@ -63,6 +60,7 @@ constexpr Row ROWS[] = {
     {52, Detail::ANY, 0, Kind::NOT_REACHABLE, Reason::CONNECTION_ENDED, AGAIN}, // before it
     {55, Detail::ANY, 0, Kind::NOT_REACHABLE, Reason::CONNECTION_ENDED, AGAIN}, // while sending
     {56, Detail::ANY, 0, Kind::NOT_REACHABLE, Reason::CONNECTION_ENDED, AGAIN}, // while receiving
+    {42, Detail::ANY, 0, Kind::CANCELLED, Reason::OTHER, AGAIN},
     {60, Detail::VERIFY, 10, Kind::NOT_TRUSTED, Reason::CERTIFICATE_EXPIRED, !AGAIN},
     {60, Detail::VERIFY, 9, Kind::NOT_TRUSTED, Reason::CERTIFICATE_NOT_YET_VALID, !AGAIN},
     {60, Detail::VERIFY, 0, Kind::NOT_TRUSTED, Reason::CERTIFICATE_NAME, !AGAIN}, // all else was right

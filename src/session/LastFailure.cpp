@@ -185,6 +185,17 @@ void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept
     }
 }
 
+void asideOfFailure(const std::function<void()>& aside)
+{
+    const Noted noted = t_noted;
+    const bool isForgotten = t_isForgotten;
+    const bool isKept = t_isKept;
+    aside();
+    t_noted = noted;
+    t_isForgotten = isForgotten;
+    t_isKept = isKept;
+}
+
 Failure lastFailure()
 {
     return t_isForgotten ? Failure() : asTold(t_noted);
@@ -192,13 +203,12 @@ Failure lastFailure()
 
 Failure failureOf(const OvraAPIException& thrown)
 {
-    const Noted before = t_noted;
-    const bool wasForgotten = t_isForgotten;
-    noteThrown(thrown, FailureKind::HOST);
-    const Noted found = t_noted;
-    t_noted = before;
-    t_isForgotten = wasForgotten;
-    return asTold(found);
+    Failure found;
+    asideOfFailure([&] {
+        noteThrown(thrown, FailureKind::HOST);
+        found = asTold(t_noted);
+    });
+    return found;
 }
 
 void clearFailure() noexcept

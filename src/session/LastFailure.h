@@ -3,6 +3,7 @@
 
 #include <tessel/Failure.h>
 
+#include <functional>
 #include <string>
 
 namespace ovra::tessel {
@@ -42,6 +43,9 @@ void noteKind(FailureKind kind) noexcept;
 
 /** Notes what leaves a call, unless it is what was noted last. */
 void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept;
+
+/** Does what may fail by itself, and leaves the last failure as it was. */
+void asideOfFailure(const std::function<void()>& aside);
 
 /** Does the steps of a call that is no operation; what leaves it and was not noted is of that kind. */
 template <class Steps>

@@ -1,5 +1,6 @@
 #include "session/Operation.h"
 
+#include "session/CallsAtWork.h"
 #include "session/DeviceManagerImpl.h"
 
 #include <cxxabi.h>
@@ -26,7 +27,7 @@ InterfaceRecord enter(const Frame& frame)
 } // namespace
 
 Operation::Operation(const Frame& frame, CDeviceManagerImpl* deviceManager)
-    : m_frame(frame), m_deviceManager(deviceManager), m_record(enter(frame)),
+    : m_options(deviceManager), m_frame(frame), m_deviceManager(deviceManager), m_record(enter(frame)),
       m_seen(frame.observed, deviceManager)
 {
     t_failure = RESULT_SUCCESS;
@@ -124,7 +125,9 @@ void Operation::close(const char* text, int result)
 
 void Operation::keep(const std::string& reason, bool canTryAgain)
 {
-    notedFailure(FailureKind::HOST, reason + " " + m_frame.errors, canTryAgain);
+    const FailureKind why = whyToEnd();
+    notedFailure(why != FailureKind::NONE ? why : FailureKind::HOST, reason + " " + m_frame.errors,
+                 canTryAgain);
     keepFailure();
     m_closedBecause = reason;
 }
@@ -142,7 +145,11 @@ Answer Operation::send(REST_REQUEST_MODE_E mode, const std::string& url)
     if (mode != REST_GET) {
         m_seen.setChange();
     }
-    Answer answer = checked(CDeviceManagerImpl::send(m_deviceManager, request(), mode, url));
+    Answer answer = CDeviceManagerImpl::send(m_deviceManager, request(), mode, url);
+    if (m_deviceManager != nullptr && m_deviceManager->opensAgain(answer) && mode == REST_GET) {
+        answer = CDeviceManagerImpl::send(m_deviceManager, request(), mode, url);
+    }
+    answer = checked(std::move(answer));
     if (mode == REST_POST && m_seen.isMaking()) {
         m_seen.made(answer.id());
     }
@@ -176,7 +183,11 @@ void Operation::record(int result) const
 void Operation::tellEnd(int result, const std::string& what)
 {
     const int failure = t_failure; // an observer may call operations too
-    m_seen.ended(result, what);
+    if (result == RESULT_SUCCESS) {
+        m_seen.ended(result, what);
+    } else {
+        asideOfFailure([&] { m_seen.ended(result, what); });
+    }
     t_failure = failure;
 }
 

@@ -7,6 +7,7 @@
 #include "session/InterfaceRecord.h"
 #include "session/LastFailure.h"
 #include "session/Log.h"
+#include "session/ManagerOptions.h"
 #include "session/Url.h"
 
 #include <ovra/rest/RestRequest.h>
@@ -134,6 +135,7 @@ private:
     [[noreturn]] void failed();
 
     const Call m_call;
+    const OptionsInForce m_options;
     const Frame& m_frame;
     CDeviceManagerImpl* m_deviceManager;
     InterfaceRecord m_record;

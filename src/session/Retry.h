@@ -1,6 +1,7 @@
 #ifndef SESSION_RETRY_H
 #define SESSION_RETRY_H
 
+#include "session/CallsAtWork.h"
 #include "session/LastFailure.h"
 #include "session/Log.h"
 
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <unistd.h>
 
 /** How many times a create reads its new object again; set by the first device manager. */
 extern unsigned int gRetryTimes;
@@ -36,7 +36,7 @@ auto retryWhile(std::initializer_list<int> codes, const char* retryLine, Call ca
             }
         }
         COMMLOG(OS_LOG_INFO, "%s", retryLine);
-        usleep(gRetrySleepTimeMicroSeconds);
+        pauseFor(gRetrySleepTimeMicroSeconds);
     }
 }
 

@@ -4,6 +4,8 @@
 #include <ovra/rest/OvraTool.h>
 #include <ovra/rest/UserManager.h>
 
+#include <cstring>
+
 using namespace ovra::tessel;
 
 namespace {
@@ -109,6 +111,29 @@ struct OpenSession
     }
 };
 
+/** An answer that says no, or is none of an array; not one that is missing. */
+bool isRefused(const Answer& answer)
+{
+    std::string description;
+    return answer.reason() == REST_ANSWER_UNREADABLE ||
+           (answer.reason() == 0 && answer.code(description) != 0);
+}
+
+bool loginAgain(CDeviceManager& manager, const std::string& ip, unsigned int port,
+                const CredentialsSource& source)
+{
+    Credentials credentials;
+    bool isOpen = false;
+    try {
+        isOpen = source(credentials) &&
+                 manager.loginDevice(ip, port, credentials.userName, credentials.password, credentials.scope);
+    } catch (...) { // of the source: there are no credentials then
+        COMMLOG(OS_LOG_WARN, "The source of the credentials for another login failed.");
+    }
+    explicit_bzero(&credentials.password[0], credentials.password.size());
+    return isOpen;
+}
+
 } // namespace
 
 bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& port,
@@ -140,7 +165,28 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
             op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::UNREADABLE_ANSWER);
         }
         sessions::set(this, sessions::named(ip, port, userName));
+        if (optionsOf(this)) {
+            changeOptions(*this, [](ManagerOptions& changed) { changed.areCredentialsRefused = false; });
+        }
     });
+}
+
+bool CDeviceManagerImpl::opensAgain(const Answer& refused)
+{
+    const auto options = optionsOf(this);
+    if (!options || !options->credentials || options->areCredentialsRefused ||
+        m_registration != Registration::IN_FORCE || !isRefused(refused)) {
+        return false;
+    }
+    const OpenSession session{m_ip, m_port, m_deviceId, m_token, m_cookie};
+    if (!isRefused(session.send(REST_GET, "/server/logininfo"))) {
+        return false; // it was refused for what it asks
+    }
+    const bool isOpen = loginAgain(*this, m_ip, m_port, *options->credentials);
+    if (!isOpen && lastFailure().kind == FailureKind::REFUSED) { // tried again it might lock the account
+        changeOptions(*this, [](ManagerOptions& changed) { changed.areCredentialsRefused = true; });
+    }
+    return isOpen;
 }
 
 bool CDeviceManagerImpl::logoutDevice()

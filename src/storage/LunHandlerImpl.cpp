@@ -58,7 +58,7 @@ LunMO CLunHandlerImpl::createLun(LunMO& lun)
         addCapacities(op, lun);
         addTuning(op, lun);
         const std::string id = op.post("/lun").id();
-        usleep(SETTLE_MICROSECONDS);
+        pauseFor(SETTLE_MICROSECONDS);
         return retryWhile({ARRAY_NOT_READY}, "retry get lun!", [&] { return getLun(id); });
     });
 }

@@ -120,6 +120,12 @@ class Examples(unittest.TestCase):
         done = self.example("handle_errors", "")
         self.assertEqual((done.returncode, done.stdout), (5, "Exception:lunID is empty! getLun\n"))
 
+    def test_limits_reads_within_its_time_from_an_array_trusted_by_its_key(self):
+        done = self.example("limits", os.environ["TESSEL_ARRAYSIM_PINNED_KEY"], OVRA_REST_CA_FILE="/nowhere.pem")
+        self.assertEqual((done.returncode, done.stdout), (0, "4 Ethernet ports\n"), done.stderr)
+        self.array.control("POST", "/faults", {"method": "GET", "path": "/ETH_PORT/*", "action": "dropSession"})
+        self.assertEqual(self.example("limits", os.environ["TESSEL_ARRAYSIM_PINNED_KEY"]).returncode, 0)
+
     def test_why_no_login_tells_the_arrays_words(self):
         self.array.control("POST", "/faults", {"method": "POST", "path": "/sessions", "action": "error",
                                                "code": 1077949999, "description": "not today"})
