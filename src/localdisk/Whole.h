@@ -3,6 +3,8 @@
 
 #include "host/Interruption.h"
 
+#include "session/LastFailure.h"
+
 #include <ovra/threads/NoCancellation.h>
 #include <tessel/Exception.h>
 
@@ -17,15 +19,15 @@ auto whole(const Steps& steps) -> decltype(steps())
 {
     const NoCancellation untilTheEnd;
     try {
-        return steps();
+        return calling(FailureKind::HOST, steps);
     } catch (const Interruption& interruption) {
         setLastScanSignal(interruption.signal);
-        throw OvraAPIException("a tool of the host was ended by signal " +
-                               std::to_string(interruption.signal) +
-                               ": call again to go on from there! LocalDisk");
+        throw notedFailure(FailureKind::HOST, "a tool of the host was ended by signal " +
+                                                  std::to_string(interruption.signal) +
+                                                  ": call again to go on from there! LocalDisk");
     } catch (const std::system_error& error) {
-        throw OvraAPIException(std::string("this process can start nothing: ") + error.what() +
-                               "! LocalDisk");
+        throw notedFailure(FailureKind::HOST,
+                           std::string("this process can start nothing: ") + error.what() + "! LocalDisk");
     }
 }
 

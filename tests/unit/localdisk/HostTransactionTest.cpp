@@ -2,7 +2,9 @@
 
 #include "host/KxRescanLock.h"
 
+#include <tessel/Failure.h>
 #include <tessel/HostTransaction.h>
+#include <tessel/LocalDisk.h>
 
 #include <memory>
 #include <thread>
@@ -54,6 +56,30 @@ TEST_F(TransactionOnAHost, SaysWhoHoldsTheLockWhenTheTimeIsUp)
 {
     seam.semopErrors = {EAGAIN};
     EXPECT_THAT(begun(), HasSubstr("no rescan lock: process 4711 has held it for more than 0 s"));
+}
+
+TEST_F(TransactionOnAHost, LeavesItsFailureToBeAskedFor)
+{
+    seam.semopErrors = {EAGAIN};
+    const std::string thrown = begun();
+    EXPECT_EQ(lastFailure().kind, FailureKind::HOST);
+    EXPECT_TRUE(lastFailure().canTryAgain);
+    EXPECT_EQ(lastFailure().operation, "HostTransaction");
+    EXPECT_THAT(thrown, HasSubstr(lastFailure().message));
+    EXPECT_EQ(begun(), "");
+    EXPECT_FALSE(lastFailure());
+}
+
+TEST_F(TransactionOnAHost, AndALocalDiskTellTheirFailuresApart)
+{
+    const HostInitiator host = HostInitiator::iscsi("iqn.2024-05.org.example:1");
+    failure([&] { LocalDisk::find(*manager, StorageObject{MO_HOST, "1"}, host); });
+    EXPECT_EQ(lastFailure().kind, FailureKind::ARGUMENT);
+    platform.reply(Reply::ok());
+    failure([&] { LocalDisk::find(*manager, StorageObject::lun("7"), host); });
+    EXPECT_EQ(lastFailure().kind, FailureKind::HOST);
+    EXPECT_EQ(lastFailure().operation, "LocalDisk");
+    EXPECT_EQ(lastFailure().message, "LUN 7: the array has no such object! LocalDisk");
 }
 
 TEST_F(TransactionOnAHost, WaitsOnThroughSignalsAndASetThatIsMadeAnew)
