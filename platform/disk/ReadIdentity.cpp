@@ -28,7 +28,8 @@ constexpr unsigned char UNIT_NOT_SUPPORTED = 0x25;
 class OpenDevice
 {
 public:
-    explicit OpenDevice(const std::string& path) : m_fd(open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC))
+    OpenDevice(const std::string& path, Opened how)
+        : m_fd(how == Opened::READ_WRITE ? open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC) : -1)
     {
         if (m_fd < 0) {
             m_fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -101,12 +102,12 @@ int inquire(int descriptor, unsigned char page, unsigned char* buffer)
     return Inquiry(descriptor, VITAL_PRODUCT_DATA, page, buffer).isGood() ? 0 : -1;
 }
 
-std::optional<std::string> readPage83(const std::string& path)
+std::optional<std::string> readPage83(const std::string& path, Opened how)
 {
     if (!canAnswer(lastName(path))) {
         return std::nullopt;
     }
-    const OpenDevice device(path);
+    const OpenDevice device(path, how);
     unsigned char page[PAGE_BYTES] = {};
     if (device.descriptor() < 0 || inquire(device.descriptor(), DEVICE_IDENTIFICATION, page) != 0) {
         return std::nullopt;
@@ -114,17 +115,17 @@ std::optional<std::string> readPage83(const std::string& path)
     return std::string(page, page + PAGE_BYTES);
 }
 
-DiskIdentity readIdentity(const std::string& path)
+DiskIdentity readIdentity(const std::string& path, Opened how)
 {
-    const std::optional<std::string> page = readPage83(path);
+    const std::optional<std::string> page = readPage83(path, how);
     return page ? parsePage83(*page).value_or(DiskIdentity()) : DiskIdentity();
 }
 
 DiskAnswer askDisk(const std::string& path)
 {
-    DiskAnswer answer{readPage83(path).value_or(""), false};
+    DiskAnswer answer{readPage83(path, Opened::READ_ONLY).value_or(""), false};
     if (answer.page.empty() && canAnswer(lastName(path))) {
-        const OpenDevice device(path);
+        const OpenDevice device(path, Opened::READ_ONLY);
         unsigned char data[PAGE_BYTES] = {};
         if (device.descriptor() >= 0) {
             const Inquiry standard(device.descriptor(), STANDARD, 0, data);

@@ -3,6 +3,7 @@
 
 #include "host/Limited.h"
 
+#include <ovra/disk/ReadIdentity.h>
 #include <ovra/disk/ScsiDisks.h>
 
 #include <memory>
@@ -40,6 +41,15 @@ std::vector<Answer> askAll(const std::vector<disk::ScsiDisk>& disks, std::chrono
     doWithin(limit, steps);
     const std::lock_guard<std::mutex> guard(answers->mutex);
     return answers->all;
+}
+
+/** Asks all disks who they are. */
+inline std::vector<disk::DiskIdentity> askWho(const std::vector<disk::ScsiDisk>& disks,
+                                              std::chrono::seconds limit)
+{
+    return askAll<disk::DiskIdentity>(disks, limit, [](const std::string& path) {
+        return disk::readIdentity(path, disk::Opened::READ_ONLY);
+    });
 }
 
 } // namespace ovra::tessel

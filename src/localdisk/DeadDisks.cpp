@@ -234,7 +234,7 @@ bool DeadDisks::isTargetOfArray(const disk::ScsiDisk& disk)
     if (isNew) {
         std::vector<disk::ScsiDisk> neighbours = neighboursOf(disk);
         neighbours.resize(std::min<size_t>(neighbours.size(), MOST_NEIGHBOURS));
-        for (const disk::DiskIdentity& now : askAll(neighbours, m_job.step(), disk::readIdentity)) {
+        for (const disk::DiskIdentity& now : askWho(neighbours, m_job.step())) {
             target->second = target->second || (!now.wwn.empty() && isOfArray(now));
         }
     }
@@ -246,7 +246,7 @@ bool DeadDisks::isTargetOfArray(const disk::ScsiDisk& disk)
 std::string DeadDisks::otherNumberOf(const disk::ScsiDisk& disk) const
 {
     const std::vector<disk::ScsiDisk> neighbours = neighboursOf(disk);
-    const std::vector<disk::DiskIdentity> now = askAll(neighbours, m_job.step(), disk::readIdentity);
+    const std::vector<disk::DiskIdentity> now = askWho(neighbours, m_job.step());
     const auto same = std::find_if(now.begin(), now.end(), [&](const disk::DiskIdentity& identity) {
         return isSame(identity, disk.known);
     });

@@ -26,7 +26,7 @@ class Search
 {
 public:
     Search(const DiskJob& job, const Ways& ways, const std::function<void()>& show)
-        : m_job(job), m_ways(ways), m_show(show), m_end(job.options.findSeconds)
+        : m_job(job), m_ways(ways), m_hosts(ways.online), m_show(show), m_end(job.options.findSeconds)
     {
     }
 
@@ -56,8 +56,7 @@ private:
     Sight look() const
     {
         const Sight sight = lookForOurs(m_job, m_ways.all);
-        return sight.ours.size() >= m_ways.online.size() ? sight
-                                                         : lookAt(m_job, disk::scsiDisksOf(m_ways.online));
+        return sight.ours.size() >= m_ways.online.size() ? sight : lookAt(m_job, disk::scsiDisksOf(m_hosts));
     }
 
     bool isEnough(const Sight& sight) const
@@ -67,16 +66,19 @@ private:
 
     void scan()
     {
+        if (m_scans == 1) { // nothing was found where it seemed to be
+            m_hosts.insert(m_hosts.end(), m_ways.others.begin(), m_ways.others.end());
+        }
         std::vector<std::function<void()>> scans;
-        for (const std::string& host : m_ways.online) {
+        for (const std::string& host : m_hosts) {
             scans.emplace_back([host] { disk::writeFile(disk::scanFileOf(host), disk::SCAN_ALL); });
         }
-        COMMLOG(OS_LOG_INFO, "Scanning the SCSI hosts %s for %s.", listed(m_ways.online).c_str(),
+        COMMLOG(OS_LOG_INFO, "Scanning the SCSI hosts %s for %s.", listed(m_hosts).c_str(),
                 m_job.name().c_str());
         const TimedScan timed(listed(m_ways.online));
         doWithin(m_job.step(), scans);
         const Deadline deadline(m_job.options.stepSeconds);
-        while (disk::hasUnfinishedDisks(m_ways.online) && deadline.pause()) {
+        while (disk::hasUnfinishedDisks(m_hosts) && deadline.pause()) {
         }
         if (++m_scans > 1) {
             m_end.pause(); // the array shows it late: not at once again
@@ -136,6 +138,7 @@ private:
 
     const DiskJob& m_job;
     const Ways& m_ways;
+    std::vector<std::string> m_hosts; ///< that are scanned
     const std::function<void()>& m_show;
     const Deadline m_end;
     bool m_isScanned = false;

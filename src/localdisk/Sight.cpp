@@ -32,7 +32,7 @@ void sort(const DiskJob& job, const disk::ScsiDisk& disk, const disk::DiskIdenti
 
 Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks)
 {
-    const std::vector<disk::DiskIdentity> identities = askAll(disks, job.step(), disk::readIdentity);
+    const std::vector<disk::DiskIdentity> identities = askWho(disks, job.step());
     Sight sight;
     for (size_t i = 0; i < disks.size(); ++i) {
         sort(job, disks[i], identities[i], sight);

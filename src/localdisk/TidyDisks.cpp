@@ -4,8 +4,8 @@
 #include "observer/Observation.h"
 #include "session/Texts.h"
 
-#include <tessel/HostTransaction.h>
 #include <tessel/DeviceManager.h>
+#include <tessel/HostTransaction.h>
 #include <tessel/Tidy.h>
 
 namespace ovra::tessel {

@@ -1,8 +1,10 @@
 #include "localdisk/Ways.h"
 
+#include <ovra/disk/ScsiDisks.h>
 #include <ovra/disk/ScsiHosts.h>
 
 #include <map>
+#include <set>
 #include <utility>
 
 namespace ovra::tessel {
@@ -38,6 +40,34 @@ Ways waysOf(const DiskJob& job, const std::string& hostID, Known known)
     return ways;
 }
 
+/** The digits by which the WWNs of an array begin: kind, company, and what the company numbers its arrays by.
+ */
+constexpr size_t ARRAY_DIGITS = 16;
+constexpr const char* LUN_ZERO = "0"; // the target's own, alike in all
+
+/** Takes those out of hosts whose disks are all another array's; none when all are. */
+std::vector<std::string> takeOthers(const DiskJob& job, std::vector<std::string>& hosts)
+{
+    std::set<std::string> own;
+    std::set<std::string> foreign;
+    for (const disk::ScsiDisk& disk : disk::scsiDisksOf(hosts)) {
+        if (!disk.known.wwn.empty() && disk.lun() != LUN_ZERO) {
+            const bool isOwn = disk.known.wwn.compare(0, ARRAY_DIGITS, job.wwn, 0, ARRAY_DIGITS) == 0;
+            (isOwn ? own : foreign).insert(disk.host());
+        }
+    }
+    std::vector<std::string> ours;
+    std::vector<std::string> others;
+    for (const std::string& host : hosts) {
+        (foreign.count(host) != 0 && own.count(host) == 0 ? others : ours).push_back(host);
+    }
+    if (ours.empty()) {
+        return {};
+    }
+    hosts = ours;
+    return others;
+}
+
 } // namespace
 
 std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
@@ -50,7 +80,9 @@ std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
 Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID)
 {
     const std::string own = disk::plainInitiator(initiator.isFC, initiator.id);
-    return waysOf(job, hostID, Known{{{initiator.isFC, own}, true}});
+    Ways ways = waysOf(job, hostID, Known{{{initiator.isFC, own}, true}});
+    ways.others = takeOthers(job, ways.online);
+    return ways;
 }
 
 Ways waysOf(const DiskJob& job, const std::string& hostID)

@@ -13,7 +13,8 @@ struct Ways
 {
     std::vector<std::string> all;
     std::vector<std::string> online; ///< those that can be scanned
-    std::vector<std::string> away;   ///< of the others, a sentence each
+    std::vector<std::string> others; ///< can be scanned also; seem to lead to another array, by their disks
+    std::vector<std::string> away;   ///< of those that cannot, a sentence each
 };
 
 /** ID of the initiator's host on the array; empty when it belongs to none. */
@@ -26,7 +27,8 @@ std::string hostOf(const DiskJob& job, const HostInitiator& initiator);
  */
 Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID);
 
-/** Those of all initiators of this host that the array counts to a host. */
+/** Those of all initiators of this host that the array counts to a host; none is taken for another array's.
+ */
 Ways waysOf(const DiskJob& job, const std::string& hostID);
 
 /** Throws when none is online. */

@@ -49,8 +49,10 @@ same "to the array's" "$size $(blockdev --getsize64 "$path")" "50331648 50331648
 sdk disk-release-lun "$lun"
 
 target_create iqn.2020-01.test.lab:another && portal_add 127.0.0.1:3270 && acl_create "$lab_initiator"
-acl_map "$lab_initiator" 1 "$(lun_create faraway "$(serial_for 77 ddd)" 16M >/dev/null; echo faraway)"
-expect "a session with another array" session_login
+for number in $(seq 8); do
+    acl_map "$lab_initiator" "$number" "$(lun_create "faraway$number" "$(serial_for $((76 + number)) ddd)" 16M >/dev/null; echo "faraway$number")"
+done
+expect "a session with another array, of eight disks" session_login
 away=$(disk_of "$(wwn_of "$(serial_for 77 ddd)")")
 start=$(date +%s%N)
 expect "a LUN is attached" attach "$one"
@@ -59,7 +61,7 @@ expect "and released" sdk disk-release-lun "$one"
 echo 0 > "$(target_dir)/enable"
 for state in blocked transport-offline; do
     is() { [ "$(cat "/sys/block/$away/device/state")" = "$1" ]; }
-    expect "the other array's disk is $state" wait_for 120 is $state
+    expect "the other array's disks are $state" wait_for 120 is $state
     start=$(date +%s%N)
     expect "the LUN is attached" attach "$one"
     took=$(since "$start")
@@ -67,4 +69,5 @@ for state in blocked transport-offline; do
     expect "with its data" content "$path" "$one"
     expect "released" sdk disk-release-lun "$one"
     expect "the disk that is away is there still" [ -d "/sys/block/$away" ]
+    expect "and the seven others" [ "$(cat /sys/block/sd*/device/state | grep -c "$state")" -ge 8 ]
 done

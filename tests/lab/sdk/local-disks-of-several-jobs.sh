@@ -1,6 +1,6 @@
 #!/bin/bash
-# Four jobs on one host attach, read and release in their own time, and are killed at random moments: always the right
-# disk, none comes back, the lock is free. ROUNDS (3) of each job, KILLS (6).
+# Several jobs on one host attach, read and release in their own time, and are killed at random moments: always the right
+# disk, none comes back, the lock is free. JOBS (5) of ROUNDS (3) each, KILLS (6).
 . "$(dirname "$0")/array.sh"
 
 content() { [ "$(dd if="$1" bs=1M count=1 iflag=direct status=none | md5sum)" = "$(pattern "$2" | md5sum)" ]; }
@@ -15,7 +15,7 @@ job() { # LUN ROUNDS
 expect "an array with real disks" arraysim_begin
 before=$(host_disks)
 luns=()
-for i in 1 2 3 4; do
+for i in $(seq "${JOBS:-5}"); do
     lun=$(arraysim_lun "job$i")
     luns+=("$lun")
     sdk disk-attach-lun "$lun" >/run/lab/attached && read -r path _ </run/lab/attached
@@ -30,7 +30,7 @@ for lun in "${luns[@]}"; do
     jobs+=($!)
 done
 for job in "${jobs[@]}"; do expect "a job of ${ROUNDS:-3} rounds" wait "$job"; done
-echo "note: $((4 * ${ROUNDS:-3})) attaches and releases in $(($(date +%s) - start)) s"
+echo "note: $((${JOBS:-5} * ${ROUNDS:-3})) attaches and releases in $(($(date +%s) - start)) s"
 same "no disk is left" "$(host_disks)" "$before"
 scan_all
 same "and a scan brings none back" "$(host_disks)" "$before"

@@ -119,6 +119,82 @@ TEST_F(FindingADisk, AsksNoDiskThatIsKnownToBeAnotherWhenItsOwnIsThere)
     EXPECT_THAT(platform.lines("inquiry: sdd"), IsEmpty());
 }
 
+TEST_F(FindingADisk, OpensNothingForWritingSinceUdevLooksAtItAnewThen)
+{
+    add(KernelDisk());
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_THAT(platform.lines("open: "), testing::ElementsAre("open: /dev/sdc ro"));
+}
+
+TEST_F(FindingADisk, ScansASessionOfAnotherArrayOnlyWhereNothingElseHasIt)
+{
+    addSession("2");
+    ways.all = {"1", "2"};
+    ways.others = {"2"};
+    options.findSeconds = 60;
+    onKernel = [&] {
+        if (isScanned("2")) {
+            KernelDisk disk;
+            disk.address = "2:0:0:1";
+            add(disk);
+            onKernel = nullptr;
+        }
+    };
+    EXPECT_EQ(found(), "sdc ");
+}
+
+TEST_F(FindingADisk, ScansNoSessionOfAnotherArrayWhereItComesByItsOwn)
+{
+    addSession("2");
+    ways.all = {"1", "2"};
+    ways.others = {"2"};
+    options.findSeconds = 60;
+    seam.write("/sys/class/scsi_device/1:0:0:1/device/type", "0\n"); // found, and not ready at once
+    onKernel = [&] {
+        std::filesystem::remove_all(seam.root + "/sys/class/scsi_device/1:0:0:1");
+        add(KernelDisk());
+        onKernel = nullptr;
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_TRUE(isScanned());
+    EXPECT_FALSE(isScanned("2"));
+}
+
+TEST_F(FindingADisk, TakesASessionForAnotherArraysByItsDisksAlone)
+{
+    for (const char* host : {"2", "3", "4"}) {
+        addSession(host);
+    }
+    KernelDisk own;
+    own.address = "1:0:0:3";
+    own.known = own.now = OTHER_WWN;
+    add(own);
+    KernelDisk foreign;
+    foreign.name = "sdd";
+    foreign.address = "2:0:0:3";
+    foreign.known = foreign.now = "600140512345678900000000000000ab";
+    add(foreign);
+    KernelDisk zero = foreign; // the target's own, which tells nothing
+    zero.name = "sde";
+    zero.address = "3:0:0:0";
+    add(zero);
+    const Ways found = waysOf(job(), HostInitiator::iscsi("iqn.2020-01.test:host"), "");
+    EXPECT_THAT(found.online, testing::ElementsAre("1", "3", "4"));
+    EXPECT_THAT(found.others, testing::ElementsAre("2"));
+    EXPECT_THAT(found.all, testing::SizeIs(4));
+}
+
+TEST_F(FindingADisk, TakesNoSessionForAnotherArraysWhereAllSeemToBe)
+{
+    KernelDisk foreign;
+    foreign.address = "1:0:0:3";
+    foreign.known = foreign.now = "600140512345678900000000000000ab";
+    add(foreign);
+    const Ways found = waysOf(job(), HostInitiator::iscsi("iqn.2020-01.test:host"), "");
+    EXPECT_THAT(found.online, testing::ElementsAre("1"));
+    EXPECT_THAT(found.others, IsEmpty());
+}
+
 TEST_F(FindingADisk, RenewsADiskUnderTheNamesOfAnother)
 {
     add(stale());

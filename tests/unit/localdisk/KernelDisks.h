@@ -75,7 +75,7 @@ protected:
     HostSeam seam;
     CDeviceManager* const manager;
     ovra::tessel::LocalDiskOptions options;
-    ovra::tessel::Ways ways{{"1"}, {"1"}, {}};
+    ovra::tessel::Ways ways{{"1"}, {"1"}, {}, {}};
     std::string lun; ///< what the array tells of LUN 7
     std::function<void()> onKernel;
 };

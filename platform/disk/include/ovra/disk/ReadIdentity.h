@@ -17,11 +17,19 @@ constexpr unsigned int PAGE_BYTES = 256;
  */
 int inquire(int descriptor, unsigned char page, unsigned char* buffer);
 
+/** How a device is opened to be asked. */
+enum class Opened
+{
+    READ_ONLY,
+    READ_WRITE ///< read-only where that is refused. Closing it makes udev look at the device anew: for
+               ///< seconds, with many of them, and a map on it cannot be removed meanwhile.
+};
+
 /** Page 0x83 of a device; none when it does not answer. One that is known to be dead is not asked. */
-std::optional<std::string> readPage83(const std::string& path);
+std::optional<std::string> readPage83(const std::string& path, Opened how = Opened::READ_WRITE);
 
 /** Who a device is, asked of itself; empty texts when it cannot be read. */
-DiskIdentity readIdentity(const std::string& path);
+DiskIdentity readIdentity(const std::string& path, Opened how = Opened::READ_WRITE);
 
 /** What a device says of itself. */
 struct DiskAnswer
