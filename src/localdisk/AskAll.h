@@ -43,12 +43,12 @@ std::vector<Answer> askAll(const std::vector<disk::ScsiDisk>& disks, std::chrono
     return answers->all;
 }
 
-/** Asks all disks who they are. */
-inline std::vector<disk::DiskIdentity> askWho(const std::vector<disk::ScsiDisk>& disks,
-                                              std::chrono::seconds limit)
+/** Asks all disks who they are. @return none for each that did not even fail in time. */
+inline std::vector<std::optional<disk::DiskIdentity>> askWho(const std::vector<disk::ScsiDisk>& disks,
+                                                             std::chrono::seconds limit)
 {
-    return askAll<disk::DiskIdentity>(disks, limit, [](const std::string& path) {
-        return disk::readIdentity(path, disk::Opened::READ_ONLY);
+    return askAll<std::optional<disk::DiskIdentity>>(disks, limit, [](const std::string& path) {
+        return std::make_optional(disk::readIdentity(path, disk::Opened::READ_ONLY));
     });
 }
 

@@ -234,8 +234,8 @@ bool DeadDisks::isTargetOfArray(const disk::ScsiDisk& disk)
     if (isNew) {
         std::vector<disk::ScsiDisk> neighbours = neighboursOf(disk);
         neighbours.resize(std::min<size_t>(neighbours.size(), MOST_NEIGHBOURS));
-        for (const disk::DiskIdentity& now : askWho(neighbours, m_job.step())) {
-            target->second = target->second || (!now.wwn.empty() && isOfArray(now));
+        for (const std::optional<disk::DiskIdentity>& now : askWho(neighbours, m_job.step())) {
+            target->second = target->second || (now && !now->wwn.empty() && isOfArray(*now));
         }
     }
     return target->second;
@@ -246,9 +246,9 @@ bool DeadDisks::isTargetOfArray(const disk::ScsiDisk& disk)
 std::string DeadDisks::otherNumberOf(const disk::ScsiDisk& disk) const
 {
     const std::vector<disk::ScsiDisk> neighbours = neighboursOf(disk);
-    const std::vector<disk::DiskIdentity> now = askWho(neighbours, m_job.step());
-    const auto same = std::find_if(now.begin(), now.end(), [&](const disk::DiskIdentity& identity) {
-        return isSame(identity, disk.known);
+    const std::vector<std::optional<disk::DiskIdentity>> now = askWho(neighbours, m_job.step());
+    const auto same = std::find_if(now.begin(), now.end(), [&](const std::optional<disk::DiskIdentity>& one) {
+        return one && isSame(*one, disk.known);
     });
     return same == now.end() ? "" : neighbours[static_cast<size_t>(same - now.begin())].name;
 }

@@ -9,10 +9,12 @@
 #include <ovra/disk/ScsiHosts.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace ovra::tessel {
 namespace {
 
+constexpr std::chrono::seconds OTHERS(3);  ///< for the answers of disks of which one may be ours
 constexpr const char* NEVER_REMOVED = "0"; // LUN 0 is the target's own
 
 bool isOneOf(const std::vector<disk::ScsiDisk>& disks, const std::string& name)
@@ -53,10 +55,28 @@ public:
 
 private:
     /** The disks that seem to be ours; all, where some way has none that is: one may be under old names. */
-    Sight look() const
+    Sight look()
     {
-        const Sight sight = lookForOurs(m_job, m_ways.all);
-        return sight.ours.size() >= m_ways.online.size() ? sight : lookAt(m_job, disk::scsiDisksOf(m_hosts));
+        Sight sight = lookForOurs(m_job, m_ways.all);
+        if (sight.ours.size() < m_ways.online.size()) {
+            sight = lookAt(m_job, disk::scsiDisksOf(m_hosts), std::min(m_job.step(), OTHERS));
+            leave(sight.hanging);
+        }
+        return sight;
+    }
+
+    /** A host whose disks hang would hold the scan up, and everybody who waits for it. */
+    void leave(const std::vector<std::string>& hanging)
+    {
+        std::vector<std::string> rest;
+        std::copy_if(m_hosts.begin(), m_hosts.end(), std::back_inserter(rest), [&](const std::string& host) {
+            return std::find(hanging.begin(), hanging.end(), host) == hanging.end();
+        });
+        if (!rest.empty() && rest.size() < m_hosts.size()) {
+            COMMLOG(OS_LOG_WARN, "Disks of the SCSI hosts %s do not answer: these are not scanned for %s.",
+                    listed(hanging).c_str(), m_job.name().c_str());
+            m_hosts = rest;
+        }
     }
 
     bool isEnough(const Sight& sight) const

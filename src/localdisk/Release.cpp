@@ -134,7 +134,7 @@ private:
     /** Why a disk may not go any more: somebody has another one at its place. */
     std::string changed(const disk::ScsiDisk& disk) const
     {
-        const Sight now = lookAt(m_job, {disk});
+        const Sight now = lookAt(m_job, {disk}, m_job.step());
         return now.ours.empty() && now.silent.empty() ? "/dev/" + disk.name + " is another disk by now" : "";
     }
 

@@ -30,12 +30,17 @@ void sort(const DiskJob& job, const disk::ScsiDisk& disk, const disk::DiskIdenti
 
 } // namespace
 
-Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks)
+Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit)
 {
-    const std::vector<disk::DiskIdentity> identities = askWho(disks, job.step());
+    const std::vector<std::optional<disk::DiskIdentity>> identities = askWho(disks, limit);
     Sight sight;
     for (size_t i = 0; i < disks.size(); ++i) {
-        sort(job, disks[i], identities[i], sight);
+        sort(job, disks[i], identities[i].value_or(disk::DiskIdentity()), sight);
+        const std::string host = disks[i].host();
+        if (!identities[i] && disks[i].isRunning() &&
+            std::find(sight.hanging.begin(), sight.hanging.end(), host) == sight.hanging.end()) {
+            sight.hanging.push_back(host);
+        }
     }
     return sight;
 }
@@ -48,7 +53,7 @@ Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts)
                                    return !disk.known.wwn.empty() && disk.known.wwn != job.wwn;
                                }),
                 disks.end());
-    return lookAt(job, disks);
+    return lookAt(job, disks, job.step());
 }
 
 std::string differenceOf(const DiskJob& job, const std::string& name)
@@ -57,7 +62,7 @@ std::string differenceOf(const DiskJob& job, const std::string& name)
     if (!disk) {
         return "/dev/" + name + " is no SCSI disk";
     }
-    const Sight sight = lookAt(job, {*disk});
+    const Sight sight = lookAt(job, {*disk}, job.step());
     if (!sight.ours.empty()) {
         return "";
     }

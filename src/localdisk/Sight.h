@@ -18,10 +18,11 @@ struct Sight
     std::vector<disk::ScsiDisk> silent; ///< were ours when they were found; do not answer now
     std::vector<disk::ScsiDisk> reused; ///< were ours when they were found; are another disk now
     std::vector<std::string> foreign;   ///< say that they have our WWN and another ID; a sentence each
+    std::vector<std::string> hanging;   ///< SCSI hosts of disks that did not even fail in time
 };
 
-/** Looks at disks. Those that the kernel knows to be dead are not asked. */
-Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks);
+/** Looks at disks. Those that the kernel knows to be dead are not asked. @param limit of all answers. */
+Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit);
 
 /** Of the disks on some SCSI hosts, those that were ours when they were found, or may have been. */
 Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts);

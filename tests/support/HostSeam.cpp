@@ -224,6 +224,9 @@ int HostSeam::ioctl(int fd, unsigned long request, void* argument)
     char page[8] = {};
     std::snprintf(page, sizeof(page), " %02x", inquiry->cmdp[2]);
     note("inquiry: " + name + page);
+    if (onInquiry && onInquiry(name)) {
+        return failWith(EIO);
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     SeamDisk& disk = disks.at(name);
     const bool isStandard = inquiry->cmdp[1] == 0 && !disk.standard.empty();

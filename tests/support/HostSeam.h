@@ -54,6 +54,9 @@ public:
     /** Called when a command is started by popen(). */
     std::function<void(const std::string& command)> onPopen;
 
+    /** Called by an INQUIRY on the thread that asks; true: it fails, and touches this host no more. */
+    std::function<bool(const std::string& disk)> onInquiry;
+
     /** Called by usleep(). */
     std::function<void()> onUsleep;
 

@@ -2,7 +2,10 @@
 
 #include "localdisk/Finding.h"
 
+#include <atomic>
 #include <filesystem>
+#include <future>
+#include <thread>
 
 using namespace ovra::tessel;
 using testing::HasSubstr;
@@ -158,6 +161,45 @@ TEST_F(FindingADisk, ScansNoSessionOfAnotherArrayWhereItComesByItsOwn)
     EXPECT_EQ(found(), "sdc ");
     EXPECT_TRUE(isScanned());
     EXPECT_FALSE(isScanned("2"));
+}
+
+TEST_F(FindingADisk, ScansNoHostWhoseDisksHang)
+{
+    addSession("2");
+    ways.all = ways.online = {"1", "2"};
+    KernelDisk hanging;
+    hanging.name = "sdh";
+    hanging.address = "2:0:0:3";
+    hanging.known = OTHER_WWN;
+    add(hanging);
+    options.findSeconds = 60;
+    options.stepSeconds = 1;
+    std::promise<void> answer;
+    const std::shared_future<void> answered = answer.get_future().share();
+    std::atomic<int> asked{0};
+    std::atomic<int> ended{0};
+    seam.onInquiry = [&](const std::string& disk) {
+        if (disk != "sdh") {
+            return false;
+        }
+        ++asked;
+        answered.wait();
+        ++ended;
+        return true;
+    };
+    onKernel = [&] {
+        if (isScanned()) {
+            add(KernelDisk());
+            onKernel = nullptr;
+        }
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_FALSE(isScanned("2"));
+    EXPECT_EQ(asked, 1) << "it is not waited for again";
+    answer.set_value();
+    while (ended != asked) {
+        std::this_thread::yield();
+    }
 }
 
 TEST_F(FindingADisk, TakesASessionForAnotherArraysByItsDisksAlone)
