@@ -61,7 +61,7 @@ private:
         disk::ScsiDisk disk = found;
         disk.map = disk::scsiDisk(disk.name).value_or(found).map; // it may have gone with another path
         if (const std::optional<disk::MultipathMap> map = disk::multipathMap(disk.map)) {
-            const std::string doubt = disks.doubtAbout(disk);
+            std::string doubt = disks.doubtAbout(disk);
             if (!doubt.empty()) {
                 return doubt;
             }

@@ -60,8 +60,9 @@ sdk show-lun "$one"
 echo 1 >"/sys/block/$renamed/device/rescan" # the kernel learns it, and udev cannot
 same "udev's old names alone are no reason while it does not answer" "$(told --remove)" "$renamed kept"
 killall -CONT systemd-udevd
-same "then it mends them" "$(told --remove)" ""
-same "and the disk is there" "$(named "wwn-0x$(arraysim_wwn lun "$one")")" "$renamed"
+same "then it is removed" "$(told --remove)" "$renamed removed"
+renamed=$(attached "$one")
+same "and found anew under its own names" "$(named "wwn-0x$(arraysim_wwn lun "$one")")" "$renamed"
 
 gone=$(arraysim_lun gone)
 dead=$(attached "$gone")
