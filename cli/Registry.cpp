@@ -14,6 +14,8 @@ Commands tidyCommands();
 Commands explainCommands();
 Commands topologyCommands();
 Commands doctorCommands();
+Commands logCommands();
+Commands metricsCommands();
 Commands pingCommands();
 Commands referenceCommands();
 Commands fingerprintCommands();
@@ -59,12 +61,12 @@ const std::vector<CommandGroup>& commandGroups()
 const Commands& allCommands()
 {
     static const Commands commands = together({
-        diskCommands(),        diskListCommands(), lunCommands(),       snapshotCommands(),
-        lunGroupCommands(),    hostCommands(),     hostGroupCommands(), iscsiInitiatorCommands(),
-        fcInitiatorCommands(), viewCommands(),     portCommands(),      attachCommands(),
-        detachCommands(),      deviceCommands(),   tidyCommands(),      explainCommands(),
-        topologyCommands(),    doctorCommands(),   pingCommands(),      fingerprintCommands(),
-        referenceCommands(),
+        diskCommands(),        diskListCommands(),    lunCommands(),       snapshotCommands(),
+        lunGroupCommands(),    hostCommands(),        hostGroupCommands(), iscsiInitiatorCommands(),
+        fcInitiatorCommands(), viewCommands(),        portCommands(),      attachCommands(),
+        detachCommands(),      deviceCommands(),      tidyCommands(),      explainCommands(),
+        topologyCommands(),    logCommands(),         metricsCommands(),   doctorCommands(),
+        pingCommands(),        fingerprintCommands(), referenceCommands(),
     });
     return commands;
 }

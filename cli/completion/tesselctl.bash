@@ -4,7 +4,7 @@ _tesselctl()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local path='' words='' word i
-    local takes_value=' --app-type --array --ca-file --chap --chap-name --chap-secret-file --columns --connect-timeout --controller --cookie-file --count --description --device-id --discovery-chap --find-seconds --flush-seconds --format --group --health-status --host --host-ip --hostgroup --id --in-group --in-view --initial-size --initiator --initiator-file --ip --location --lock-seconds --logic-type --lun --lungroup --map-seconds --most --mutual-chap-name --mutual-chap-secret-file --name --old-chap-secret-file --old-mutual-chap-secret-file --os --output --password-file --pin --pool --running-status --scope --size --snapshot --start --step-seconds --timeout --token-file --type --usage-threshold --user --view '
+    local takes_value=' --app-type --array --ca-file --chap --chap-name --chap-secret-file --columns --connect-timeout --controller --cookie-file --count --description --device-id --discovery-chap --find-seconds --flush-seconds --format --group --health-status --host --host-ip --hostgroup --id --in-group --in-view --initial-size --initiator --initiator-file --ip --location --lock-seconds --log --logic-type --lun --lungroup --map-seconds --most --mutual-chap-name --mutual-chap-secret-file --name --old-chap-secret-file --old-mutual-chap-secret-file --os --output --password-file --pin --pool --running-status --scope --size --snapshot --start --step-seconds --textfile --timeout --token-file --type --usage-threshold --user --view '
     for ((i = 1; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
         if [[ $takes_value == *" $word "* ]]; then
@@ -12,7 +12,7 @@ _tesselctl()
             continue
         fi
         case "$path${path:+ }$word" in
-            'attach' | 'attach lun' | 'attach snapshot' | 'detach' | 'detach lun' | 'detach snapshot' | 'disk' | 'disk attach' | 'disk attach lun' | 'disk attach snapshot' | 'disk list' | 'disk release' | 'disk release lun' | 'disk release snapshot' | 'disk verify' | 'disk verify lun' | 'disk verify snapshot' | 'doctor' | 'explain' | 'explain lun' | 'explain snapshot' | 'fingerprint' | 'host' | 'host create' | 'host show' | 'hostgroup' | 'hostgroup add' | 'hostgroup create' | 'hostgroup delete' | 'hostgroup list' | 'hostgroup remove' | 'hostgroup show' | 'initiator' | 'initiator fc' | 'initiator fc add' | 'initiator fc create' | 'initiator fc delete' | 'initiator fc remove' | 'initiator fc show' | 'initiator iscsi' | 'initiator iscsi add' | 'initiator iscsi create' | 'initiator iscsi delete' | 'initiator iscsi modify' | 'initiator iscsi remove' | 'initiator iscsi show' | 'lun' | 'lun create' | 'lun list' | 'lun show' | 'lungroup' | 'lungroup add' | 'lungroup count' | 'lungroup create' | 'lungroup delete' | 'lungroup list' | 'lungroup remove' | 'lungroup show' | 'ping' | 'port' | 'port eth' | 'port eth list' | 'port eth show' | 'port fc' | 'port fc list' | 'port fc show' | 'port fcoe' | 'port fcoe list' | 'port fcoe show' | 'reference' | 'remove' | 'remove lun' | 'remove snapshot' | 'scan' | 'scan lun' | 'scan snapshot' | 'snapshot' | 'snapshot list' | 'snapshot show' | 'tidy' | 'topology' | 'view' | 'view add' | 'view create' | 'view delete' | 'view list' | 'view remove' | 'view show')
+            'attach' | 'attach lun' | 'attach snapshot' | 'detach' | 'detach lun' | 'detach snapshot' | 'disk' | 'disk attach' | 'disk attach lun' | 'disk attach snapshot' | 'disk list' | 'disk release' | 'disk release lun' | 'disk release snapshot' | 'disk verify' | 'disk verify lun' | 'disk verify snapshot' | 'doctor' | 'explain' | 'explain lun' | 'explain snapshot' | 'fingerprint' | 'host' | 'host create' | 'host show' | 'hostgroup' | 'hostgroup add' | 'hostgroup create' | 'hostgroup delete' | 'hostgroup list' | 'hostgroup remove' | 'hostgroup show' | 'initiator' | 'initiator fc' | 'initiator fc add' | 'initiator fc create' | 'initiator fc delete' | 'initiator fc remove' | 'initiator fc show' | 'initiator iscsi' | 'initiator iscsi add' | 'initiator iscsi create' | 'initiator iscsi delete' | 'initiator iscsi modify' | 'initiator iscsi remove' | 'initiator iscsi show' | 'logs' | 'lun' | 'lun create' | 'lun list' | 'lun show' | 'lungroup' | 'lungroup add' | 'lungroup count' | 'lungroup create' | 'lungroup delete' | 'lungroup list' | 'lungroup remove' | 'lungroup show' | 'metrics' | 'ping' | 'port' | 'port eth' | 'port eth list' | 'port eth show' | 'port fc' | 'port fc list' | 'port fc show' | 'port fcoe' | 'port fcoe list' | 'port fcoe show' | 'reference' | 'remove' | 'remove lun' | 'remove snapshot' | 'scan' | 'scan lun' | 'scan snapshot' | 'snapshot' | 'snapshot list' | 'snapshot show' | 'tidy' | 'topology' | 'view' | 'view add' | 'view create' | 'view delete' | 'view list' | 'view remove' | 'view show')
                 path+="${path:+ }$word" ;;
         esac
     done
@@ -20,14 +20,15 @@ _tesselctl()
         --app-type | --array | --chap-name | --columns | --connect-timeout | --controller | --count | --description | --device-id | --find-seconds | --flush-seconds | --group | --health-status | --host | --host-ip | --hostgroup | --id | --initial-size | --initiator | --ip | --location | --lock-seconds | --logic-type | --lun | --lungroup | --map-seconds | --most | --mutual-chap-name | --name | --os | --pin | --pool | --running-status | --size | --snapshot | --start | --step-seconds | --timeout | --usage-threshold | --user | --view) return ;;
         --scope) COMPREPLY=($(compgen -W "local domain" -- "$current")); return ;;
         --chap | --discovery-chap) COMPREPLY=($(compgen -W "none oneway mutual" -- "$current")); return ;;
+        --log) COMPREPLY=($(compgen -W "run interface audit" -- "$current")); return ;;
         --output) COMPREPLY=($(compgen -W "text json" -- "$current")); return ;;
         --type) COMPREPLY=($(compgen -W "thick thin" -- "$current")); return ;;
         --format) COMPREPLY=($(compgen -W "tree dot svg" -- "$current")); return ;;
         --in-group | --in-view) COMPREPLY=($(compgen -W "yes no" -- "$current")); return ;;
-        --ca-file | --chap-secret-file | --cookie-file | --initiator-file | --mutual-chap-secret-file | --old-chap-secret-file | --old-mutual-chap-secret-file | --password-file | --token-file) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        --ca-file | --chap-secret-file | --cookie-file | --initiator-file | --mutual-chap-secret-file | --old-chap-secret-file | --old-mutual-chap-secret-file | --password-file | --textfile | --token-file) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
     esac
     case $path in
-        '') words='disk lun snapshot lungroup host hostgroup initiator view port attach detach scan remove explain tidy topology doctor ping fingerprint reference' ;;
+        '') words='disk lun snapshot lungroup host hostgroup initiator view port attach detach scan remove explain tidy topology logs metrics doctor ping fingerprint reference' ;;
         'attach') words='lun snapshot' ;;
         'attach lun') words='--initiator --initiator-file --host-ip --scan' ;;
         'attach snapshot') words='--initiator --initiator-file --host-ip --scan' ;;
@@ -74,6 +75,7 @@ _tesselctl()
         'initiator iscsi modify') words='--name --host --chap --discovery-chap --chap-name --chap-secret-file --mutual-chap-name --mutual-chap-secret-file --old-chap-secret-file --old-mutual-chap-secret-file' ;;
         'initiator iscsi remove') words='' ;;
         'initiator iscsi show') words='' ;;
+        'logs') words='--follow --log' ;;
         'lun') words='create show list' ;;
         'lun create') words='--name --pool --size --id --description --type --initial-size --usage-threshold --controller' ;;
         'lun list') words='--group --host --id --name --pool --type --running-status --health-status --in-group --start --count --columns' ;;
@@ -86,6 +88,7 @@ _tesselctl()
         'lungroup list') words='--lun --snapshot --view --id --name --in-view --app-type --start --count --columns' ;;
         'lungroup remove') words='--lun --snapshot' ;;
         'lungroup show') words='' ;;
+        'metrics') words='--textfile --initiator --initiator-file' ;;
         'ping') words='' ;;
         'port') words='fc fcoe eth' ;;
         'port eth') words='show list' ;;

@@ -59,6 +59,7 @@ Session::Session(const ArrayAddress& address, bool adopted)
     : m_manager(CDeviceManager::getInstance(READ_BACK_TIMES, READ_BACK_PAUSE_MICROSECONDS)),
       m_address(address), m_adopted(adopted)
 {
+    ovra::tessel::addObserver(ovra::tessel::auditFile()); // what is changed by hand is written down too
 }
 
 Session::~Session()

@@ -6,6 +6,7 @@
 
 #include <tessel/Access.h>
 #include <tessel/Array.h>
+#include <tessel/Audit.h>
 #include <tessel/Calls.h>
 #include <tessel/DeviceManager.h>
 #include <tessel/DiskAttach.h>
