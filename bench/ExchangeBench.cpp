@@ -11,6 +11,9 @@
 #include <ovra/rest/RestRequest.h>
 #include <ovra/rest/RestSettings.h>
 
+#include <chrono>
+#include <memory>
+
 using tessel_test::Behaviour;
 using tessel_test::MisbehavingServer;
 using tessel_test::ReceivedRequest;
@@ -72,6 +75,58 @@ void getLun(benchmark::State& state)
     }
 }
 BENCHMARK(getLun)->UseRealTime();
+
+/** Looks at every event, as one that counts does. */
+struct Counter : ovra::tessel::Observer
+{
+    void operationEnded(const ovra::tessel::OperationEvent& event) override
+    {
+        seconds += event.seconds;
+        ++calls;
+    }
+    double seconds = 0;
+    unsigned long calls = 0;
+};
+
+void getLunObserved(benchmark::State& state)
+{
+    world();
+    const auto counter = std::make_shared<Counter>();
+    ovra::tessel::addObserver(counter);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(world().luns->getLun("7"));
+    }
+    ovra::tessel::removeObserver(counter);
+    if (counter->calls == 0) {
+        state.SkipWithError("the observer was told of nothing");
+    }
+}
+BENCHMARK(getLunObserved)->UseRealTime();
+
+/** A call with an observer and one without in turn, so that both meet the same load: the counters say what
+ * one costs. */
+void observerAlone(benchmark::State& state)
+{
+    using Clock = std::chrono::steady_clock;
+    world();
+    const auto counter = std::make_shared<Counter>();
+    double with = 0;
+    double without = 0;
+    for (auto _ : state) {
+        const auto begin = Clock::now();
+        benchmark::DoNotOptimize(world().luns->getLun("7"));
+        const auto middle = Clock::now();
+        ovra::tessel::addObserver(counter);
+        const auto begin2 = Clock::now();
+        benchmark::DoNotOptimize(world().luns->getLun("7"));
+        const auto end = Clock::now();
+        ovra::tessel::removeObserver(counter);
+        without += std::chrono::duration<double>(middle - begin).count();
+        with += std::chrono::duration<double>(end - begin2).count();
+    }
+    state.counters["ratio"] = with / without;
+}
+BENCHMARK(observerAlone)->UseRealTime();
 
 void restLibraryAlone(benchmark::State& state)
 {

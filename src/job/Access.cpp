@@ -53,8 +53,9 @@ AccessResult changing(const char* call, CDeviceManager& manager, const StorageOb
             seen.names(object, initiator);
             checkArguments(object, initiator, call);
             const AccessMap map(manager, object, initiator, options);
-            seen.names(kinds::HOST, map.hostID());
-            return steps(seen, map);
+            AccessResult result = steps(map);
+            seen.names(kinds::HOST, result.hostID);
+            return result;
         });
     });
 }
@@ -102,18 +103,15 @@ AccessResult hide(const AccessMap& map, const StorageObject& object, const Acces
 AccessResult ensureVisible(CDeviceManager& manager, const StorageObject& object,
                            const HostInitiator& initiator, const AccessOptions& options)
 {
-    return changing("ensureVisible", manager, object, initiator, options, [&](auto& seen, const auto& map) {
-        AccessResult result = Showing(map, object, initiator, options).run();
-        seen.names(kinds::HOST, result.hostID);
-        return result;
-    });
+    return changing("ensureVisible", manager, object, initiator, options,
+                    [&](const AccessMap& map) { return Showing(map, object, initiator, options).run(); });
 }
 
 AccessResult ensureHidden(CDeviceManager& manager, const StorageObject& object,
                           const HostInitiator& initiator, const AccessOptions& options)
 {
     return changing("ensureHidden", manager, object, initiator, options,
-                    [&](auto&, const auto& map) { return hide(map, object, options); });
+                    [&](const AccessMap& map) { return hide(map, object, options); });
 }
 
 } // namespace ovra::tessel

@@ -1,6 +1,7 @@
 #include "job/AccessMap.h"
 
 #include "job/Tries.h"
+#include "observer/Observation.h"
 
 namespace ovra::tessel {
 namespace {
@@ -37,10 +38,12 @@ std::string AccessMap::hostID() const
         }
         return initiator.PARENTID;
     };
-    return read([&] {
+    std::string host = read([&] {
         return m_initiator.isFC ? hostOf(m_array.fcInitiators()->getFCInitiator(m_initiator.id))
                                 : hostOf(m_array.iscsiInitiators()->getIscsiInitiator(m_initiator.id));
     });
+    Observation::jobsName(kinds::HOST, host);
+    return host;
 }
 
 bool AccessMap::exists() const

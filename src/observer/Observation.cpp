@@ -246,6 +246,15 @@ void Observation::absorbed()
     }
 }
 
+void Observation::jobsName(const char* kind, const std::string& id)
+{
+    for (Observation* call = t_innermost; call != nullptr; call = call->m_outer) {
+        if (call->m_call->level == Level::JOB) {
+            call->names(kind, id);
+        }
+    }
+}
+
 void Observation::waited(double seconds)
 {
     for (const Observation* call = t_innermost; call != nullptr; call = call->m_outer) {

@@ -81,6 +81,8 @@ public:
     /** What fails in this thread now; absorbed() makes it known of the calls that go on as if it had not. */
     static void fails(int code, const std::string& what);
     static void absorbed();
+    /** The jobs that this thread does have found an object out. */
+    static void jobsName(const char* kind, const std::string& id);
     /** Seconds that the calls of this thread have waited for the rescan lock. */
     static void waited(double seconds);
 

@@ -84,6 +84,18 @@ class Examples(unittest.TestCase):
         done = self.example("list_luns", INITIATOR)
         self.assertEqual(done.stdout, f"snapshot {snapshot['ID']} of LUN {lun['ID']} copy {snapshot['WWN']}\n")
 
+    def test_observe_calls_prints_the_calls_and_not_their_steps(self):
+        self.array.create("iscsi_initiator", ID=INITIATOR)
+        lun = self.lun("l")["ID"]
+        done = self.example("observe_calls", lun, INITIATOR)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn("loginDevice done\n", done.stdout)
+        self.assertRegex(done.stdout, f"ensureVisible lun={lun} host=[0-9]+ done\n")
+        self.assertNotIn("addLunToLunGroup", done.stdout)
+        refused = self.example("observe_calls", "4711", INITIATOR)
+        self.assertIn("ensureVisible lun=4711", refused.stdout)
+        self.assertIn(" failed: ", refused.stdout)
+
     def test_list_luns_names_an_initiator_without_a_host(self):
         self.array.create("iscsi_initiator", ID=INITIATOR)
         done = self.example("list_luns", INITIATOR)

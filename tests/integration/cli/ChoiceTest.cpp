@@ -35,6 +35,7 @@ const Choice CHOICES[] = {
     {"DiscoveryChap",
      "--discovery-chap",
      {"initiator", "iscsi", "create", "iqn.x", "--discovery-chap", "mutual"}},
+    {"LogKind", "--log", {"logs", "--log", "run"}},
     {"ReferenceForm", "", {"reference", "bash"}},
 };
 
