@@ -20,7 +20,8 @@ enum USERTYPE : int
  * One storage array: the session with its management interface, and the handlers of its objects.
  *
  * Instances may be created and released from any thread; one instance and its handlers are used by one thread
- * at a time. The session operations never throw; they return false and write the reason to the run log.
+ * at a time. The session operations never throw; they return false, write the reason to the run log, and
+ * leave it to lastFailure() (tessel/Failure.h).
  *
  * No call is a cancellation point: a thread that is cancelled (pthread_cancel) inside one ends behind it, at
  * the program's next cancellation point.

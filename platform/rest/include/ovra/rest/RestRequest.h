@@ -30,8 +30,8 @@ enum HTTP_HEADER_E
  * What SendRequest returns beside 0 (an answer with an error object was received).
  *
  * Values 2 to 99 are libcurl's own CURLcode of the failed transfer, for example 6 (name not resolved),
- * 7 (cannot connect), 28 (timed out), 35 (TLS handshake), 52 (closed without an answer),
- * 60 (certificate not trusted). 1 is never returned.
+ * 7 (cannot connect), 28 (timed out), 35 (TLS handshake), 42 (cancelled, see RestCall.h), 52 (closed without
+ * an answer), 60 (certificate not trusted). 1 is never returned.
  */
 enum REST_RESULT_E
 {
