@@ -1,7 +1,7 @@
+#include "disk/DiskJson.h"
 #include "disk/HostFiles.h"
 #include "disk/Initiator.h"
 #include "frame/Context.h"
-#include "localdisk/DiskJson.h"
 #include "objects/ObjectKind.h"
 #include "text/Display.h"
 #include "text/Numbers.h"

@@ -1,4 +1,4 @@
-#include "localdisk/DiskJson.h"
+#include "disk/DiskJson.h"
 #include "localdisk/HostDisks.h"
 #include "output/Table.h"
 #include "text/Display.h"

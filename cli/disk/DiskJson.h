@@ -1,5 +1,5 @@
-#ifndef LOCALDISK_DISKJSON_H
-#define LOCALDISK_DISKJSON_H
+#ifndef DISK_DISKJSON_H
+#define DISK_DISKJSON_H
 
 #include "text/Display.h"
 
