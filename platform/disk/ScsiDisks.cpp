@@ -112,9 +112,9 @@ std::optional<MultipathMap> multipathMap(const std::string& node, const std::str
     map.bytes = bytesOf(folder);
     map.isReadOnly = isOne(folder + "/ro");
     map.isSuspended = isOne(folder + "/dm/suspended");
-    for (const std::string& path : namesIn(folder + "/slaves")) {
-        if (access((folder + "/slaves/" + path).c_str(), F_OK) ==
-            0) { // else it is removed, and not let go yet
+    const std::string slaves = folder + "/slaves/";
+    for (const std::string& path : namesIn(slaves)) {
+        if (access((slaves + path).c_str(), F_OK) == 0) { // else it is removed, and not let go yet
             map.paths.push_back(path);
         }
     }

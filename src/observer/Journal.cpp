@@ -37,6 +37,7 @@ private:
             fields.push_back(fieldName(member) + "=" + record[member].asString());
         }
         std::vector<iovec> parts;
+        parts.reserve(fields.size());
         for (std::string& field : fields) {
             parts.push_back({field.data(), field.size()});
         }
