@@ -76,7 +76,8 @@ void tellAll(const Event& event)
         Telling() { t_isTelling = true; }
         ~Telling() { t_isTelling = false; }
     } const telling;
-    for (const std::shared_ptr<Observer>& observer : *listeners()) {
+    const std::shared_ptr<const Listeners> all = listeners(); // whoever adds and removes meanwhile
+    for (const std::shared_ptr<Observer>& observer : *all) {
         try {
             call(*observer, event);
         } catch (const abi::__forced_unwind&) {
