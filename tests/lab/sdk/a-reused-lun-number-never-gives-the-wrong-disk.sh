@@ -15,7 +15,7 @@ same "the dead disk has its old name" "$(named "scsi-3$old_wwn")" "$disk"
 
 expect "the second LUN is attached" sdk attach-lun "$second"
 run_log_mark
-found=$(sdk scan-lun "$second")
+found=$(scan_renewed "$second")
 expect "the scan renewed the stale device" grep -q 'strShellCmd NO1' <(run_log)
 expect "the second LUN is found: $found" [ -b "$found" ]
 same "at the number of the first" "$(address "$(disk_name "$found")")" "$number"

@@ -9,6 +9,19 @@ if [ ! -d $sdk_lib ]; then
 fi
 sdk() { LD_LIBRARY_PATH=$sdk_lib "$BUILD/bin/sdk_host" "$@"; }
 
+# scan_renewed LUN: what a scan finds where it must renew a stale disk first. It gives udev one second to name the new
+# one: where that was too short, on a machine under load, it finds none, never another, and the next scan has it.
+scan_renewed() {
+    local found
+    found=$(sdk scan-lun "$1") || return 1
+    if [ -z "$found" ]; then
+        echo "note: udev was later than the scan" >&2
+        udevadm settle --timeout=120
+        found=$(sdk scan-lun "$1")
+    fi
+    echo "$found"
+}
+
 # The SDK's run log since it was marked.
 run_log_mark() { cat $sdk_lib/logs/Tessel_run_* 2>/dev/null | wc -l > /run/lab/log.seen; }
 run_log() { cat $sdk_lib/logs/Tessel_run_* | tail -n +"$(($(cat /run/lab/log.seen) + 1))"; }

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Two LUNs are detached without removing their devices and come back under each other's number: the first scan for each
+# Two LUNs are detached without removing their devices and come back under each other's number: the scan for each
 # finds its own disk.
 . "$(dirname "$0")/array.sh"
 
@@ -17,8 +17,8 @@ sdk attach-lun "$other"
 sleep 1
 sdk attach-lun "$one"
 for lun in "$one" "$other"; do
-    found=$(sdk scan-lun "$lun")
-    expect "the first scan for LUN $lun finds its disk: $found" [ -b "$found" ]
+    found=$(scan_renewed "$lun")
+    expect "the scan for LUN $lun finds its disk: $found" [ -b "$found" ]
     same "with its own WWN" "$(page83 "/dev/$(disk_name "$found")" | cut -c 17-48)" "$(arraysim_wwn lun "$lun")"
     expect "and data" holds "$(disk_name "$found")" "$lun"
     found_at+=("$(address "$(disk_name "$found")")")
