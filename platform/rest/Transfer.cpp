@@ -142,8 +142,13 @@ int Transfer::resultOf(CURLcode code) const
     if (m_sendings > 1) {
         return CURLE_GOT_NOTHING; // what happened before libcurl wanted to send again
     }
+    const bool isNoHttp =
+        code == CURLE_WEIRD_SERVER_REPLY || code == CURLE_UNSUPPORTED_PROTOCOL; // of 8, and before
+    if (isNoHttp && m_sendings > 0) {
+        return REST_ANSWER_UNREADABLE;
+    }
     if (code == CURLE_UNSUPPORTED_PROTOCOL || code == CURLE_URL_MALFORMAT) {
-        return m_sendings == 0 ? REST_BAD_REQUEST : REST_ANSWER_UNREADABLE; // the latter is no HTTP/1
+        return REST_BAD_REQUEST;
     }
     return code > 99 ? static_cast<int>(REST_INTERNAL_ERROR) : static_cast<int>(code);
 }

@@ -188,8 +188,10 @@ const Reason REASONS[] = {
      {"cannot be reached", "nothing listens", "the port"},
      {"trust"}},
     {"PlainHttp",
-     [](const auto& sim) {
-         return Place{sim.ip(), sim.controlPort(), {}, nullptr, nullptr};
+     [](const auto&) {
+         MisbehavingServer::Options options;
+         options.plainHttp = true;
+         return server(options);
      },
      FailureKind::NOT_REACHABLE,
      FailureReason::NO_TLS,
