@@ -275,8 +275,8 @@ void addError(std::vector<Fault>& all)
                                                                 {"\"\\u00e4\"", "\xc3\xa4"},
                                                                 {"\"%s%n\"", "%s%n"}};
     for (const auto& [value, said] : DESCRIPTIONS) {
-        const auto of = [value = value](const char* code) {
-            return std::string(R"({"code":)") + code + R"(,"description":)" + value + "}";
+        const auto of = [text = value](const char* code) {
+            return std::string(R"({"code":)") + code + R"(,"description":)" + text + "}";
         };
         all.push_back(
             withError(std::string("DescriptionOfAnErrorIs ") + value, of("5"), Fault::ERROR_ANSWER, 5, said));

@@ -31,6 +31,9 @@ extern "C" CURLcode curl_easy_setopt(CURL* handle, CURLoption option, ...)
     using Function = CURLcode (*)(CURL*, CURLoption, ...);
     static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "curl_easy_setopt"));
     va_list arguments;
+#ifdef __clang__ // the enumeration is libcurl's, and of the width that is passed
+#pragma clang diagnostic ignored "-Wvarargs"
+#endif
     va_start(arguments, option);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);

@@ -151,7 +151,7 @@ TEST_F(Delivery, GoesOnInSomeThreadsWhileOthersAddAndRemoveObservers)
     });
     std::vector<std::thread> callers;
     for (int i = 0; i < 3; ++i) {
-        callers.emplace_back([this] {
+        callers.emplace_back([] {
             CDeviceManagerImpl own;
             for (int call = 0; call < 200; ++call) {
                 own.getHandler(LUN_HANDLER);
