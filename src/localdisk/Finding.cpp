@@ -95,7 +95,7 @@ private:
         }
         COMMLOG(OS_LOG_INFO, "Scanning the SCSI hosts %s for %s.", listed(m_hosts).c_str(),
                 m_job.name().c_str());
-        const TimedScan timed(listed(m_ways.online));
+        const TimedScan timed(listed(m_hosts));
         doWithin(m_job.step(), scans);
         const Deadline deadline(m_job.options.stepSeconds);
         while (disk::hasUnfinishedDisks(m_hosts) && deadline.pause()) {
