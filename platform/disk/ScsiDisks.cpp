@@ -42,6 +42,17 @@ bool isOn(const std::vector<std::string>& hosts, const std::string& address)
     return std::find(hosts.begin(), hosts.end(), address.substr(0, address.find(':'))) != hosts.end();
 }
 
+std::string deviceOf(const std::string& address, const std::string& root)
+{
+    return std::string(root).append(SCSI_DEVICES).append(address).append("/device");
+}
+
+/** The folder of the block devices of a SCSI device: one for a disk, once it is probed. */
+std::string blocksOf(const std::string& address, const std::string& root)
+{
+    return deviceOf(address, root) + "/block";
+}
+
 bool startsWith(const std::string& text, const std::string& start)
 {
     return text.compare(0, start.size(), start) == 0;
@@ -61,10 +72,7 @@ std::optional<ScsiDisk> scsiDisk(const std::string& name, const std::string& roo
     disk.state = valueOf(folder + "/device/state");
     disk.bytes = bytesOf(folder);
     disk.isReadOnly = isOne(folder + "/ro");
-    const std::string page = contentOf(folder + "/device/vpd_pg83");
-    if (!page.empty()) {
-        disk.known = parsePage83(page).value_or(DiskIdentity());
-    }
+    disk.known = knownAt(disk.address, root);
     for (const std::string& holder : namesIn(folder + "/holders")) {
         if (multipathMap(holder, root)) {
             disk.map = holder;
@@ -73,28 +81,55 @@ std::optional<ScsiDisk> scsiDisk(const std::string& name, const std::string& roo
     return disk;
 }
 
-std::vector<ScsiDisk> scsiDisksOf(const std::vector<std::string>& hosts, const std::string& root)
+std::vector<ScsiAddress> scsiAddressesOf(const std::vector<std::string>& hosts, const std::string& root)
+{
+    std::vector<ScsiAddress> addresses;
+    for (const std::string& name : namesIn(root + SCSI_DEVICES)) {
+        const std::optional<ScsiAddress> address =
+            isOn(hosts, name) ? ScsiAddress::parse(name) : std::nullopt;
+        if (address) {
+            addresses.push_back(*address);
+        }
+    }
+    return addresses;
+}
+
+DiskIdentity knownAt(const std::string& address, const std::string& root)
+{
+    const std::string page = contentOf(deviceOf(address, root) + "/vpd_pg83");
+    return page.empty() ? DiskIdentity() : parsePage83(page).value_or(DiskIdentity());
+}
+
+std::optional<ScsiDisk> scsiDiskAt(const std::string& address, const std::string& root)
+{
+    const std::vector<std::string> names = namesIn(blocksOf(address, root));
+    return names.empty() ? std::nullopt : scsiDisk(names.front(), root);
+}
+
+std::vector<ScsiDisk> scsiDisksAt(const std::vector<ScsiAddress>& addresses, const std::string& root)
 {
     std::vector<ScsiDisk> disks;
-    for (const std::string& name : namesIn(root + BLOCK)) {
-        if (!isDiskName(name) || !isOn(hosts, addressOf(folderOf(name, root)))) {
-            continue;
-        }
-        if (std::optional<ScsiDisk> disk = scsiDisk(name, root)) {
+    for (const ScsiAddress& address : addresses) {
+        if (std::optional<ScsiDisk> disk = scsiDiskAt(address.text, root)) {
             disks.push_back(std::move(*disk));
         }
     }
+    std::sort(disks.begin(), disks.end(),
+              [](const ScsiDisk& one, const ScsiDisk& other) { return one.name < other.name; });
     return disks;
+}
+
+std::vector<ScsiDisk> scsiDisksOf(const std::vector<std::string>& hosts, const std::string& root)
+{
+    return scsiDisksAt(scsiAddressesOf(hosts, root), root);
 }
 
 bool hasUnfinishedDisks(const std::vector<std::string>& hosts, const std::string& root)
 {
-    const std::string devices = root + SCSI_DEVICES;
-    const std::vector<std::string> addresses = namesIn(devices);
-    return std::any_of(addresses.begin(), addresses.end(), [&](const std::string& address) {
-        const std::string device = std::string(devices).append(address).append("/device");
-        return isOn(hosts, address) && valueOf(device + "/type") == DISK_TYPE &&
-               namesIn(device + "/block").empty();
+    const std::vector<ScsiAddress> addresses = scsiAddressesOf(hosts, root);
+    return std::any_of(addresses.begin(), addresses.end(), [&](const ScsiAddress& address) {
+        return namesIn(blocksOf(address.text, root)).empty() &&
+               valueOf(deviceOf(address.text, root) + "/type") == DISK_TYPE;
     });
 }
 

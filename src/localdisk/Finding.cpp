@@ -54,13 +54,21 @@ public:
     }
 
 private:
-    /** The disks that seem to be ours; all, where some way has none that is: one may be under old names. */
+    /**
+     * The disks that seem to be ours. Where some way has none that is, also one of each target, since none
+     * that hangs is to be scanned; and when a scan has brought none there, all: one may be under old names.
+     */
     Sight look()
     {
         Sight sight = lookForOurs(m_job, m_ways.all);
         if (sight.ours.size() < m_ways.online.size()) {
-            sight = lookAt(m_job, disk::scsiDisksOf(m_hosts), std::min(m_job.step(), OTHERS));
+            const std::chrono::seconds limit = std::min(m_job.step(), OTHERS);
+            const Sight more = m_isScanned ? lookAt(m_job, disk::scsiDisksOf(m_hosts), limit)
+                                           : lookAtTargets(m_job, m_hosts, limit);
             leave(sight.hanging);
+            leave(more.hanging);
+            sight.stale = more.stale;
+            sight.foreign.insert(sight.foreign.end(), more.foreign.begin(), more.foreign.end());
         }
         return sight;
     }

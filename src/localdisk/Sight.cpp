@@ -5,6 +5,7 @@
 #include <ovra/disk/ReadIdentity.h>
 
 #include <algorithm>
+#include <set>
 
 namespace ovra::tessel {
 namespace {
@@ -47,13 +48,29 @@ Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::
 
 Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts)
 {
-    std::vector<disk::ScsiDisk> disks = disk::scsiDisksOf(hosts);
-    disks.erase(std::remove_if(disks.begin(), disks.end(),
-                               [&](const disk::ScsiDisk& disk) {
-                                   return !disk.known.wwn.empty() && disk.known.wwn != job.wwn;
-                               }),
-                disks.end());
-    return lookAt(job, disks, job.step());
+    std::vector<disk::ScsiAddress> addresses = disk::scsiAddressesOf(hosts);
+    addresses.erase(std::remove_if(addresses.begin(), addresses.end(),
+                                   [&](const disk::ScsiAddress& address) {
+                                       const std::string known = disk::knownAt(address.text).wwn;
+                                       return !known.empty() && known != job.wwn;
+                                   }),
+                    addresses.end());
+    return lookAt(job, disk::scsiDisksAt(addresses), job.step());
+}
+
+Sight lookAtTargets(const DiskJob& job, const std::vector<std::string>& hosts, std::chrono::seconds limit)
+{
+    std::set<std::string> targets;
+    std::vector<disk::ScsiDisk> disks;
+    for (const disk::ScsiAddress& address : disk::scsiAddressesOf(hosts)) {
+        const std::optional<disk::ScsiDisk> disk =
+            targets.count(address.target()) == 0 ? disk::scsiDiskAt(address.text) : std::nullopt;
+        if (disk && disk->isRunning()) {
+            targets.insert(address.target());
+            disks.push_back(*disk);
+        }
+    }
+    return lookAt(job, disks, limit);
 }
 
 std::string differenceOf(const DiskJob& job, const std::string& name)

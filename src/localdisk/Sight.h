@@ -27,6 +27,9 @@ Sight lookAt(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::
 /** Of the disks on some SCSI hosts, those that were ours when they were found, or may have been. */
 Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts);
 
+/** Looks at one disk of each target: enough to tell which of them hangs. */
+Sight lookAtTargets(const DiskJob& job, const std::vector<std::string>& hosts, std::chrono::seconds limit);
+
 /** Asks one disk whether it is the object; "" when it is, else what it is instead. */
 std::string differenceOf(const DiskJob& job, const std::string& name);
 

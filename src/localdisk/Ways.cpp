@@ -50,10 +50,13 @@ std::vector<std::string> takeOthers(const DiskJob& job, std::vector<std::string>
 {
     std::set<std::string> own;
     std::set<std::string> foreign;
-    for (const disk::ScsiDisk& disk : disk::scsiDisksOf(hosts)) {
-        if (!disk.known.wwn.empty() && disk.lun() != LUN_ZERO) {
-            const bool isOwn = disk.known.wwn.compare(0, ARRAY_DIGITS, job.wwn, 0, ARRAY_DIGITS) == 0;
-            (isOwn ? own : foreign).insert(disk.host());
+    for (const disk::ScsiAddress& address : disk::scsiAddressesOf(hosts)) {
+        const std::string known = own.count(address.host) != 0 || address.lun == LUN_ZERO
+                                      ? std::string()
+                                      : disk::knownAt(address.text).wwn;
+        if (!known.empty()) {
+            const bool isOwn = known.compare(0, ARRAY_DIGITS, job.wwn, 0, ARRAY_DIGITS) == 0;
+            (isOwn ? own : foreign).insert(address.host);
         }
     }
     std::vector<std::string> ours;

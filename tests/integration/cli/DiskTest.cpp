@@ -57,6 +57,7 @@ protected:
         folder.write("sys/" + device + "/vpd_pg83", bytesOf("008300a101030010" + identity + REST_OF_PAGE));
         link("../../../" + address, "sys/" + block + "/device");
         link("../" + block, "sys/block/" + name);
+        link("../../../" + device, "sys/class/scsi_device/" + address + "/device");
     }
 
     void addMap(const std::string& node, const std::string& identity, const Words& paths) const

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <filesystem>
 #include <future>
+#include <set>
 #include <thread>
 
 using namespace ovra::tessel;
@@ -32,6 +33,25 @@ protected:
     bool isScanned(const std::string& host = "1")
     {
         return written("/sys/class/scsi_host/host" + host + "/scan") == "- - -";
+    }
+    /** Twenty healthy disks of another object, on two targets. */
+    void addOthers()
+    {
+        for (unsigned i = 0; i < 20; ++i) {
+            KernelDisk other;
+            other.name = std::string("sdo") + static_cast<char>('a' + i);
+            other.address = "1:0:" + std::to_string(i % 2) + ":" + std::to_string(10 + i);
+            other.known = other.now = OTHER_WWN;
+            add(other);
+        }
+    }
+    size_t othersAsked()
+    {
+        std::set<std::string> asked;
+        for (const std::string& line : platform.lines("inquiry: sdo")) {
+            asked.insert(line);
+        }
+        return asked.size();
     }
     /** LUN 7 under the names of the disk that had its number before. */
     KernelDisk stale()
@@ -120,6 +140,37 @@ TEST_F(FindingADisk, AsksNoDiskThatIsKnownToBeAnotherWhenItsOwnIsThere)
     add(other);
     EXPECT_EQ(found(), "sdc ");
     EXPECT_THAT(platform.lines("inquiry: sdd"), IsEmpty());
+}
+
+TEST_F(FindingADisk, AsksOneDiskOfEachTargetWhereAScanBringsItsOwn)
+{
+    addOthers();
+    options.findSeconds = 60;
+    seam.write("/sys/class/scsi_device/1:0:0:1/device/type", "0\n");
+    onKernel = [&] {
+        std::filesystem::remove_all(seam.root + "/sys/class/scsi_device/1:0:0:1");
+        add(KernelDisk());
+        onKernel = nullptr;
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_TRUE(isScanned());
+    EXPECT_EQ(othersAsked(), 2U);
+}
+
+TEST_F(FindingADisk, AsksAllOnceAScanHasNotBroughtItsOwn)
+{
+    addOthers();
+    KernelDisk old = stale();
+    old.address = "1:0:0:99"; // not the first of its target
+    add(old);
+    options.findSeconds = 60;
+    onKernel = [&] {
+        if (seam.disks.count("sdc") == 0 && isScanned()) {
+            add(KernelDisk());
+        }
+    };
+    EXPECT_EQ(found(), "sdc ");
+    EXPECT_GE(othersAsked(), 20U);
 }
 
 TEST_F(FindingADisk, OpensNothingForWritingSinceUdevLooksAtItAnewThen)

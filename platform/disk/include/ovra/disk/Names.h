@@ -34,6 +34,8 @@ struct ScsiAddress
     std::string host;
     std::string lun;
 
+    std::string target() const { return text.substr(0, text.rfind(':')); } ///< host:channel:target
+
     static std::optional<ScsiAddress> parse(const std::string& text);
 };
 

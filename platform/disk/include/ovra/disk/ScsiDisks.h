@@ -1,6 +1,7 @@
 #ifndef OVRA_DISK_SCSIDISKS_H
 #define OVRA_DISK_SCSIDISKS_H
 
+#include "ovra/disk/Names.h"
 #include "ovra/disk/Page83.h"
 
 #include <cstdint>
@@ -32,7 +33,22 @@ struct ScsiDisk
 /** One disk of this host; none when there is no such SCSI disk. */
 std::optional<ScsiDisk> scsiDisk(const std::string& name, const std::string& root = std::string());
 
-/** Those on some SCSI hosts ("1"), by name. */
+/** What is on some SCSI hosts ("1"), disks and others. Those of other hosts, hundreds perhaps, cost next to
+ * nothing. */
+std::vector<ScsiAddress> scsiAddressesOf(const std::vector<std::string>& hosts,
+                                         const std::string& root = std::string());
+
+/** What the device at an address, "1:0:0:2", said it is when the kernel found it; empty texts: not known. */
+DiskIdentity knownAt(const std::string& address, const std::string& root = std::string());
+
+/** The disk at an address; none for what is no disk, and for one without its block device. */
+std::optional<ScsiDisk> scsiDiskAt(const std::string& address, const std::string& root = std::string());
+
+/** The disks among what is at some addresses, by name. */
+std::vector<ScsiDisk> scsiDisksAt(const std::vector<ScsiAddress>& addresses,
+                                  const std::string& root = std::string());
+
+/** The disks on some SCSI hosts ("1"), by name. */
 std::vector<ScsiDisk> scsiDisksOf(const std::vector<std::string>& hosts,
                                   const std::string& root = std::string());
 
