@@ -1,0 +1,94 @@
+#ifndef SIMULATION_JUDGE_H
+#define SIMULATION_JUDGE_H
+
+#include "simulation/Kernel.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace simulation {
+
+/** What a process is about. */
+struct Errand
+{
+    std::string lun;
+    bool isWhole = false;     ///< by LocalDisk; else by the single operations
+    bool isReleasing = false; ///< its disk is taken away
+};
+
+/** What happened with a LUN. */
+struct History
+{
+    bool hasSingleSteps = false; ///< after which a disk may stay
+    bool isCutOff = false;       ///< a call was killed or has failed, and no later one has ended well
+    unsigned errands = 0;        ///< at work
+};
+
+/** Knows what is, and finds fault with what a process does that does not know it. */
+class Judge
+{
+public:
+    Judge(Scheduler& scheduler, SimulatedArray& array, Kernel& kernel)
+        : m_scheduler(scheduler), m_array(array), m_kernel(kernel)
+    {
+    }
+
+    void begins(const Process& process, const Errand& errand);
+    std::optional<Errand> errandOf(const Process& process) const;
+    void ends(const Process& process, bool isWell);
+    void isKilled(const Process& process);
+
+    void asked(const Process& process, const Disk& disk, const Unit& answer);
+    void removes(const Process& process, const Disk& disk);
+    void readsState(const Process& process, const Disk& disk);
+    /** The rescan script, with -r, that a process has started. */
+    void scriptRemoves(int starter, const Disk& disk);
+    void handsOut(const Process& process, const std::string& path);
+    void scans(const Process& process);
+    void scansWithoutLock() { m_isScannedWithoutLock = true; }
+    void sends(const Process& process, const std::string& request, bool isChange);
+    void isRefused(const Process& process) { m_unread.erase(process.pid); }
+    void isLost() { m_isAnswerLost = true; }
+    void atRest(int semaphore);
+    /** Does not look who has the lock: what comes of it is to be found. */
+    void ignoreLock() { m_isLockIgnored = true; }
+
+    const std::string& fault() const { return m_fault; }
+    void find(const std::string& fault);
+
+private:
+    struct Asked
+    {
+        unsigned instance;
+        std::string id;
+        unsigned long changes; ///< of what can be seen, at that time
+    };
+
+    bool isOurs(const Disk& disk) const { return disk.host == "1" || disk.host == "2"; }
+    unsigned long changes() const { return m_array.changes() + m_kernel.changes(); }
+    void disksAtRest();
+    void arrayAtRest();
+
+    Scheduler& m_scheduler;
+    SimulatedArray& m_array;
+    Kernel& m_kernel;
+    std::map<int, Errand> m_errands;
+    std::map<std::string, History> m_histories;
+    std::map<std::pair<int, std::string>, Asked> m_asked;     ///< by process and disk
+    std::map<std::pair<int, unsigned>, std::string> m_states; ///< of disks, as processes have read them last
+    std::map<int, std::string> m_unread; ///< a change that was sent, and of which nothing was read since
+    bool isWithoutLock(const Process& process) const { return process.undo == 0 && !m_isLockIgnored; }
+
+    bool m_isLockIgnored = false;
+    bool m_isScannedWithoutLock = false;
+    bool m_isAnswerLost = false;
+    bool m_isAnyKilled = false;
+    std::string m_fault;
+};
+
+} // namespace simulation
+
+#endif
