@@ -18,8 +18,10 @@ namespace tessel {
 
 /**
  * Ends calls of other threads. Copies are one and the same. What it holds for ends within some milliseconds,
- * also where nobody answers and in a wait for the lock of the scans, as a request that failed:
- * FailureKind::CANCELLED. A tool of the host that runs is not ended.
+ * also where nobody answers, in a wait for the lock of the scans, for a disk or for a map, as a request that
+ * failed: FailureKind::CANCELLED. A tool of the host that runs is killed, with all that it has started; while
+ * a call has a limit such a tool is run by a thread of its own. Not ended are what the kernel is asked by the
+ * scans and removals of CDiskScannerHandler, an INQUIRY or a write back: the step behind it is not done.
  *
  * A request that was sent may have been carried out (Failure::mayBeDone). What a call would do after a
  * failure, an attach for one, does not happen either.
@@ -70,8 +72,8 @@ private:
 };
 
 /**
- * Limits each operation of a device manager, an attach as a whole; goes with the device manager. Not while a
- * call of it is at work.
+ * Limits each operation of a device manager, an attach, LocalDisk::attach or tidy as a whole; goes with the
+ * device manager. Not while a call of it is at work.
  * @param manager of the array.
  * @param each how long an operation may take; 0: no limit.
  */

@@ -1,6 +1,7 @@
 #include "host/CommandLines.h"
 
 #include "host/Interruption.h"
+#include "session/CallsAtWork.h"
 #include "session/Log.h"
 
 #include <algorithm>
@@ -26,19 +27,16 @@ bool isText(const std::string& line)
 
 } // namespace
 
-int runCommand(const std::string& command)
+CommandLines::CommandLines(const std::string& command) : m_command(command)
 {
-    const ChildStatus children;
-    const int status = system(command.c_str());
-    if (status != -1) {
-        throwIfInterrupted(status);
+    if (!isLimited()) {
+        m_output = popen(command.c_str(), "r");
+        return;
     }
-    return status;
-}
-
-CommandLines::CommandLines(const std::string& command)
-    : m_command(command), m_output(popen(command.c_str(), "r"))
-{
+    m_printed = printedBy(command);
+    if (m_printed) {
+        m_output = fmemopen(m_printed->text.data(), m_printed->text.size(), "r");
+    }
 }
 
 CommandLines::~CommandLines()
@@ -51,7 +49,10 @@ CommandLines::~CommandLines()
 int CommandLines::end()
 {
     if (!m_status) {
-        m_status = pclose(m_output);
+        m_status = m_printed ? m_printed->status : pclose(m_output);
+        if (m_printed) {
+            std::fclose(m_output);
+        }
     }
     return *m_status;
 }

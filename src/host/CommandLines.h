@@ -2,18 +2,13 @@
 #define HOST_COMMANDLINES_H
 
 #include "host/ChildStatus.h"
+#include "host/Commands.h"
 
 #include <cstdio>
 #include <optional>
 #include <string>
 
 namespace ovra::tessel {
-
-/**
- * Runs a shell command; the status that system() gives, -1 when how it ended is not known. Throws
- * Interruption when it was ended from the keyboard.
- */
-int runCommand(const std::string& command);
 
 /**
  * The lines that a shell command prints.
@@ -35,7 +30,8 @@ public:
 
     /**
      * Reads the next line, without its newline; false at the end. Throws Interruption there when the command
-     * was ended from the keyboard.
+     * was ended from the keyboard. Where the call has a limit the command has ended before the first line is
+     * read, and the constructor throws CallEnded.
      */
     bool next(std::string& line);
 
@@ -50,7 +46,8 @@ private:
 
     const ChildStatus m_children;
     const std::string m_command;
-    std::FILE* m_output;
+    std::optional<Printed> m_printed; ///< of one that was run to its end before
+    std::FILE* m_output = nullptr;
     std::optional<int> m_status; ///< of a command that has ended
 };
 

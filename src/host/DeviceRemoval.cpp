@@ -3,6 +3,7 @@
 #include "host/CommandLines.h"
 #include "host/WriteBack.h"
 #include "observer/Observation.h"
+#include "session/CallsAtWork.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Lsscsi.h>
@@ -109,6 +110,7 @@ bool checkWwn(const std::string& wwn)
 
 bool prepareRemoval(const std::string& path, const std::string& device, const IsWanted& isWanted)
 {
+    throwIfEnded();
     const disk::Uses uses = disk::usesOf(disk::lastName(device));
     nameUses(device, uses);
     flushAll(path, device, uses.unreached);
@@ -134,6 +136,7 @@ bool removeDevices(const char* label, const disk::DiskIdentity& wanted)
         }
         again = false;
         for (const std::string& device : devices) {
+            throwIfEnded();
             again = remove(device, isWanted) || again;
         }
         removed = removed || again;

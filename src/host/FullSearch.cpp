@@ -5,6 +5,7 @@
 #include "host/Korvex.h"
 #include "host/NameSearch.h"
 #include "host/StaleDevice.h"
+#include "session/CallsAtWork.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
 #include "storage/DiskKinds.h"
@@ -123,6 +124,7 @@ std::string FullSearch::run() const
         }
         COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
         for (const auto& [path, identifiers] : disks) {
+            throwIfEnded();
             switch (visit(path, identifiers, mayRenew)) {
             case Visit::FOUND:
                 return path;

@@ -2,13 +2,13 @@
 
 #include "host/CommandLines.h"
 #include "observer/Observation.h"
+#include "session/CallsAtWork.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/RescanScript.h>
 
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace ovra::tessel {
 
@@ -69,7 +69,7 @@ void waitForTemporaryDevices()
     int status = runCommand(g_tmpBlockCheckCmd);
     for (int waited = 0; waited < LONGEST_WAIT_S && status == 0; ++waited) {
         status = runCommand(g_tmpBlockCheckCmd);
-        sleep(1);
+        sleepOrEnd(1);
     }
     if (status == -1) {
         COMMLOG(OS_LOG_WARN, "It cannot be told whether there are temporary devices: not waiting for them.");

@@ -10,6 +10,7 @@ namespace ovra::tessel {
 namespace {
 
 thread_local int t_lastSignal = 0;
+thread_local bool t_isEnded = false;
 
 } // namespace
 
@@ -21,6 +22,16 @@ int lastScanSignal() noexcept
 void setLastScanSignal(int signal)
 {
     t_lastSignal = signal;
+}
+
+bool isScanEnded() noexcept
+{
+    return t_isEnded;
+}
+
+void setScanEnded(bool isEnded)
+{
+    t_isEnded = isEnded;
 }
 
 void throwIfInterrupted(int status)

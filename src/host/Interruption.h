@@ -1,6 +1,8 @@
 #ifndef HOST_INTERRUPTION_H
 #define HOST_INTERRUPTION_H
 
+#include "session/CallsAtWork.h"
+
 namespace ovra::tessel {
 
 /** Thrown when a command of the host was ended from the keyboard: the steps after it are not to be run. */
@@ -15,7 +17,14 @@ void throwIfInterrupted(int status);
 /** Sets what lastScanSignal() returns on this thread. */
 void setLastScanSignal(int signal);
 
-/** Runs the steps of a scan; when one is interrupted, no more of them are run, and the result is empty. */
+/** Whether the last scan of this thread was ended with the call that it is part of. */
+bool isScanEnded() noexcept;
+void setScanEnded(bool isEnded);
+
+/**
+ * Runs the steps of a scan; when one is interrupted, or the call ended, no more of them are run, and the
+ * result is empty.
+ */
 template <class Steps>
 auto untilInterrupted(Steps steps) -> decltype(steps())
 {
@@ -23,8 +32,10 @@ auto untilInterrupted(Steps steps) -> decltype(steps())
         return steps();
     } catch (const Interruption& interruption) {
         setLastScanSignal(interruption.signal);
-        return decltype(steps())();
+    } catch (const CallEnded&) {
+        setScanEnded(true);
     }
+    return decltype(steps())();
 }
 
 } // namespace ovra::tessel

@@ -31,6 +31,7 @@ void waitForScanEnd()
     while (!g_scanlunEndCond.wait_for(lock, std::chrono::milliseconds(LOOK_MILLISECONDS), isOver) &&
            whyToEnd() == FailureKind::NONE) {
     }
+    throwIfEnded();
 }
 
 std::unique_lock<std::mutex> RunningScan::end()

@@ -1,18 +1,14 @@
 #include "host/Limited.h"
 
-#include "host/CommandLines.h"
-
-#include <ovra/disk/Files.h>
+#include "session/CallsAtWork.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <exception>
 #include <memory>
 #include <mutex>
-#include <system_error>
 #include <thread>
 
 namespace ovra::tessel {
@@ -99,15 +95,23 @@ bool doAll(std::chrono::seconds limit, std::vector<std::function<void()>> steps)
     const auto shared = std::make_shared<Shared>();
     shared->steps = std::move(steps);
     const Clock::time_point end = Clock::now() + limit;
+    const auto look = isLimited() ? Clock::duration(std::chrono::milliseconds(LOOK_MILLISECONDS)) : limit;
+    throwIfEnded();
     std::unique_lock<std::mutex> lock(shared->mutex);
     const GivenUp afterwards(*shared);
     startSome(shared);
-    for (auto now = Clock::now(); !shared->isDone() && now < end; now = Clock::now()) {
+    Clock::time_point progress = Clock::now();
+    for (auto now = progress; !shared->isDone() && now < end; now = Clock::now()) {
         const size_t before = shared->ended;
-        shared->changed.wait_until(lock, shared->waiting() == 0 ? end : std::min(end, now + STALL),
+        const Clock::time_point stall = shared->waiting() == 0 ? end : progress + STALL;
+        shared->changed.wait_until(lock, std::min({end, stall, now + look}),
                                    [&] { return shared->ended != before; });
-        if (shared->ended == before) { // they hang: others take their place
+        throwIfEnded();
+        if (shared->ended != before) {
+            progress = Clock::now();
+        } else if (Clock::now() >= stall) { // they hang: others take their place
             startSome(shared);
+            progress = Clock::now();
         }
     }
     if (shared->error) {
@@ -126,28 +130,6 @@ bool endsWithin(std::chrono::seconds limit, const std::function<void()>& step)
 void doWithin(std::chrono::seconds limit, const std::vector<std::function<void()>>& steps)
 {
     doAll(limit, steps);
-}
-
-int runWithin(std::chrono::seconds limit, const std::string& command)
-{
-    sigset_t own; // a command inherits what its thread has
-    pthread_sigmask(SIG_SETMASK, nullptr, &own);
-    return within<int>(limit,
-                       [=] {
-                           pthread_sigmask(SIG_SETMASK, &own, nullptr);
-                           return runCommand(command);
-                       })
-        .value_or(-1);
-}
-
-std::string writeWithin(std::chrono::seconds limit, const std::string& file, const std::string& text)
-{
-    const std::optional<int> error =
-        within<int>(limit, [=] { return disk::writeFile(file, text) ? 0 : errno; });
-    if (!error) {
-        return file + " does not answer";
-    }
-    return *error == 0 ? "" : file + ": " + std::system_category().message(*error);
 }
 
 } // namespace ovra::tessel

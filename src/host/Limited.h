@@ -5,11 +5,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 // Steps that may hang in the kernel: each is done on a thread of its own, which is left to itself when it
-// takes too long. So they own what they work with, and write no log.
+// takes too long, or the call that waits for it ends: CallEnded is thrown then. So they own what they work
+// with, and write no log.
 
 namespace ovra::tessel {
 
@@ -29,13 +29,6 @@ std::optional<Result> within(std::chrono::seconds limit, const std::function<Res
  * up are left.
  */
 void doWithin(std::chrono::seconds limit, const std::vector<std::function<void()>>& steps);
-
-/** Runs a shell command; its status as system() gives it, -1 when it has not ended in time or is not known.
- */
-int runWithin(std::chrono::seconds limit, const std::string& command);
-
-/** Writes to a file of the kernel; "" when it was taken, else why not. */
-std::string writeWithin(std::chrono::seconds limit, const std::string& file, const std::string& text);
 
 } // namespace ovra::tessel
 

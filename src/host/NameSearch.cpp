@@ -3,6 +3,7 @@
 #include "host/CommandLines.h"
 #include "host/DeviceRemoval.h"
 #include "host/Korvex.h"
+#include "session/CallsAtWork.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
 
@@ -62,6 +63,7 @@ std::string findByName(const std::string& wwn)
             return std::string();
         }
         for (std::string line; path.empty() && listing.next(line);) {
+            throwIfEnded();
             const std::optional<disk::ByIdLink> link = parseLink(line);
             if (link && isDevice(*link, wwn)) {
                 path = link->path;

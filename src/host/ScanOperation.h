@@ -32,9 +32,23 @@ std::optional<typename Kind::Object> readScanned(Operation& op, CDeviceManagerIm
     return (static_cast<typename Kind::Handler&>(*handler).*Kind::GET)(id);
 }
 
-/** Reports that a command of a scan or a removal was ended from the keyboard; false when none was. */
+/** Before the steps of a scan or a removal. */
+inline void beginSteps()
+{
+    setLastScanSignal(0);
+    setScanEnded(false);
+}
+
+/** Reports that the steps were ended, by a limit of the call or from the keyboard; false when they were not.
+ */
 inline bool endIfInterrupted(Operation& op)
 {
+    if (isScanEnded()) {
+        COMMLOG(OS_LOG_ERROR, "The call was ended: the steps after it are not run.");
+        op.close(RESULT_BAD_ARGUMENT);
+        op.keep("The call was ended", true);
+        return true;
+    }
     if (lastScanSignal() == 0) {
         return false;
     }
@@ -52,7 +66,7 @@ inline bool endIfInterrupted(Operation& op)
 template <class Kind, class Steps>
 std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id, Steps steps)
 {
-    setLastScanSignal(0);
+    beginSteps();
     return Operation::run(Frame(name).recordedLast(), deviceManager, [&](Operation& op) {
         auto object = readScanned<Kind>(op, deviceManager, id);
         if (!object) {
@@ -81,7 +95,7 @@ std::string scan(const char* name, CDeviceManagerImpl* deviceManager, const std:
 template <class Kind>
 void removeDevicesOf(const char* name, CDeviceManagerImpl* deviceManager, const std::string& id)
 {
-    setLastScanSignal(0);
+    beginSteps();
     Operation::run(Frame(name).recordedLast(), deviceManager, [&](Operation& op) {
         const auto object = readScanned<Kind>(op, deviceManager, id);
         if (!object) {

@@ -3,6 +3,7 @@
 #include "host/CommandLines.h"
 #include "host/DeviceRemoval.h"
 #include "observer/Observation.h"
+#include "session/CallsAtWork.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"
 
@@ -101,7 +102,7 @@ void waitForName(const disk::ScsiAddress& address, const std::string& wwn)
                 return;
             }
         }
-        usleep(LOOK_EVERY_US);
+        pauseOrEnd(LOOK_EVERY_US);
     }
     COMMLOG(OS_LOG_WARN, "The device at %s has got no name of its own yet: scan again if it is not found.",
             address.text.c_str());
@@ -120,7 +121,7 @@ void renewAt(const disk::ScsiAddress& address, const Disk& disk, const std::stri
     COMMLOG(OS_LOG_INFO, "strShellCmd NO2 [%s]", scan.c_str());
     runCommand(scan);
     COMMLOG(OS_LOG_INFO, "%s", SEARCH_SEPARATOR);
-    sleep(1);
+    sleepOrEnd(1);
     waitForName(address, wwn);
     tellStep(HostEvent::RENEWED, disk.device, address.text);
 }

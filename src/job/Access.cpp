@@ -1,6 +1,7 @@
 #include "job/Showing.h"
 #include "observer/Observation.h"
 #include "session/LastFailure.h"
+#include "session/ManagerOptions.h"
 
 #include <tessel/Access.h>
 #include <tessel/DeviceManager.h>
@@ -48,6 +49,7 @@ AccessResult changing(const char* call, CDeviceManager& manager, const StorageOb
                       const HostInitiator& initiator, const AccessOptions& options, const Steps& steps)
 {
     return calling(FailureKind::REFUSED, [&] {
+        const OptionsInForce limits(&manager);
         return observed(call, manager, [&](Observation& seen) {
             seen.setChange();
             seen.names(object, initiator);

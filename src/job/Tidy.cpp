@@ -1,12 +1,13 @@
 #include "job/TidyPlan.h"
 #include "job/Tries.h"
 #include "observer/Observation.h"
+#include "session/CallsAtWork.h"
 #include "session/LastFailure.h"
+#include "session/ManagerOptions.h"
 
 #include <tessel/Array.h>
 
-#include <chrono>
-#include <thread>
+#include <ctime>
 #include <utility>
 
 namespace ovra::tessel {
@@ -58,8 +59,7 @@ private:
     {
         const std::time_t wait = secondsInName(group.NAME) - newest();
         if (wait > 0 && wait <= LONGEST_WAIT) {
-            std::this_thread::sleep_for(
-                std::chrono::seconds(wait + 1)); // the other names may be a second later
+            pauseFor(static_cast<unsigned>(wait + 1) * 1000000); // the other names may be a second later
         }
     }
 
@@ -196,6 +196,7 @@ TidyResult tidy(CDeviceManager& manager, const std::string& hostID, const TidyOp
                 const std::function<bool(const TidyFinding&)>& tell)
 {
     return calling(FailureKind::REFUSED, [&] {
+        const OptionsInForce limits(&manager);
         return observed("tidy", manager, [&](Observation& seen) {
             seen.names(kinds::HOST, hostID);
             return Tidying(manager, hostID, options, tell).run();

@@ -1,5 +1,6 @@
 #include "localdisk/DeadDisks.h"
 
+#include "host/Commands.h"
 #include "job/AccessMap.h"
 #include "localdisk/AskAll.h"
 #include "localdisk/Removal.h"

@@ -2,6 +2,7 @@
 
 #include "host/Korvex.h"
 #include "job/Tries.h"
+#include "session/CallsAtWork.h"
 #include "session/LastFailure.h"
 #include "storage/DiskKinds.h"
 
@@ -10,12 +11,11 @@
 #include <algorithm>
 #include <cctype>
 #include <ctime>
-#include <unistd.h>
 
 namespace ovra::tessel {
 namespace {
 
-constexpr useconds_t PAUSE_US = 50000;
+constexpr unsigned int PAUSE_US = 50000;
 
 std::string lowerOf(std::string text)
 {
@@ -106,7 +106,7 @@ bool Deadline::pause() const
     if (isOver()) {
         return false;
     }
-    usleep(PAUSE_US);
+    pauseOrEnd(PAUSE_US);
     return true;
 }
 

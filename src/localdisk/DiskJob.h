@@ -41,7 +41,8 @@ class Deadline
 public:
     explicit Deadline(unsigned seconds) : m_end(now() + std::chrono::seconds(seconds)) {}
     bool isOver() const { return now() >= m_end; }
-    /** A short pause, after which something may have changed. @return false when the time is up. */
+    /** A short pause, after which something may have changed. @return false when the time is up. Throws
+     * CallEnded when the call ends in it. */
     bool pause() const;
 
 private:

@@ -4,6 +4,7 @@
 #include "localdisk/Whole.h"
 #include "observer/Observation.h"
 #include "session/Log.h"
+#include "session/ManagerOptions.h"
 
 #include <ovra/disk/Names.h>
 #include <tessel/DeviceManager.h>
@@ -23,6 +24,7 @@ auto told(const char* call, const CDeviceManager& manager, const StorageObject& 
 {
     return observed(call, manager, [&](Observation& seen) {
         seen.names(kinds::of(volume.type), volume.id);
+        const OptionsInForce limits(&manager);
         return whole([&] { return steps(seen); });
     });
 }

@@ -1,6 +1,6 @@
 #include "localdisk/MapClaims.h"
 
-#include "host/Limited.h"
+#include "host/Commands.h"
 
 #include <ovra/disk/Processes.h>
 #include <ovra/disk/Programs.h>

@@ -1,5 +1,6 @@
 #include "localdisk/Proof.h"
 
+#include "host/Commands.h"
 #include "host/Limited.h"
 #include "localdisk/MapClaims.h"
 #include "localdisk/Sight.h"

@@ -1,7 +1,9 @@
 #include "localdisk/Removal.h"
 
+#include "host/Commands.h"
 #include "host/Limited.h"
 #include "host/WriteBack.h"
+#include "localdisk/WriteWithin.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Files.h>

@@ -2,6 +2,7 @@
 #include "localdisk/Removal.h"
 #include "localdisk/Whole.h"
 #include "observer/Observation.h"
+#include "session/ManagerOptions.h"
 #include "session/Texts.h"
 
 #include <tessel/DeviceManager.h>
@@ -93,6 +94,7 @@ TidyResult tidyDisks(CDeviceManager& manager, const std::string& hostID, const D
         if (hostID.empty()) {
             throw OvraAPIException(std::string(texts::HOST_ID.textIfEmpty) + "tidyDisks");
         }
+        const OptionsInForce limits(&manager);
         return whole([&] {
             const DiskJob job(manager, hostID, options.steps);
             return DiskTidying(job, options, tell).run();

@@ -25,6 +25,10 @@ auto whole(const Steps& steps) -> decltype(steps())
         throw notedFailure(FailureKind::HOST, "a tool of the host was ended by signal " +
                                                   std::to_string(interruption.signal) +
                                                   ": call again to go on from there! LocalDisk");
+    } catch (const CallEnded& ended) {
+        throw notedFailure(
+            ended.why, "the call was ended while it was at work: call again to go on from there! LocalDisk",
+            true);
     } catch (const std::system_error& error) {
         throw notedFailure(FailureKind::HOST,
                            std::string("this process can start nothing: ") + error.what() + "! LocalDisk");

@@ -86,13 +86,33 @@ void pauseFor(unsigned int microseconds)
         usleep(microseconds);
         return;
     }
-    constexpr long LONGEST_POLL = 60000;
-    const auto pauseEnd = std::min(Clock::now() + std::chrono::microseconds(microseconds), end());
-    for (auto now = Clock::now(); now < pauseEnd; now = Clock::now()) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(pauseEnd - now);
-        if (isCancelledWithin(t_limit, static_cast<int>(std::min<long>(left.count(), LONGEST_POLL)))) {
-            return;
-        }
+    const auto whole = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::microseconds(microseconds));
+    const auto left =
+        end() == Clock::time_point::max()
+            ? whole
+            : std::min(whole, std::chrono::ceil<std::chrono::milliseconds>(end() - Clock::now()));
+    isCancelledWithin(t_limit, static_cast<int>(std::max<long>(left.count(), 0)));
+}
+
+void throwIfEnded()
+{
+    if (const FailureKind why = whyToEnd(); why != FailureKind::NONE) {
+        throw CallEnded{why};
+    }
+}
+
+void pauseOrEnd(unsigned int microseconds)
+{
+    pauseFor(microseconds);
+    throwIfEnded();
+}
+
+void sleepOrEnd(unsigned int seconds)
+{
+    if (isLimited()) {
+        pauseOrEnd(seconds * 1000000);
+    } else {
+        sleep(seconds);
     }
 }
 

@@ -32,6 +32,23 @@ bool isCancelledWithin(const RestCall* limit, int milliseconds) noexcept;
 /** A pause, which ends when the call does. */
 void pauseFor(unsigned int microseconds);
 
+/**
+ * Thrown on the side of this host, where what comes next is not to be done. None of the SDK's exceptions, so
+ * that nothing goes on behind it: who began the steps makes one of it.
+ */
+struct CallEnded
+{
+    FailureKind why; ///< CANCELLED or TIMED_OUT
+};
+
+/** Throws CallEnded when the call at work is to end. */
+void throwIfEnded();
+
+/** A pause; throws CallEnded when the call ends in it. */
+void pauseOrEnd(unsigned int microseconds);
+/** The same by sleep() where nothing limits the call. */
+void sleepOrEnd(unsigned int seconds);
+
 } // namespace ovra::tessel
 
 #endif

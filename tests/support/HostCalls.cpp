@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <string>
 #include <sys/ioctl.h>
 #include <sys/sem.h>
@@ -119,6 +120,20 @@ int usleep(useconds_t microseconds)
         seam->onUsleep();
     }
     return 0;
+}
+
+/** What waits for a cancellation is a pause too; whether there is one is asked of the library. */
+int poll(pollfd* polled, nfds_t count, int milliseconds)
+{
+    const HostSeam* const seam = HostSeam::active();
+    if (seam == nullptr || milliseconds == 0) {
+        return next("poll", &poll)(polled, count, milliseconds);
+    }
+    RecordingPlatform::get().note("poll: " + std::to_string(milliseconds));
+    if (seam->onUsleep) {
+        seam->onUsleep();
+    }
+    return next("poll", &poll)(polled, count, 0);
 }
 
 int open(const char* path, int flags, ...)

@@ -8,10 +8,12 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <linux/fs.h>
 #include <scsi/sg.h>
 #include <sys/ipc.h>
 #include <sys/sem.h>
+#include <thread>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -45,6 +47,11 @@ std::string temporaryDirectory()
     return mkdtemp(pattern);
 }
 
+long threadsOfProcess()
+{
+    return std::distance(fs::directory_iterator("/proc/self/task"), fs::directory_iterator());
+}
+
 int failWith(int error)
 {
     errno = error;
@@ -66,7 +73,7 @@ std::vector<unsigned char> page83(const std::string& designatorHex)
     return page;
 }
 
-HostSeam::HostSeam()
+HostSeam::HostSeam() : m_threads(threadsOfProcess())
 {
     files["/proc/self/mountinfo"] = "22 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw\n";
     files["/proc/swaps"] = "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n";
@@ -77,6 +84,13 @@ HostSeam::~HostSeam()
 {
     g_active = nullptr;
     fs::remove_all(root);
+}
+
+void HostSeam::waitForThreads() const
+{
+    while (threadsOfProcess() > m_threads) {
+        std::this_thread::yield();
+    }
 }
 
 std::string HostSeam::makePlace(const std::string& path)

@@ -27,8 +27,8 @@ struct SeamDisk
  * While one lives, the host that the scanner works on is a script: system, popen, pclose, sleep, usleep, open
  * of disks, ioctl, fsync, System V semaphores and the kernel's and udev's files are answered from it and
  * noted in RecordingPlatform's journal: "system: COMMAND", "popen: COMMAND", "pclose", "sleep: 1", "usleep:
- * 5", "open: PATH rw" or "ro", "inquiry: sdc 83", "flush: sdc", "fsync: sdc", "syncfs: PATH", "semget: 1235 1
- * 0600 create" or
+ * 5", "poll: 5" in the same places of a call that has a limit, "open: PATH rw" or "ro", "inquiry: sdc 83",
+ * "flush: sdc", "fsync: sdc", "syncfs: PATH", "semget: 1235 1 0600 create" or
  * "... excl", "semop: ID -1 undo", "semctl: ID SETVAL 1". Nothing sleeps, and no device of this machine is
  * touched. /sys, /proc and /dev/disk are those below root; other files are opened as ever.
  */
@@ -39,6 +39,9 @@ public:
     ~HostSeam();
     HostSeam(const HostSeam&) = delete;
     HostSeam& operator=(const HostSeam&) = delete;
+
+    /** Waits for threads that were started since, and left to themselves: they use this host. */
+    void waitForThreads() const;
 
     /** The exit codes of a command in turn, the last one stays; a command not named here ends with 1. */
     void exits(const std::string& command, std::deque<int> codes);
@@ -57,7 +60,7 @@ public:
     /** Called by an INQUIRY on the thread that asks; true: it fails, and touches this host no more. */
     std::function<bool(const std::string& disk)> onInquiry;
 
-    /** Called by usleep(). */
+    /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;
 
     /** What fopen reads, by path, in place of the file. */
@@ -104,6 +107,7 @@ private:
     std::string nameOf(int fd);
     std::string makePlace(const std::string& path);
 
+    const long m_threads;
     std::mutex m_mutex;
     std::condition_variable m_freed;
     std::map<std::string, std::deque<int>> m_ends;

@@ -1,5 +1,7 @@
 #include "host/Limited.h"
+#include "host/Commands.h"
 #include "host/Interruption.h"
+#include "localdisk/WriteWithin.h"
 
 #include <gtest/gtest.h>
 
