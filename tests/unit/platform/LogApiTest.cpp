@@ -121,5 +121,65 @@ TEST_F(LogApi, AChildForkedWhileOtherThreadsLogCanLogItself)
     EXPECT_EQ(CHILDREN, std::count(texts.begin(), texts.end(), "INFO p child"));
 }
 
+TEST_F(LogApi, ChildrenThatAreForkedWhileManyThreadsLogTearNothingUnderALimit)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer's allocator may be locked in a child of a process with threads";
+#endif
+    writeFile(iniFile(), "[files]\nmax_mib = 64\n");
+    ASSERT_EQ(0, LogInit("p", iniFile().c_str(), nullptr, logs().c_str()));
+    constexpr int THREADS = 4;
+    constexpr int CHILDREN = 20;
+    constexpr int LINES = 20;
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> writers;
+    for (int process = 0; process < THREADS; ++process) {
+        writers.emplace_back([&isOver, process] {
+            for (int number = 0; !isOver; ++number) {
+                Log_Run_Info("p", numberedLine(process, number % 2000).c_str());
+                Log_Audit("{\"parent\":1}");
+            }
+        });
+    }
+    std::vector<pid_t> children;
+    for (int process = THREADS; process < THREADS + CHILDREN; ++process) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            bool isWritten = true;
+            for (int number = 0; number < LINES; ++number) {
+                Log_Run_Info("p", numberedLine(process, number).c_str());
+                isWritten = Log_Audit("{\"child\":1}") == 0 && isWritten;
+            }
+            _exit(isWritten ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    expectEnded(children);
+    isOver = true;
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    LogFini("p");
+    std::vector<int> lines(THREADS + CHILDREN, 0);
+    long audited = 0;
+    for (const std::string& name : namesIn(logs())) {
+        const bool isRun = name.find("Tessel_run_") == 0;
+        for (const std::string& line : linesOf(logs() / name)) {
+            audited += line == "{\"child\":1}" ? 1 : 0;
+            EXPECT_TRUE(isRun || line == "{\"child\":1}" || line == "{\"parent\":1}") << line;
+            if (isRun) {
+                const int process = numbersOf(line).first;
+                ASSERT_TRUE(process >= 0 && process < THREADS + CHILDREN) << line;
+                ++lines[static_cast<size_t>(process)];
+            }
+        }
+    }
+    EXPECT_EQ(CHILDREN * LINES, audited);
+    for (int process = THREADS; process < THREADS + CHILDREN; ++process) {
+        EXPECT_EQ(LINES, lines[static_cast<size_t>(process)]);
+    }
+}
+
 } // namespace
 } // namespace ovra::log

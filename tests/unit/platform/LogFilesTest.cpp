@@ -225,34 +225,12 @@ TEST_F(LogFiles, SeveralProcessesShareThemWithoutTornOrLostLines)
 {
     constexpr int PROCESSES = 4;
     constexpr int LINES = 500;
-    std::vector<pid_t> children;
-    for (int i = 0; i < PROCESSES; ++i) {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            bool ok = start() == 0;
-            for (int n = 0; n < LINES; ++n) {
-                run(std::to_string(i) + ":" + std::to_string(n) + ":" +
-                    std::string(static_cast<size_t>(n % 400), 'x') + ".");
-            }
-            _exit(ok && service.dropped() == 0 ? 0 : 1);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(0, status);
-    }
+    expectEnded(startWriters(PROCESSES, LINES));
     std::vector<int> next(PROCESSES, 0);
     for (const std::string& line : linesOf(runLog())) {
-        const std::string text = withoutOrigin(line).substr(std::string("INFO p ").size());
-        const auto process = static_cast<size_t>(text[0] - '0');
-        ASSERT_LT(process, next.size());
-        const int n = next[process]++;
-        EXPECT_EQ(std::to_string(process) + ":" + std::to_string(n) + ":" +
-                      std::string(static_cast<size_t>(n % 400), 'x') + ".",
-                  text);
+        const auto [process, number] = numbersOf(line);
+        ASSERT_TRUE(process >= 0 && process < PROCESSES);
+        EXPECT_EQ(next[static_cast<size_t>(process)]++, number);
     }
     for (const int count : next) {
         EXPECT_EQ(LINES, count);

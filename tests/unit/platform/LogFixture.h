@@ -6,12 +6,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <sys/wait.h>
 #include <system_error>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace ovra::log {
@@ -91,6 +95,51 @@ protected:
     int start(const std::string& product = "product")
     {
         return service.start(product, iniFile().string(), logs().string());
+    }
+
+    /** A line that can be told from all others, and from a part of one. */
+    static std::string numberedLine(int process, int number)
+    {
+        return std::to_string(process) + ":" + std::to_string(number) + ":" +
+               std::string(static_cast<size_t>(number % 400), 'x') + ".";
+    }
+
+    /** Processes that each write so many numbered lines, and fail when one is dropped. */
+    std::vector<pid_t> startWriters(int processes, int lines)
+    {
+        std::vector<pid_t> children;
+        for (int process = 0; process < processes; ++process) {
+            children.push_back(fork());
+            if (children.back() != 0) {
+                continue;
+            }
+            const bool isStarted = start() == 0;
+            for (int number = 0; number < lines; ++number) {
+                service.run(INFO, "p", numberedLine(process, number));
+            }
+            _exit(!isStarted ? 2 : service.dropped() == 0 ? 0 : 1);
+        }
+        return children;
+    }
+
+    static void expectEnded(const std::vector<pid_t>& children)
+    {
+        for (const pid_t child : children) {
+            int status = -1;
+            EXPECT_EQ(waitpid(child, &status, 0), child);
+            EXPECT_EQ(status, 0);
+        }
+    }
+
+    /** The process and the number of a run log's line; fails, with -1, for one that is not whole. */
+    static std::pair<int, int> numbersOf(const std::string& line)
+    {
+        const std::string text = withoutOrigin(line).substr(std::string("INFO p ").size());
+        int process = -1;
+        int number = -1;
+        const bool isRead = sscanf(text.c_str(), "%d:%d:", &process, &number) == 2;
+        EXPECT_TRUE(isRead && text == numberedLine(process, number)) << line;
+        return {process, number};
     }
 
     std::filesystem::path logs() const { return folder / "logs"; }

@@ -110,23 +110,8 @@ TEST_F(LogLimits, AreKeptByAFileThatHasGrownBeforeThereWereAny)
 
 TEST_F(LogLimits, AreKeptByEightProcessesThatTearNoLine)
 {
-    constexpr int PROCESSES = 8;
-    constexpr int LINES = 3000;
     limit("max_mib = 1\n");
-    std::vector<pid_t> children;
-    for (int i = 0; i < PROCESSES; ++i) {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            bool ok = start() == 0;
-            for (int n = 0; n < LINES; ++n) {
-                run(std::to_string(i) + ":" + std::to_string(n) + ":" +
-                    std::string(static_cast<size_t>(n % 400), 'x') + ".");
-            }
-            _exit(!ok ? 2 : service.dropped() == 0 ? 0 : 1);
-        }
-        children.push_back(child);
-    }
+    const std::vector<pid_t> children = startWriters(8, 3000);
     std::atomic<bool> isOver{false};
     std::uintmax_t most = 0;
     std::thread watch([&] {
@@ -134,11 +119,7 @@ TEST_F(LogLimits, AreKeptByEightProcessesThatTearNoLine)
             most = std::max(most, bytes());
         }
     });
-    for (const pid_t child : children) {
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(0, status);
-    }
+    expectEnded(children);
     isOver = true;
     watch.join();
     EXPECT_LE(most, MIB);
@@ -147,10 +128,7 @@ TEST_F(LogLimits, AreKeptByEightProcessesThatTearNoLine)
     for (const std::string& name : namesIn(logs())) {
         EXPECT_TRUE(readFile(logs() / name).empty() || readFile(logs() / name).back() == '\n');
         for (const std::string& line : linesOf(logs() / name)) {
-            const std::string text = withoutOrigin(line).substr(std::string("INFO p ").size());
-            const int n = std::stoi(text.substr(2));
-            ASSERT_EQ(text.substr(1),
-                      ":" + std::to_string(n) + ":" + std::string(static_cast<size_t>(n % 400), 'x') + ".");
+            numbersOf(line);
         }
     }
 }
