@@ -67,6 +67,12 @@ private:
                                            : lookAtTargets(m_job, m_hosts, limit);
             leave(sight.hanging);
             leave(more.hanging);
+            sight.ours.erase(std::remove_if(sight.ours.begin(), sight.ours.end(),
+                                            [&](const disk::ScsiDisk& disk) { // it has changed meanwhile
+                                                return isOneOf(more.silent, disk.name) ||
+                                                       isOneOf(more.reused, disk.name);
+                                            }),
+                             sight.ours.end());
             sight.stale = more.stale;
             sight.foreign.insert(sight.foreign.end(), more.foreign.begin(), more.foreign.end());
         }
@@ -143,7 +149,11 @@ private:
                                    [&](const std::string& path) { return isOneOf(stale, path); })) {
                 removeMap(m_job, *map);
             }
-            const std::string problem = removeDisk(m_job, disk, [] { return ""; });
+            const std::string problem = removeDisk(m_job, disk, [&] {
+                return lookAt(m_job, {disk}, m_job.step()).stale.empty()
+                           ? "/dev/" + disk.name + " is another disk by now"
+                           : "";
+            });
             tellStep(problem.empty() ? HostEvent::RENEWED : HostEvent::REFUSED, "/dev/" + disk.name, problem);
             if (!problem.empty()) {
                 m_job.fail(problem);

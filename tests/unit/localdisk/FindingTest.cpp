@@ -173,6 +173,17 @@ TEST_F(FindingADisk, AsksAllOnceAScanHasNotBroughtItsOwn)
     EXPECT_GE(othersAsked(), 20U);
 }
 
+TEST_F(FindingADisk, TakesNoDiskThatHasAnsweredAsItAndIsAnotherWhenAllAreAsked)
+{
+    addSession("2");
+    ways = {{"1", "2"}, {"1", "2"}, {}, {}};
+    add(KernelDisk());
+    seam.disks["sdc"].pages = {page83(WWN), page83(WWN), page83(WWN), page83(OTHER_WWN)};
+    options.findSeconds = 2;
+    EXPECT_THAT(found(), HasSubstr("no disk of this host answers as it"));
+    EXPECT_TRUE(isScanned());
+}
+
 TEST_F(FindingADisk, OpensNothingForWritingSinceUdevLooksAtItAnewThen)
 {
     add(KernelDisk());
@@ -332,6 +343,15 @@ TEST_F(FindingADisk, NeverRenewsOneThatIsInUse)
         found(),
         HasSubstr("/dev/sdc is its disk now, under the names of another one that is in use still: sdc is "
                   "mounted on /data"));
+    EXPECT_EQ(written("/sys/block/sdc/device/delete"), "");
+}
+
+TEST_F(FindingADisk, NeverRenewsOneThatIsAnotherByThen)
+{
+    add(stale());
+    seam.disks["sdc"].pages = {page83(WWN), page83(OTHER_WWN)};
+    EXPECT_THAT(found(), HasSubstr("/dev/sdc is another disk by now"));
+    EXPECT_EQ(seam.disks.count("sdc"), 1U);
     EXPECT_EQ(written("/sys/block/sdc/device/delete"), "");
 }
 
