@@ -7,6 +7,7 @@
 #include <tessel/DiskScanner.h>
 #include <tessel/Exception.h>
 #include <tessel/LocalDisk.h>
+#include <tessel/Tidy.h>
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -79,7 +80,8 @@ private:
     bool persist(bool isReleasing, const Call& call)
     {
         for (unsigned i = 0; i < TRIES && !m_process.isKilled; ++i) {
-            m_host.judge.begins(m_process, {m_lun, m_isWhole, isReleasing});
+            m_host.judge.begins(m_process,
+                                {m_lun, m_isWhole ? Manner::WHOLE : Manner::STEP_BY_STEP, isReleasing});
             bool isWell = false;
             try {
                 isWell = call();
@@ -158,9 +160,10 @@ private:
     std::string m_path; ///< that was handed out
 };
 
-void use(const std::string& path, unsigned seconds)
+void use(Host& host, const std::string& path, unsigned seconds)
 {
     const int fd = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    host.write(path.substr(path.rfind('/') + 1));
     sleep(seconds);
     if (fd >= 0) {
         close(fd);
@@ -175,15 +178,42 @@ void doJobs(Host& host, const std::vector<Job>& jobs)
         Errands errands(host, std::to_string(job.lun), job.isWhole);
         const std::string path = errands.find();
         if (!path.empty()) {
-            use(path, job.useSeconds);
+            use(host, path, job.useSeconds);
         }
         errands.release();
     }
 }
 
+void doTidy(Host& host)
+{
+    const std::string own = host.array.all("iscsi_initiator")[0]["PARENTID"].asString();
+    if (own.empty()) {
+        return; // nothing was ever shown to it
+    }
+    const Process& process = host.scheduler.current();
+    host.judge.begins(process, {"", Manner::TIDY, true});
+    bool isWell = false;
+    try {
+        const Manager manager;
+        DiskTidyOptions options;
+        options.isDryRun = false;
+        tidyDisks(*manager, own, options, [&](const DiskTidyFinding& finding) {
+            host.note(finding.disk.device + ": " + finding.reason);
+            return true;
+        });
+        isWell = true;
+    } catch (const OvraAPIException& error) {
+        host.note(std::string("fails: ") + error.what());
+    }
+    host.judge.ends(process, isWell);
+    if (isWell) {
+        host.judge.isTidy();
+    }
+}
+
 void doAgain(Host& host, const Errand& errand)
 {
-    Errands(host, errand.lun, errand.isWhole).release();
+    Errands(host, errand.lun, errand.manner == Manner::WHOLE).release();
 }
 
 } // namespace simulation

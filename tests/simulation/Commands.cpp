@@ -12,6 +12,7 @@ namespace {
 constexpr int EXITED_1 = 1 << 8;
 constexpr int NOT_STARTED = -1;
 constexpr Time SCRIPT_STEP = 20000;
+constexpr Time SETTLING = 10 * SECOND;
 constexpr Time GIVEN_UP = 215 * SECOND; // before a disk that hangs is
 
 bool beginsWith(const std::string& text, const std::string& start)
@@ -46,7 +47,7 @@ void Host::scanAll(bool mayRemove, int starter)
         }
         for (const std::string& name : names) {
             Disk* const disk = kernel.find(name);
-            if (mayRemove && disk != nullptr && kernel.unitOf(*disk).id.empty()) {
+            if (mayRemove && disk != nullptr && (isHarmful() || kernel.unitOf(*disk).id.empty())) {
                 note("the script removes " + name);
                 judge.scriptRemoves(starter, *disk);
                 kernel.remove(*disk);
@@ -120,6 +121,11 @@ int Host::run(const std::string& command)
             --scripts;
         });
         return scheduler.wait(NEVER, [&scripts] { return scripts == 0; }) ? 0 : NOT_STARTED;
+    }
+    if (beginsWith(command, "udevadm control --ping")) {
+        const bool isAtRest =
+            scheduler.wait(scheduler.now() + SETTLING, [this] { return kernel.isUdevAtRest(); });
+        return isAtRest ? 0 : EXITED_1;
     }
     const std::string text = between(command, "echo ", " > ");
     if (!text.empty()) {
@@ -198,7 +204,21 @@ void Host::closeDevice(int descriptor)
 
 bool Host::flush(const std::string& disk)
 {
-    return scheduler.reach(Point::INQUIRY) && kernel.find(disk) != nullptr;
+    Disk* const found = scheduler.reach(Point::INQUIRY) ? kernel.find(disk) : nullptr;
+    if (found == nullptr || kernel.unitOf(*found).id.empty()) {
+        return false;
+    }
+    judge.hasFlushed(scheduler.current(), *found);
+    found->writtenAt = 0;
+    return true;
+}
+
+void Host::write(const std::string& disk)
+{
+    Disk* const found = scheduler.reach(Point::INQUIRY) ? kernel.find(disk) : nullptr;
+    if (found != nullptr) {
+        found->writtenAt = scheduler.now();
+    }
 }
 
 } // namespace simulation

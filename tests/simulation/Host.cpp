@@ -16,6 +16,10 @@ constexpr const char* PROGRAMS = "/simulated/bin";
 constexpr unsigned LUNS = 4;
 constexpr int BUSY_CODE = ovra::tessel::ARRAY_NOT_READY;
 
+/** What the library knows a script by whose -r removes disks that are well, and one that is sound. */
+constexpr const char* HARMFUL_SCRIPT = "#!/bin/bash\nmatch=\"PQual=0 Device_type=0\"\n";
+constexpr const char* SCRIPT = "#!/bin/bash\nmatch=\"PQual=0 PDT=0\"\n";
+
 Host* g_host = nullptr;
 
 } // namespace
@@ -39,7 +43,8 @@ Host::Host(SimulatedArray& simulated, const Scenario& scenario, Weakness fault, 
     tree.put("/proc/self/mountinfo", "22 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw\n");
     tree.put("/proc/swaps", "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n");
     tree.link("/proc/self/ns/pid", "pid:[4026531836]");
-    tree.put(std::string(PROGRAMS) + "/rescan-scsi-bus.sh", "#!/bin/bash\nmatch=\"PQual=0 PDT=0\"\n");
+    tree.put(std::string(PROGRAMS) + "/rescan-scsi-bus.sh",
+             scenario.isScriptHarmful ? HARMFUL_SCRIPT : SCRIPT);
     setenv("PATH", PROGRAMS, 1);
     scheduler.onPoint = [this](Process& process, Point point) { onPoint(process, point); };
     scheduler.ownMemory(&g_scanLunMutex, sizeof(g_scanLunMutex));
@@ -77,6 +82,10 @@ std::string Host::run()
         }
     }
     scheduler.run();
+    if (m_scenario.isTidied && judge.fault().empty()) {
+        scheduler.start("tidy", [this] { doTidy(*this); });
+        scheduler.run();
+    }
     judge.atRest(m_semaphore);
     if (!judge.fault().empty()) {
         note("FAULT: " + judge.fault());
@@ -138,8 +147,30 @@ void Host::happen(Process& process, const Event& event)
         judge.scansWithoutLock();
         scheduler.start("script", [this] { scanAll(false, 0); });
         break;
+    case Trouble::TAKEN_AWAY:
+        takeAway(std::to_string(event.value % LUNS + 1));
+        break;
+    case Trouble::EVENT_LOST:
+        kernel.loseEvent();
+        break;
     case Trouble::COUNT:
         break;
+    }
+}
+
+void Host::takeAway(const std::string& lun)
+{
+    const auto groups =
+        array.change("GET", "/lungroup/associate?ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + lun, Json::Value())
+            .records;
+    for (const Json::Value& group : groups) {
+        note("an administrator takes LUN " + lun + " away");
+        judge.meets("LUNs taken away");
+        judge.isTakenAway(lun);
+        array.change("DELETE",
+                     "/lungroup/associate?ID=" + group["ID"].asString() +
+                         "&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + lun,
+                     Json::Value());
     }
 }
 
@@ -147,6 +178,7 @@ void Host::kill(Process& process, bool isAgain)
 {
     const std::optional<Errand> errand = judge.errandOf(process);
     judge.isKilled(process);
+    judge.meets("processes killed");
     if (m_scripts[process.pid] != 0) { // it goes on
         judge.scansWithoutLock();
     }
@@ -175,6 +207,7 @@ int Host::semop(int change, bool isUndone, Time limit)
     process.undo -= isUndone ? change : 0;
     m_lastHolder = process.pid;
     note("takes the lock");
+    judge.meets("locks taken");
     return 0;
 }
 

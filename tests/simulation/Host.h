@@ -81,6 +81,8 @@ public:
     Answer inquire(const std::string& disk);
     int openDevice(const std::string& path);
     void closeDevice(int descriptor);
+    /** Data that wait for the disk. */
+    void write(const std::string& disk);
     /** Writes back what waits for a disk. */
     bool flush(const std::string& disk);
 
@@ -88,6 +90,8 @@ private:
     void onPoint(Process& process, Point point);
     void happen(Process& process, const Event& event);
     void kill(Process& process, bool isAgain);
+    void takeAway(const std::string& lun);
+    bool isHarmful() const { return m_scenario.isScriptHarmful; }
     void scanAll(bool mayRemove, int starter);
 
     const Scenario& m_scenario;
@@ -104,6 +108,8 @@ private:
 
 /** What a client does: all of its jobs, each again where a call fails. */
 void doJobs(Host& host, const std::vector<Job>& jobs);
+/** Removes all dead disks, when all others are done. */
+void doTidy(Host& host);
 /** What another process does for one that was killed. */
 void doAgain(Host& host, const Errand& errand);
 

@@ -15,9 +15,11 @@ void Judge::find(const std::string& fault)
 void Judge::begins(const Process& process, const Errand& errand)
 {
     m_errands[process.pid] = errand;
+    m_begins[process.pid] = m_scheduler.now();
+    m_flushed.clear();
     History& history = m_histories[errand.lun];
     ++history.errands;
-    history.hasSingleSteps = history.hasSingleSteps || !errand.isWhole;
+    history.hasSingleSteps = history.hasSingleSteps || errand.manner == Manner::STEP_BY_STEP;
 }
 
 std::optional<Errand> Judge::errandOf(const Process& process) const
@@ -36,9 +38,10 @@ void Judge::ends(const Process& process, bool isWell)
     m_errands.erase(found);
     History& history = m_histories[errand.lun];
     --history.errands;
+    meets(isWell ? "calls that end well" : "calls that fail");
     history.isCutOff = !isWell || (history.isCutOff && !errand.isReleasing);
-    if (!isWell || !errand.isWhole || !errand.isReleasing || history.errands != 0 || history.hasSingleSteps ||
-        m_isScannedWithoutLock) {
+    if (!isWell || errand.manner != Manner::WHOLE || !errand.isReleasing || history.isTakenAway ||
+        history.errands != 0 || history.hasSingleSteps || m_isScannedWithoutLock) {
         return;
     }
     for (const auto& [name, disk] : m_kernel.disks()) {
@@ -64,8 +67,39 @@ void Judge::isKilled(const Process& process)
 
 void Judge::asked(const Process& process, const Disk& disk, const Unit& answer)
 {
-    m_asked[{process.pid, disk.name}] = {disk.instance, answer.id, changes()};
+    m_asked[{process.pid, disk.name}] = {disk.instance,
+                                         disk.known,
+                                         answer.id,
+                                         changes(),
+                                         process.count(Point::INQUIRY),
+                                         process.count(Point::PAUSE)};
 }
+
+bool Judge::isLate(const Process& process, const Asked& asked) const
+{
+    return asked.inquiries == process.count(Point::INQUIRY) && asked.pauses == process.count(Point::PAUSE);
+}
+
+void Judge::hasFlushed(const Process& process, const Disk& disk)
+{
+    m_flushed.insert({process.pid, disk.instance});
+}
+
+namespace {
+
+/** Whether a disk that answers so may go. */
+bool mayGo(const Errand& own, const Unit& known, const std::string& id)
+{
+    if (own.manner == Manner::TIDY) {
+        return id != known.id;
+    }
+    if (id == own.lun) { // the same under other names is found anew
+        return own.isReleasing || own.manner == Manner::STEP_BY_STEP || known.id != own.lun;
+    }
+    return id.empty() && own.manner == Manner::WHOLE && own.isReleasing && known.id == own.lun;
+}
+
+} // namespace
 
 void Judge::removes(const Process& process, const Disk& disk)
 {
@@ -75,30 +109,33 @@ void Judge::removes(const Process& process, const Disk& disk)
         return;
     }
     const Errand& own = errand->second;
-    if (own.isWhole && isWithoutLock(process)) {
+    if (own.manner != Manner::STEP_BY_STEP && isWithoutLock(process)) {
         find(process.name + " removes " + disk.name + " without the lock");
     }
     const Unit unit = m_kernel.unitOf(disk);
+    if (disk.writtenAt != 0 && disk.writtenAt < m_begins[process.pid] && unit.id == disk.known.id &&
+        m_flushed.count({process.pid, disk.instance}) == 0) {
+        find(process.name + " removes " + disk.name + ", and data with it that were not written yet");
+    }
     const auto found = m_asked.find({process.pid, disk.name});
-    const bool wasAsked = found != m_asked.end();
-    const bool isSame = wasAsked && found->second.instance == disk.instance;
-    const bool wasRight = wasAsked && found->second.id == own.lun;
-    if (unit.id == own.lun) {
-        const bool isRenewed = !own.isWhole || disk.known.id != own.lun;
-        if (!own.isReleasing && !isRenewed) {
-            find(process.name + " removes " + disk.name + ", which it looks for");
-        }
+    const bool isSame = found != m_asked.end() && found->second.instance == disk.instance;
+    if (!unit.id.empty() && (found == m_asked.end() || !isLate(process, found->second))) {
+        find(process.name + " removes " + disk.name + " without a look who it is by now");
+    }
+    if (mayGo(own, disk.known, unit.id) && (own.manner != Manner::TIDY || m_kernel.isUp(disk.host))) {
+        meets(unit.id == disk.known.id ? "healthy disks removed"
+              : unit.id.empty()        ? "dead disks removed"
+                                       : "disks under other names removed");
         return;
     }
-    if (unit.id.empty() && own.isWhole && own.isReleasing && disk.known.id == own.lun) {
-        return; // dead, or away: it was the object, and the object goes
+    // What changes behind the last look cannot be known; nor, without the lock, whose a name is by then.
+    const bool wasRight = found != m_asked.end() && mayGo(own, found->second.known, found->second.id);
+    if (wasRight && (isSame ? found->second.changes != changes() : own.manner == Manner::STEP_BY_STEP)) {
+        meets("changes behind the last look");
+        return;
     }
-    const bool isRace = isSame ? wasRight && found->second.changes != changes()
-                               : wasRight && !own.isWhole; // who takes no lock may meet another's removal
-    if (!isRace) {
-        find(process.name + " removes " + disk.name + ", which is " +
-             (unit.id.empty() ? "away" : "LUN " + unit.id) + ", for LUN " + own.lun);
-    }
+    find(process.name + " removes " + disk.name + ", which is " +
+         (unit.id.empty() ? "away" : "LUN " + unit.id) + ", for LUN " + own.lun);
 }
 
 void Judge::readsState(const Process& process, const Disk& disk)
@@ -109,8 +146,12 @@ void Judge::readsState(const Process& process, const Disk& disk)
 /** It may remove one that has gone away since it was started, as is known. */
 void Judge::scriptRemoves(int starter, const Disk& disk)
 {
+    meets("disks removed by the rescan script");
     if (!m_kernel.isUp(disk.host) && m_states[{starter, disk.instance}] != "running") {
         find("the rescan script removes " + disk.name + ", which was away for a moment when it was started");
+    }
+    if (!m_kernel.unitOf(disk).id.empty()) {
+        find("the rescan script removes " + disk.name + ", which is well");
     }
 }
 
@@ -126,6 +167,10 @@ void Judge::handsOut(const Process& process, const std::string& path)
     if (found == m_asked.end() || found->second.id != own.lun) {
         find(process.name + " gets " + path + " for LUN " + own.lun + ", which has not answered as it");
         return;
+    }
+    meets("disks handed out");
+    if (found->second.pauses != process.count(Point::PAUSE)) {
+        find(process.name + " gets " + path + ", which has answered long ago");
     }
     const Disk* const disk = m_kernel.find(name);
     if (disk != nullptr && disk->instance == found->second.instance && found->second.changes == changes() &&
@@ -165,9 +210,16 @@ void Judge::atRest(int semaphore)
 void Judge::disksAtRest()
 {
     for (const auto& [name, disk] : m_kernel.disks()) {
+        if (!isOurs(disk) || !m_kernel.isUp(disk.host) || m_kernel.unitOf(disk).id == disk.known.id) {
+            continue;
+        }
+        meets("dead disks at rest");
         const History& history = m_histories[disk.known.id];
-        if (isOurs(disk) && m_kernel.isUp(disk.host) && m_kernel.unitOf(disk).id != disk.known.id &&
-            !history.hasSingleSteps && !history.isCutOff && !m_isScannedWithoutLock) {
+        if (m_isTidy) {
+            find("at rest " + name + " is a dead disk of LUN " + disk.known.id +
+                 ", though disks were tidied");
+        } else if (!history.hasSingleSteps && !history.isCutOff && !history.isTakenAway &&
+                   !m_isScannedWithoutLock) {
             find("at rest " + name + " is a dead disk of LUN " + disk.known.id);
         }
     }

@@ -11,11 +11,19 @@
 
 namespace simulation {
 
+/** How a process does what it is about. */
+enum class Manner
+{
+    WHOLE,        ///< by LocalDisk
+    STEP_BY_STEP, ///< by the single operations
+    TIDY          ///< all dead disks
+};
+
 /** What a process is about. */
 struct Errand
 {
-    std::string lun;
-    bool isWhole = false;     ///< by LocalDisk; else by the single operations
+    std::string lun; ///< empty: all
+    Manner manner = Manner::STEP_BY_STEP;
     bool isReleasing = false; ///< its disk is taken away
 };
 
@@ -24,6 +32,7 @@ struct History
 {
     bool hasSingleSteps = false; ///< after which a disk may stay
     bool isCutOff = false;       ///< a call was killed or has failed, and no later one has ended well
+    bool isTakenAway = false;    ///< by an administrator
     unsigned errands = 0;        ///< at work
 };
 
@@ -52,20 +61,32 @@ public:
     void sends(const Process& process, const std::string& request, bool isChange);
     void isRefused(const Process& process) { m_unread.erase(process.pid); }
     void isLost() { m_isAnswerLost = true; }
+    void isTakenAway(const std::string& lun) { m_histories[lun].isTakenAway = true; }
+    void hasFlushed(const Process& process, const Disk& disk);
+    /** Dead disks were tidied when nobody else was at work. */
+    void isTidy() { m_isTidy = true; }
     void atRest(int semaphore);
     /** Does not look who has the lock: what comes of it is to be found. */
     void ignoreLock() { m_isLockIgnored = true; }
 
     const std::string& fault() const { return m_fault; }
+    /** How often what was met. */
+    const std::map<std::string, unsigned long>& met() const { return m_met; }
+    void meets(const std::string& what) { ++m_met[what]; }
     void find(const std::string& fault);
 
 private:
     struct Asked
     {
         unsigned instance;
+        Unit known; ///< under whose names it stood
         std::string id;
         unsigned long changes; ///< of what can be seen, at that time
+        unsigned inquiries;    ///< of the process, up to this one
+        unsigned pauses;
     };
+
+    bool isLate(const Process& process, const Asked& asked) const;
 
     bool isOurs(const Disk& disk) const { return disk.host == "1" || disk.host == "2"; }
     unsigned long changes() const { return m_array.changes() + m_kernel.changes(); }
@@ -76,6 +97,9 @@ private:
     SimulatedArray& m_array;
     Kernel& m_kernel;
     std::map<int, Errand> m_errands;
+    std::map<int, Time> m_begins;                 ///< of these
+    std::set<std::pair<int, unsigned>> m_flushed; ///< disks that were written back in an errand
+    std::map<std::string, unsigned long> m_met;
     std::map<std::string, History> m_histories;
     std::map<std::pair<int, std::string>, Asked> m_asked;     ///< by process and disk
     std::map<std::pair<int, unsigned>, std::string> m_states; ///< of disks, as processes have read them last
@@ -86,6 +110,7 @@ private:
     bool m_isScannedWithoutLock = false;
     bool m_isAnswerLost = false;
     bool m_isAnyKilled = false;
+    bool m_isTidy = false;
     std::string m_fault;
 };
 

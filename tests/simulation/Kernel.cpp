@@ -1,6 +1,7 @@
 #include "simulation/Kernel.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace simulation {
 namespace {
@@ -112,7 +113,9 @@ void Kernel::scan(const std::string& host)
                            const Disk* const made = find(name);
                            if (made != nullptr && made->instance == instance) {
                                show(*made);
-                               tellUdev(name, instance);
+                               if (!std::exchange(m_isEventLost, false)) {
+                                   tellUdev(name, instance);
+                               }
                            }
                        });
     }

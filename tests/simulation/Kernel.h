@@ -23,9 +23,9 @@ struct Disk
     Unit known; ///< what it said it is when it was found
     std::string state = "running";
     std::uint64_t bytes = 0;
-    std::string map;        ///< the multipath node on it
-    bool isNamed = false;   ///< udev has come to it
-    bool isWritten = false; ///< data wait for it in memory
+    std::string map;      ///< the multipath node on it
+    bool isNamed = false; ///< udev has come to it
+    Time writtenAt = 0;   ///< when data came that wait for it in memory; 0: none wait
 
     std::string address() const { return host + ":0:0:" + std::to_string(number); }
 };
@@ -72,6 +72,8 @@ public:
     unsigned long changes() const { return m_changes; } ///< of the sessions
 
     bool isUdevAtRest() const { return m_udevEvents == 0; }
+    /** udev does not come to the next disk at all. */
+    void loseEvent() { m_isEventLost = true; }
     void stallUdev(Time time) { m_udevFree = std::max(m_udevFree, m_scheduler.now() + time); }
 
     std::function<void(const Disk&)> onNamed; ///< udev has come to it
@@ -93,6 +95,7 @@ private:
     unsigned m_instances = 0;
     Time m_udevFree = 0; ///< when udev has done what it was told so far
     unsigned m_udevEvents = 0;
+    bool m_isEventLost = false;
 };
 
 /** Page 0x83 of a unit. */

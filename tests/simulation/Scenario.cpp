@@ -30,7 +30,9 @@ rc::Gen<Event> events()
                                                              {3, Trouble::BUSY},
                                                              {2, Trouble::SESSION_DOWN},
                                                              {2, Trouble::UDEV_STALLS},
-                                                             {1, Trouble::SCRIPT}});
+                                                             {1, Trouble::SCRIPT},
+                                                             {2, Trouble::TAKEN_AWAY},
+                                                             {1, Trouble::EVENT_LOST}});
     return rc::gen::build<Event>(
         rc::gen::set(&Event::client, rc::gen::inRange(0U, unsigned(MOST_CLIENTS))),
         rc::gen::set(&Event::point, points), rc::gen::set(&Event::nth, rc::gen::inRange(1U, 120U)),
@@ -51,15 +53,17 @@ rc::Gen<Scenario> scenarios()
     return rc::gen::build<Scenario>(
         rc::gen::set(&Scenario::sessions, rc::gen::inRange(1U, 3U)),
         rc::gen::set(&Scenario::udevMilliseconds, rc::gen::element(20U, 1U, 400U, 3000U)),
+        rc::gen::set(&Scenario::isScriptHarmful, rc::gen::weightedElement<bool>({{3, false}, {1, true}})),
+        rc::gen::set(&Scenario::isTidied),
         rc::gen::set(&Scenario::clients, listOf(1, MOST_CLIENTS, listOf(1, 2, jobs()))),
         rc::gen::set(&Scenario::events, rc::gen::container<std::vector<Event>>(events())));
 }
 
 const char* nameOf(Trouble trouble)
 {
-    static constexpr const char* NAMES[] = {"switch",       "kill",        "kill for good",
-                                            "no answer",    "not sent",    "busy",
-                                            "session down", "udev stalls", "script"};
+    static constexpr const char* NAMES[] = {"switch",   "kill",       "kill for good", "no answer",
+                                            "not sent", "busy",       "session down",  "udev stalls",
+                                            "script",   "taken away", "event lost"};
     return NAMES[static_cast<size_t>(trouble)];
 }
 
@@ -75,7 +79,9 @@ const char* nameOf(Point point)
 std::string textOf(const Scenario& scenario)
 {
     std::ostringstream text;
-    text << scenario.sessions << " session(s), udev takes " << scenario.udevMilliseconds << " ms\n";
+    text << scenario.sessions << " session(s), udev takes " << scenario.udevMilliseconds << " ms"
+         << (scenario.isScriptHarmful ? ", the rescan script is harmful" : "")
+         << (scenario.isTidied ? ", tidied in the end" : "") << "\n";
     for (size_t i = 0; i < scenario.clients.size(); ++i) {
         text << "client" << i + 1 << ":";
         for (const Job& job : scenario.clients[i]) {

@@ -28,7 +28,9 @@ enum class Trouble
     BUSY,          ///< the array asks to come again
     SESSION_DOWN,  ///< for a while
     UDEV_STALLS,
-    SCRIPT, ///< of somebody who takes no lock
+    SCRIPT,     ///< of somebody who takes no lock
+    TAKEN_AWAY, ///< a LUN, by an administrator of the array
+    EVENT_LOST, ///< of the next disk: udev does not name it
     COUNT
 };
 
@@ -47,6 +49,8 @@ struct Scenario
 {
     unsigned sessions; ///< to the array: 1 or 2
     unsigned udevMilliseconds;
+    bool isScriptHarmful; ///< with -r it removes what is well
+    bool isTidied;        ///< in the end
     std::vector<std::vector<Job>> clients;
     std::vector<Event> events;
 };

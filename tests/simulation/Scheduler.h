@@ -38,6 +38,7 @@ struct Process
     std::string name;
     bool isKilled = false; ///< it ends without another effect
     std::array<unsigned, size_t(Point::COUNT)> reached{};
+    unsigned count(Point point) const { return reached[size_t(point)]; }
     int undo = 0;                    ///< what the kernel adds to the semaphore when it ends
     std::map<int, std::string> open; ///< devices by descriptor
     std::vector<char> memory;        ///< of what each process has for itself alone

@@ -25,7 +25,7 @@ public:
     {
         // What a process does once in its life is done: the objects that say so are this program's, one for
         // all.
-        faultOf({1, 1, {{{1, true, 0}, {1, false, 0}}}, {}});
+        faultOf({1, 1, false, true, {{{1, true, 0}, {1, false, 0}}}, {}});
     }
 
     ~Runs() { CDeviceManager::releaseInstance(m_first); }
@@ -39,6 +39,9 @@ public:
         Host host(m_array, scenario, m_weakness, log != nullptr);
         std::string fault = host.run();
         m_steps += host.steps();
+        for (const auto& [what, count] : host.judge.met()) {
+            m_met[what] += count;
+        }
         if (log != nullptr) {
             *log = host.log();
         }
@@ -64,6 +67,8 @@ public:
     }
 
     unsigned long steps() const { return m_steps; }
+    /** How often what was met, in all runs. */
+    const std::map<std::string, unsigned long>& met() const { return m_met; }
 
 private:
     const Weakness m_weakness;
@@ -72,6 +77,7 @@ private:
         CDeviceManager::getInstance(3, 100000); // those of the processes start no log
     SimulatedArray m_array;
     unsigned long m_steps = 0;
+    std::map<std::string, unsigned long> m_met;
 };
 
 constexpr std::pair<const char*, Weakness> WEAKNESSES[] = {
@@ -147,5 +153,8 @@ int main(int argc, char** argv)
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::cout << seeds << " seeds from " << first << ": nothing found in " << runs.steps() << " steps, "
               << taken.count() << " s\n";
+    for (const auto& [what, count] : runs.met()) {
+        std::cout << "  " << count << " " << what << "\n";
+    }
     return weakness == Weakness::NONE ? 0 : 1;
 }
