@@ -1,7 +1,7 @@
 #include "host/HostRescan.h"
 
 #include "host/CommandLines.h"
-#include "observer/Observation.h"
+#include "observer/Steps.h"
 #include "session/CallsAtWork.h"
 #include "session/Log.h"
 

@@ -1,7 +1,8 @@
 #ifndef HOST_KXRESCANLOCK_H
 #define HOST_KXRESCANLOCK_H
 
-#include "observer/Observation.h"
+#include "observer/Observers.h"
+#include "observer/Steps.h"
 
 /**
  * A lock over every process and thread of this host that rescans its SCSI buses: a System V semaphore that is

@@ -4,6 +4,7 @@
 #include "host/DeviceRemoval.h"
 #include "host/Interruption.h"
 #include "host/Korvex.h"
+#include "observer/Steps.h"
 #include "session/DeviceManagerImpl.h"
 #include "session/Operation.h"
 #include "storage/DiskKinds.h"

@@ -2,7 +2,7 @@
 
 #include "host/CommandLines.h"
 #include "host/DeviceRemoval.h"
-#include "observer/Observation.h"
+#include "observer/Steps.h"
 #include "session/CallsAtWork.h"
 #include "session/InterfaceRecord.h"
 #include "session/Log.h"

@@ -2,7 +2,7 @@
 
 #include "host/Limited.h"
 #include "localdisk/Removal.h"
-#include "observer/Observation.h"
+#include "observer/Steps.h"
 #include "session/Log.h"
 
 #include <ovra/disk/Files.h>

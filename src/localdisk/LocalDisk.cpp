@@ -3,6 +3,7 @@
 #include "localdisk/Release.h"
 #include "localdisk/Whole.h"
 #include "observer/Observation.h"
+#include "observer/Steps.h"
 #include "session/Log.h"
 #include "session/ManagerOptions.h"
 

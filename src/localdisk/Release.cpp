@@ -4,7 +4,7 @@
 #include "localdisk/Removal.h"
 #include "localdisk/Sight.h"
 #include "localdisk/Ways.h"
-#include "observer/Observation.h"
+#include "observer/Steps.h"
 #include "session/Log.h"
 
 #include <tessel/HostTransaction.h>

@@ -2,6 +2,7 @@
 #include "localdisk/Removal.h"
 #include "localdisk/Whole.h"
 #include "observer/Observation.h"
+#include "observer/Steps.h"
 #include "session/ManagerOptions.h"
 #include "session/Texts.h"
 

@@ -1,46 +1,20 @@
 #ifndef OBSERVER_OBSERVATION_H
 #define OBSERVER_OBSERVATION_H
 
+#include "observer/BodyObjects.h"
+#include "observer/Kinds.h"
 #include "observer/Observers.h"
 
 #include <ovra/threads/NoCancellation.h>
 #include <tessel/Access.h>
 #include <tessel/Exception.h>
 
-#include <cxxabi.h>
-#include <memory>
+#include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace ovra::tessel {
-
-/** An ID among the arguments of an operation: what it is the ID of, and what is said when it is empty. */
-struct IdArgument
-{
-    const char* kind; ///< as ObservedObject::kind, or INITIATOR
-    const char* textIfEmpty;
-};
-
-/** Kinds of what IDs are of. */
-namespace kinds {
-
-constexpr const char* LUN = "lun";
-constexpr const char* SNAPSHOT = "snapshot";
-constexpr const char* LUNGROUP = "lungroup";
-constexpr const char* HOST = "host";
-constexpr const char* HOSTGROUP = "hostgroup";
-constexpr const char* MAPPINGVIEW = "mappingview";
-constexpr const char* STORAGEPOOL = "storagepool";
-constexpr const char* FCPORT = "fcport";
-constexpr const char* FCOEPORT = "fcoeport";
-constexpr const char* ETHPORT = "ethport";
-constexpr const char* HANDLER = "handler";
-constexpr const char* INITIATOR = "initiator"; ///< stands in a member of its own
-
-/** The kind of an object type; "object" for one that is not known. */
-const char* of(unsigned long type);
-
-} // namespace kinds
 
 /**
  * What is gathered of one call while it runs, for the observers; nothing when there is none. The calls of a
@@ -86,46 +60,31 @@ public:
     /** Seconds that the calls of this thread have waited for the rescan lock. */
     static void waited(double seconds);
 
+    /** The innermost call of this thread that is observed; null: none. */
+    static Observation* ofThread();
+    /** What is known of it by now. */
+    OperationEvent soFar() const;
+
 private:
-    struct Gathered;
-    friend void tellStep(HostEvent::Step, const std::string&, const std::string&, double);
+    struct Gathered
+    {
+        OperationEvent event;
+        std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+        BodyObjects body;
+        Level level = Level::OPERATION;
+        bool isAbsorbed = false; ///< code and what are those of a failure that nobody else is told
+    };
 
     void finish(Gathered& call);
 
-    std::unique_ptr<Gathered> m_call; ///< null: nobody listens
+    std::optional<Gathered> m_call; ///< none: nobody listens. Stands here, lest a call take memory for it
     Observation* m_outer = nullptr;
 };
 
-/** A step on the disks of this host, within the call that the thread is in. */
-void tellStep(HostEvent::Step step, const std::string& device, const std::string& what = "",
-              double seconds = 0);
+/** Fills in when a call begins, and who makes it: now, and this thread. */
+void stamp(OperationEvent& event);
 
-/** Tells of a scan when it goes out of scope. */
-class TimedScan
-{
-public:
-    explicit TimedScan(std::string what) : m_what(std::move(what)) {}
-    ~TimedScan();
-    TimedScan(const TimedScan&) = delete;
-    TimedScan& operator=(const TimedScan&) = delete;
-
-private:
-    const std::string m_what;
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-};
-
-/** Adds the time until it goes out of scope to what the thread's calls have waited for the rescan lock. */
-class TimedWait
-{
-public:
-    TimedWait() = default;
-    ~TimedWait();
-    TimedWait(const TimedWait&) = delete;
-    TimedWait& operator=(const TimedWait&) = delete;
-
-private:
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-};
+double secondsSince(std::chrono::steady_clock::time_point start);
 
 /** What is said of a refusal; the array's own words are not, they may hold anything. */
 std::string refusalOf(int code);

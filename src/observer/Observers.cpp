@@ -89,14 +89,14 @@ void tellAll(const Event& event)
 }
 
 template <class Event>
-void tellOrWait(Event event)
+void tellOrWait(const Event& event)
 {
     if (t_isTelling) {
         return;
     }
     try {
         if (t_untold != 0) {
-            t_waiting.emplace_back(std::move(event));
+            t_waiting.emplace_back(event);
         } else {
             tellAll(event);
         }
@@ -147,14 +147,14 @@ bool isObserved()
     return g_isObserved.load(std::memory_order_relaxed);
 }
 
-void tell(OperationEvent event)
+void tell(const OperationEvent& event)
 {
-    tellOrWait(std::move(event));
+    tellOrWait(event);
 }
 
-void tell(HostEvent event)
+void tell(const HostEvent& event)
 {
-    tellOrWait(std::move(event));
+    tellOrWait(event);
 }
 
 void beginUntold()
@@ -169,11 +169,11 @@ void endUntold()
     }
     auto waiting = std::move(t_waiting);
     t_waiting.clear();
-    for (auto& event : waiting) {
+    for (const auto& event : waiting) {
         std::visit(
-            [](auto& one) {
+            [](const auto& one) {
                 if (processOf(one) == getpid()) { // a child has a copy of what its parent will tell
-                    tell(std::move(one));
+                    tell(one);
                 }
             },
             event);

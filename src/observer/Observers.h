@@ -11,8 +11,8 @@ namespace ovra::tessel {
 bool isObserved();
 
 /** Tells the observers; when the thread gives the rescan lock back, if it has it. Never throws. */
-void tell(OperationEvent event);
-void tell(HostEvent event);
+void tell(const OperationEvent& event);
+void tell(const HostEvent& event);
 
 /** While this lives, what the thread has to tell waits: it holds a lock, or is about to take it. */
 class Untold

@@ -1,7 +1,7 @@
 #ifndef SESSION_TEXTS_H
 #define SESSION_TEXTS_H
 
-#include "observer/Observation.h"
+#include "observer/Kinds.h"
 
 /** What several operations share: their IDs with the messages about them, the operation's name follows the
  * closing blank. */

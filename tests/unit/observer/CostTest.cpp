@@ -1,0 +1,75 @@
+// What an observed call costs beside one that is not: memory that is asked for, which is the same everywhere.
+
+#include "Recorder.h"
+#include "unit/handlers/HandlerTest.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local unsigned long t_allocations = 0;
+
+} // namespace
+
+// Not inlined: the compiler would see memory of malloc released by delete.
+__attribute__((noinline)) void* operator new(std::size_t size)
+{
+    ++t_allocations;
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+__attribute__((noinline)) void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace {
+
+/** Looks at every event, as one that counts does. */
+struct Counter : Observer
+{
+    void operationEnded(const OperationEvent& event) override { calls += event.isDone ? 1 : 0; }
+    unsigned long calls = 0;
+};
+
+class CostOfAnObserver : public HandlerTest
+{
+protected:
+    /** Of one call, whatever was written down before. */
+    unsigned long allocationsOf(const std::function<void()>& call)
+    {
+        platform.reset();
+        const unsigned long before = t_allocations;
+        call();
+        return t_allocations - before;
+    }
+    /** How many more a call has when somebody is told of it. */
+    unsigned long more(const std::function<void()>& call)
+    {
+        call(); // what is made once
+        const unsigned long alone = allocationsOf(call);
+        const auto counter = std::make_shared<Counter>();
+        addObserver(counter);
+        const unsigned long observed = allocationsOf(call);
+        removeObserver(counter);
+        EXPECT_EQ(counter->calls, 1U);
+        return observed - alone;
+    }
+};
+
+} // namespace
+
+TEST_F(CostOfAnObserver, IsThePlaceOfTheObjectsThatACallNames)
+{
+    CLunHandler& luns = handlers::lun(manager);
+    EXPECT_EQ(more([&] { luns.getLun("7"); }), 1U);
+    EXPECT_EQ(more([&] { manager.keepAlive(); }), 0U);
+}
