@@ -44,6 +44,9 @@ CommandLines::~CommandLines()
     if (started()) {
         end();
     }
+    if (m_dropped.rest() != 0) {
+        COMMLOG(OS_LOG_WARN, "%u more lines of [%s] are not looked at", m_dropped.rest(), m_command.c_str());
+    }
 }
 
 int CommandLines::end()
@@ -83,9 +86,9 @@ std::string CommandLines::readPiece() const
     return piece;
 }
 
-void CommandLines::drop(std::string& line) const
+void CommandLines::drop(std::string& line)
 {
-    COMMLOG(OS_LOG_WARN, "a line of [%s] is not looked at, it is not a whole line of text: [%s]",
+    COMMLOG(m_dropped.next(), "a line of [%s] is not looked at, it is not a whole line of text: [%s]",
             m_command.c_str(), line.substr(0, TOLD).c_str());
     line.clear();
 }

@@ -3,6 +3,7 @@
 
 #include "host/ChildStatus.h"
 #include "host/Commands.h"
+#include "session/FewLines.h"
 
 #include <cstdio>
 #include <optional>
@@ -42,10 +43,11 @@ public:
 private:
     std::string readPiece() const;
     int end();
-    void drop(std::string& line) const;
+    void drop(std::string& line);
 
     const ChildStatus m_children;
     const std::string m_command;
+    FewLines m_dropped{OS_LOG_WARN};
     std::optional<Printed> m_printed; ///< of one that was run to its end before
     std::FILE* m_output = nullptr;
     std::optional<int> m_status; ///< of a command that has ended

@@ -55,12 +55,13 @@ bool FullSearch::list(Disks& disks) const
         COMMLOG(OS_LOG_ERROR, "ls -al /dev/disk/by-id command is not enable!");
         return false;
     }
+    LinkReader links;
     for (std::string line; listing.next(line);) {
         if (!disk::ByIdLink::isLink(line)) {
             continue;
         }
         COMMLOG(OS_LOG_INFO, "strLine [%s]", line.c_str());
-        const std::optional<disk::ByIdLink> link = parseLink(line);
+        const std::optional<disk::ByIdLink> link = links.parse(line);
         if (link && !link->identifier.empty()) {
             disks[link->path].insert(link->identifier);
         }

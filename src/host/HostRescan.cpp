@@ -3,7 +3,7 @@
 #include "host/CommandLines.h"
 #include "observer/Steps.h"
 #include "session/CallsAtWork.h"
-#include "session/Log.h"
+#include "session/FewLines.h"
 
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/RescanScript.h>
@@ -45,9 +45,13 @@ bool checkScript()
 bool checkDisks()
 {
     const std::vector<std::string> away = disk::disksNotRunning();
+    FewLines lines(OS_LOG_ERROR);
     for (const std::string& disk : away) {
-        COMMLOG(OS_LOG_ERROR, "%s: rescanning without -r, which would remove it; disks that are gone stay.",
+        COMMLOG(lines.next(), "%s: rescanning without -r, which would remove it; disks that are gone stay.",
                 disk.c_str());
+    }
+    if (lines.rest() != 0) {
+        COMMLOG(OS_LOG_ERROR, "%u more disks are not running: rescanning without -r.", lines.rest());
     }
     return away.empty();
 }

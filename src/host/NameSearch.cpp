@@ -35,14 +35,21 @@ void rescanDevice(const std::string& path)
     runCommand("echo 1 > /sys/block" + disk::lastPart(path) + "/device/rescan");
 }
 
-std::optional<disk::ByIdLink> parseLink(const std::string& line)
+std::optional<disk::ByIdLink> LinkReader::parse(const std::string& line)
 {
     std::optional<disk::ByIdLink> link = disk::ByIdLink::parse(line);
     if (!link && disk::ByIdLink::isLink(line)) {
-        COMMLOG(OS_LOG_WARN, "a link to a device of an unusual name is not looked at [%s]",
+        COMMLOG(m_unusual.next(), "a link to a device of an unusual name is not looked at [%s]",
                 line.substr(0, TOLD).c_str());
     }
     return link;
+}
+
+LinkReader::~LinkReader()
+{
+    if (m_unusual.rest() != 0) {
+        COMMLOG(OS_LOG_WARN, "%u more links to devices of unusual names are not looked at", m_unusual.rest());
+    }
 }
 
 std::string findByName(const std::string& wwn)
@@ -62,9 +69,10 @@ std::string findByName(const std::string& wwn)
             COMMLOG(OS_LOG_ERROR, "fstream is null");
             return std::string();
         }
+        LinkReader links;
         for (std::string line; path.empty() && listing.next(line);) {
             throwIfEnded();
-            const std::optional<disk::ByIdLink> link = parseLink(line);
+            const std::optional<disk::ByIdLink> link = links.parse(line);
             if (link && isDevice(*link, wwn)) {
                 path = link->path;
                 COMMLOG(OS_LOG_INFO, "strTemp [%s]", disk::lastPart(path).c_str());

@@ -1,6 +1,8 @@
 #ifndef HOST_NAMESEARCH_H
 #define HOST_NAMESEARCH_H
 
+#include "session/FewLines.h"
+
 #include <ovra/disk/ByIdLink.h>
 
 #include <optional>
@@ -8,8 +10,20 @@
 
 namespace ovra::tessel {
 
-/** Reads a line of the listing; says in the run log which link is left out for the name that it leads to. */
-std::optional<disk::ByIdLink> parseLink(const std::string& line);
+/** Reads the lines of a listing; says in the run log which links are left out for the names they lead to. */
+class LinkReader
+{
+public:
+    LinkReader() = default;
+    ~LinkReader();
+    LinkReader(const LinkReader&) = delete;
+    LinkReader& operator=(const LinkReader&) = delete;
+
+    std::optional<disk::ByIdLink> parse(const std::string& line);
+
+private:
+    FewLines m_unusual{OS_LOG_WARN};
+};
 
 /** Reads the size and state of a disk again into the kernel. */
 void rescanDevice(const std::string& path);
