@@ -28,13 +28,27 @@ bool holdsCertificate(const std::string& file)
     return certificate != nullptr;
 }
 
+using Manager = std::unique_ptr<CDeviceManager, decltype(&CDeviceManager::releaseInstance)>;
+
+Manager makeManager()
+{
+    return {CDeviceManager::getInstance(0, 0), CDeviceManager::releaseInstance};
+}
+
+/** Asks for what needs a session, without one: an array that refuses it is reached. */
+void askWithoutSession(const ArrayAddress& address)
+{
+    const Manager manager = makeManager();
+    manager->useConnection(address.ip, address.port, "none", "none", "none");
+    manager->keepAlive();
+}
+
 } // namespace
 
 Findings checkLogs(Context&)
 {
     // Logging starts with a device manager, and finds its directory then.
-    const std::unique_ptr<CDeviceManager, decltype(&CDeviceManager::releaseInstance)> manager(
-        CDeviceManager::getInstance(0, 0), CDeviceManager::releaseInstance);
+    const Manager manager = makeManager();
     const std::string directory = Log_Directory();
     if (directory.empty()) {
         return {{Verdict::WARNING, "log directory", "none can be written",
@@ -79,13 +93,13 @@ Findings checkArray(Context& context)
     } catch (const std::exception& error) {
         session = {Verdict::FAILURE, "session", "none", outcomeOf(error).message};
     }
+    if (session.verdict != Verdict::OK && !ovra::tessel::lastFailure()) { // nothing was sent
+        askWithoutSession(address);
+    }
     const auto failure = ovra::tessel::lastFailure();
     const std::string advice = transportAdvice(failure, address.text());
     if (!advice.empty()) {
         return {{Verdict::FAILURE, name, "not reached", advice}};
-    }
-    if (session.verdict != Verdict::OK && !failure) {
-        return {session}; // nothing was sent
     }
     return {{Verdict::OK, name, "reached and trusted", ""}, session};
 }

@@ -120,4 +120,28 @@ TEST_F(HostTest, DoctorLooksAtTheWayToTheArray)
     EXPECT_EQ(checkOf(cli.json({"doctor"}), "session")["verdict"], "failure");
 }
 
+TEST_F(HostTest, DoctorTellsWithoutAUserWhetherTheArrayAnswers)
+{
+    const std::string address = cli.environment["TESSEL_ARRAY"];
+    for (const char* const name : {"TESSEL_USER", "TESSEL_PASSWORD"}) {
+        cli.environment[name] = "";
+    }
+    const Outcome reached = cli.json({"doctor"});
+    EXPECT_EQ(checkOf(reached, "array")["verdict"], "ok") << reached.out;
+    EXPECT_EQ(checkOf(reached, "array")["found"], "reached and trusted");
+    EXPECT_EQ(checkOf(reached, "session")["verdict"], "failure");
+    EXPECT_THAT(checkOf(reached, "session")["advice"].asString(), HasSubstr("no user is named"));
+
+    const Json::Value silent = checkOf(cli.json({"doctor", "--array", "127.0.0.1:1"}), "array");
+    EXPECT_EQ(silent["found"], "not reached");
+    EXPECT_THAT(silent["advice"].asString(), HasSubstr("nothing listens there"));
+
+    cli.environment["OVRA_REST_PINNED_KEY"] = "";
+    cli.environment["OVRA_REST_CA_FILE"] = "";
+    const Json::Value stranger = checkOf(cli.json({"doctor"}), "array");
+    EXPECT_EQ(stranger["verdict"], "failure");
+    EXPECT_THAT(stranger["advice"].asString(), HasSubstr("is not trusted"));
+    EXPECT_THAT(stranger["advice"].asString(), HasSubstr("tesselctl fingerprint " + address));
+}
+
 } // namespace
