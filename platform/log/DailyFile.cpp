@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <optional>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -79,7 +81,11 @@ int openForAppending(const std::string& path)
 
 ssize_t writeOnce(int descriptor, std::string_view bytes)
 {
-    const FileSizeSignalGuard guard;
+    std::optional<FileSizeSignalGuard> guard;
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY) {
+        guard.emplace();
+    }
     ssize_t written = -1;
     do {
         errno = 0;
@@ -103,7 +109,7 @@ int DailyFile::prepare(std::chrono::system_clock::time_point time)
 {
     const Date date = Date::of(time);
     if (m_descriptor >= 0 && date == m_date && stillThere() &&
-        (m_process == getpid() || !m_place.limits.areSet())) {
+        (!m_place.limits.areSet() || m_process == getpid())) {
         return 0;
     }
     return open(date);

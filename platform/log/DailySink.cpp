@@ -24,13 +24,34 @@ public:
     }
 };
 
+/** Asking the kernel for each line would cost as much as writing it does in memory. */
+class ProcessFlag final : public spdlog::custom_flag_formatter
+{
+public:
+    explicit ProcessFlag(std::shared_ptr<const int> number) : m_number(std::move(number)) {}
+
+    void format(const spdlog::details::log_msg&, const tm&, spdlog::memory_buf_t& line) override
+    {
+        const std::string text = std::to_string(*m_number);
+        line.append(text.data(), text.data() + text.size());
+    }
+
+    std::unique_ptr<spdlog::custom_flag_formatter> clone() const override
+    {
+        return std::make_unique<ProcessFlag>(m_number);
+    }
+
+private:
+    const std::shared_ptr<const int> m_number;
+};
+
 } // namespace
 
 DailySink::DailySink(const std::string& pattern, std::string prefix, Place place)
     : m_file(std::move(prefix), std::move(place))
 {
     auto formatter = std::make_unique<spdlog::pattern_formatter>();
-    formatter->add_flag<LevelFlag>('K').set_pattern(pattern);
+    formatter->add_flag<LevelFlag>('K').add_flag<ProcessFlag>('P', m_process).set_pattern(pattern);
     set_formatter(std::move(formatter));
 }
 

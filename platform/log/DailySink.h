@@ -6,6 +6,8 @@
 #include <spdlog/details/null_mutex.h>
 #include <spdlog/sinks/base_sink.h>
 
+#include <memory>
+
 namespace ovra::log {
 
 /** Formats records and appends each of them to the file of its day. Not thread-safe: its owner locks. */
@@ -20,11 +22,15 @@ public:
 
     DailyFile& file() { return m_file; }
 
+    /** The number that %P writes from now on. */
+    void setProcess(int number) { *m_process = number; }
+
 private:
     void sink_it_(const spdlog::details::log_msg& record) override;
     void flush_() override {}
 
     DailyFile m_file;
+    std::shared_ptr<int> m_process = std::make_shared<int>(0); ///< the formatter's too
     int m_lastError = 0;
 };
 

@@ -17,6 +17,14 @@ void appendBytes(std::string& line, std::string_view bytes)
     }
 }
 
+/// How many characters the text begins with that nothing is done to, whatever they are within: nearly all
+/// there are.
+size_t lengthOfPlain(std::string_view text)
+{
+    const auto isPlain = [](char c) { return c > ' ' && c < '\x7F' && c != '\\' && c != '"'; };
+    return static_cast<size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
+}
+
 void appendSingle(std::string& line, char character, Within within)
 {
     switch (character) {
@@ -50,11 +58,23 @@ void appendSingle(std::string& line, char character, Within within)
 std::string escaped(std::string_view text, Within within)
 {
     std::string line;
-    if (text.empty() && within == Within::Word) {
-        line = "-";
-    }
     line.reserve(text.size());
+    appendEscaped(line, text, within);
+    return line;
+}
+
+void appendEscaped(std::string& line, std::string_view text, Within within)
+{
+    if (text.empty() && within == Within::Word) {
+        line += '-';
+    }
     while (!text.empty()) {
+        const size_t plain = lengthOfPlain(text);
+        line.append(text.data(), plain);
+        text.remove_prefix(plain);
+        if (text.empty()) {
+            return;
+        }
         const auto [code, length] = utf8Character(text);
         const std::string_view bytes = text.substr(0, std::max<size_t>(length, 1));
         if (length == 1) {
@@ -66,7 +86,6 @@ std::string escaped(std::string_view text, Within within)
         }
         text.remove_prefix(bytes.size());
     }
-    return line;
 }
 
 } // namespace ovra::log

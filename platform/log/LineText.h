@@ -20,6 +20,9 @@ enum class Within
  */
 std::string escaped(std::string_view text, Within within);
 
+/** The same, put behind a line that was begun. */
+void appendEscaped(std::string& line, std::string_view text, Within within);
+
 } // namespace ovra::log
 
 #endif

@@ -17,6 +17,7 @@ constexpr std::uint64_t MIB = 1024UL * 1024;
 // What is asked for by who has not found this library's own file: it is a part of the program itself.
 constexpr const char* NOWHERE = "/logs/";
 constexpr const char* SYSTEM_CONFIGURATION = "/etc/ovra/Tessel_API.ini";
+constexpr size_t USUAL_RECORD = 300; // characters of an interface record
 constexpr std::string_view OWN_NAME = "Ovra-Log-API";
 
 constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAMES = {
@@ -28,7 +29,22 @@ constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAME
 
 [[maybe_unused]] const int registered = pthread_atfork([] { LogService::ofProcess().lockForFork(); },
                                                        [] { LogService::ofProcess().unlockAfterFork(); },
-                                                       [] { LogService::ofProcess().unlockAfterFork(); });
+                                                       [] { LogService::ofProcess().unlockInChild(); });
+
+/// The number of this thread; asked for once, and again in a child.
+size_t threadOf(int process)
+{
+    struct Thread
+    {
+        int process;
+        pid_t number;
+    };
+    thread_local Thread t_thread = {0, 0};
+    if (t_thread.process != process) {
+        t_thread = {process, gettid()};
+    }
+    return static_cast<size_t>(t_thread.number);
+}
 
 std::string message(int error)
 {
@@ -38,8 +54,14 @@ std::string message(int error)
 } // namespace
 
 LogService::LogService(Clock clock, Directory userDirectory)
-    : m_clock(std::move(clock)), m_userDirectory(std::move(userDirectory))
+    : m_clock(std::move(clock)), m_userDirectory(std::move(userDirectory)), m_process(getpid())
 {
+}
+
+void LogService::unlockInChild()
+{
+    m_process = getpid();
+    m_mutex.unlock();
 }
 
 LogService& LogService::ofProcess()
@@ -115,9 +137,11 @@ void LogService::interfaceCall(spdlog::level::level_enum level, const InterfaceR
         return;
     }
     std::string text;
+    text.reserve(USUAL_RECORD);
     for (size_t i = 0; i < record.size(); ++i) {
-        text += i == 0 ? "" : " ";
-        text.append(FIELD_NAMES[i]).append("=\"").append(escaped(record[i], Within::Quotes)).append("\"");
+        text.append(i == 0 ? "" : " ").append(FIELD_NAMES[i]).append("=\"");
+        appendEscaped(text, record[i], Within::Quotes);
+        text += '"';
     }
     write(m_logs->interface, level, "", text);
 }
@@ -170,7 +194,8 @@ void LogService::write(DailySink& sink, spdlog::level::level_enum level, std::st
 {
     spdlog::details::log_msg record({product.data(), product.size()}, level, {text.data(), text.size()});
     record.time = m_clock();
-    record.thread_id = static_cast<size_t>(gettid());
+    record.thread_id = threadOf(m_process);
+    sink.setProcess(m_process);
     sink.log(record);
     if (sink.lastError() == 0) {
         return;
@@ -192,7 +217,7 @@ void LogService::warn(const std::string& text)
 
 void LogService::tellAboutDirectory()
 {
-    const std::string used = m_logs->run.file().directory();
+    const std::string& used = m_logs->run.file().directory();
     if (used.empty() || used == m_directoryInUse) {
         return;
     }

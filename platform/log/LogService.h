@@ -38,6 +38,7 @@ public:
     /** Around a fork, so that the child finds the logs whole and not locked. */
     void lockForFork() { m_mutex.lock(); }
     void unlockAfterFork() { m_mutex.unlock(); }
+    void unlockInChild();
 
     /** @return 0, or -1 when no directory can be written; the product is started all the same. */
     int start(const std::string& product, const std::string& iniFile, const std::string& directory);
@@ -89,6 +90,7 @@ private:
     const char* m_directory = "";        ///< the one told last
     std::string m_directoryInUse;
     std::unique_ptr<Logs> m_logs; ///< null while no product is started
+    int m_process;                ///< this one's number
     unsigned long m_dropsToTell = 0;
     int m_dropReason = 0;
 };

@@ -1,5 +1,7 @@
 #include "Answer.h"
 
+#include "LibraryLock.h"
+
 #include <json/reader.h>
 
 #include <charconv>
@@ -7,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <system_error>
+#include <vector>
 
 namespace ovra::rest {
 
@@ -35,25 +38,59 @@ void wipeTexts(const Json::Value& value)
     }
 }
 
+using Reader = std::unique_ptr<Json::CharReader>;
+
+Reader makeReader()
+{
+    Json::CharReaderBuilder builder;
+    Json::CharReaderBuilder::strictMode(&builder.settings_);
+    builder["rejectDupKeys"] = true;
+    builder["failIfExtra"] = true;
+    builder["stackLimit"] = DEEPEST_NESTING;
+    return Reader(builder.newCharReader());
+}
+
+/** Readers that are free: to make one costs a third of reading a record. As many as have read at the same
+ * time. */
+std::vector<Reader>& freeReaders()
+{
+    return processWide<std::vector<Reader>>();
+}
+
+Reader takeReader()
+{
+    {
+        const std::lock_guard<std::mutex> lock(libraryMutex());
+        if (!freeReaders().empty()) {
+            Reader reader = std::move(freeReaders().back());
+            freeReaders().pop_back();
+            return reader;
+        }
+    }
+    return makeReader();
+}
+
+void keep(Reader reader)
+{
+    const std::lock_guard<std::mutex> lock(libraryMutex());
+    freeReaders().push_back(std::move(reader));
+}
+
 std::optional<SecretValue> parseStrictly(std::string_view text)
 {
     // The reader takes a NUL for the end of the text.
     if (text.find('\0') != std::string_view::npos) {
         return std::nullopt;
     }
-    Json::CharReaderBuilder builder;
-    Json::CharReaderBuilder::strictMode(&builder.settings_);
-    builder["rejectDupKeys"] = true;
-    builder["failIfExtra"] = true;
-    builder["stackLimit"] = DEEPEST_NESTING;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Reader reader = takeReader();
     std::optional<SecretValue> value(std::in_place);
     try {
         if (!reader->parse(text.data(), text.data() + text.size(), &*value, nullptr)) {
-            return std::nullopt;
+            value.reset();
         }
+        keep(std::move(reader));
     } catch (const Json::Exception&) {
-        return std::nullopt; // nested too deep
+        return std::nullopt; // nested too deep: the reader stopped in the middle, and is not used again
     }
     return value;
 }

@@ -9,21 +9,35 @@
 #include <openssl/crypto.h>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace ovra::rest {
 
 namespace {
 
-constexpr size_t MOST_IDLE = 16;
+constexpr size_t MOST_IDLE_OF_SERVER = 64;
+constexpr rlim_t MOST_IDLE = 512;
+constexpr rlim_t FEWEST_IDLE = 16;
+constexpr rlim_t SHARE_OF_DESCRIPTORS = 4; ///< the rest are the application's
 /// libcurl does not use a connection that was idle for longer (CURLOPT_MAXAGE_CONN).
 constexpr auto LONGEST_IDLE = std::chrono::seconds(118);
+constexpr auto BETWEEN_LOOKS = std::chrono::seconds(1); ///< for those, among hundreds
 
 /// OpenSSL's own exit handler would take it away under threads that still send and under static destructors
 /// that log out. It is registered by whoever starts OpenSSL first: therefore when this library is loaded.
 __attribute__((constructor)) void startTlsWithoutExitHandler()
 {
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+}
+
+/// Of all servers: what the process may open, divided with the application.
+size_t mostIdle()
+{
+    rlimit open = {};
+    return getrlimit(RLIMIT_NOFILE, &open) != 0
+               ? FEWEST_IDLE
+               : std::clamp(open.rlim_cur / SHARE_OF_DESCRIPTORS, FEWEST_IDLE, MOST_IDLE);
 }
 
 void makeHandles(Connection& connection)
@@ -66,7 +80,7 @@ ConnectionPool& ConnectionPool::instance()
     return processWide<ConnectionPool>();
 }
 
-ConnectionPool::ConnectionPool()
+ConnectionPool::ConnectionPool() : m_most(mostIdle())
 {
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
         throw std::runtime_error("libcurl cannot be started");
@@ -77,21 +91,22 @@ ConnectionPool::ConnectionPool()
 
 Connection ConnectionPool::take(const std::string& key)
 {
-    Connection taken = {key, nullptr, nullptr, CURL_SOCKET_BAD, 0, getpid()};
+    Connection taken;
     {
+        const pid_t self = getpid();
         const std::lock_guard<std::mutex> lock(libraryMutex());
-        leaveToParent();
-        taken.generation = m_generation;
-        const auto found = std::find_if(m_idle.rbegin(), m_idle.rend(),
-                                        [&](const Idle& idle) { return idle.connection.key == key; });
-        if (found != m_idle.rend()) {
-            taken.multi = std::move(found->connection.multi);
-            taken.handle = std::move(found->connection.handle);
-            taken.socket = found->connection.socket;
-            m_idle.erase(std::next(found).base());
+        leaveToParent(self);
+        const auto list = m_idle.find(key);
+        if (list != m_idle.end() && !list->second.empty()) {
+            taken = std::move(list->second.back().connection);
+            m_spare.splice(m_spare.end(), list->second, std::prev(list->second.end()));
+            --m_count;
         }
+        taken.generation = m_generation;
+        taken.owner = self;
     }
     if (!taken.handle) {
+        taken.key = key;
         makeHandles(taken);
     }
     return taken;
@@ -99,29 +114,50 @@ Connection ConnectionPool::take(const std::string& key)
 
 void ConnectionPool::giveBack(Connection connection)
 {
-    IdleList node;
-    node.push_back(Idle{std::move(connection), Clock::now()});
+    IdleList node = makeNode();
+    node.front() = Idle{std::move(connection), Clock::now()};
     IdleList surplus; // closed after the lock was released
+    const pid_t self = getpid();
     const std::lock_guard<std::mutex> lock(libraryMutex());
-    leaveToParent();
+    leaveToParent(self);
     const Connection& given = node.front().connection;
     if (given.owner != m_owner) {
         m_parents.splice(m_parents.end(), node);
     } else if (m_ended || given.generation != m_generation) {
         surplus.splice(surplus.end(), node);
     } else {
-        m_idle.splice(m_idle.end(), node);
+        IdleList& list = m_idle[given.key];
+        list.splice(list.end(), node);
+        ++m_count;
+        takeSurplus(list, surplus);
     }
-    surplus.splice(surplus.end(), takeSurplus());
+}
+
+/// A node for a connection; the one that it was taken out of, mostly.
+ConnectionPool::IdleList ConnectionPool::makeNode()
+{
+    IdleList node;
+    {
+        const std::lock_guard<std::mutex> lock(libraryMutex());
+        if (!m_spare.empty()) {
+            node.splice(node.end(), m_spare, m_spare.begin());
+        }
+    }
+    if (node.empty()) {
+        node.emplace_back();
+    }
+    return node;
 }
 
 void ConnectionPool::clear()
 {
-    IdleList closed; // after the lock was released
+    std::map<std::string, IdleList> closed; // after the lock was released
+    const pid_t self = getpid();
     const std::lock_guard<std::mutex> lock(libraryMutex());
-    leaveToParent();
+    leaveToParent(self);
     ++m_generation;
     closed.swap(m_idle);
+    m_count = 0;
 }
 
 void ConnectionPool::end()
@@ -133,25 +169,48 @@ void ConnectionPool::end()
     clear();
 }
 
-void ConnectionPool::leaveToParent()
+void ConnectionPool::leaveToParent(pid_t self)
 {
-    const pid_t self = getpid();
     if (m_owner == self) {
         return;
     }
     // Closing them would send a TLS close on connections that the parent still uses.
-    m_parents.splice(m_parents.end(), m_idle);
+    for (auto& list : m_idle) {
+        m_parents.splice(m_parents.end(), list.second);
+    }
+    m_idle.clear();
+    m_count = 0;
     m_owner = self;
 }
 
-ConnectionPool::IdleList ConnectionPool::takeSurplus()
+/// Those that are too many of the server that one was given back of, too many of all, or too old.
+void ConnectionPool::takeSurplus(IdleList& given, IdleList& surplus)
 {
-    const Clock::time_point oldest = Clock::now() - LONGEST_IDLE;
-    IdleList surplus;
-    while (!m_idle.empty() && (m_idle.size() > MOST_IDLE || m_idle.front().since < oldest)) {
-        surplus.splice(surplus.end(), m_idle, m_idle.begin());
+    const auto takeOldest = [&](IdleList& list) {
+        surplus.splice(surplus.end(), list, list.begin());
+        --m_count;
+    };
+    const Clock::time_point now = given.back().since;
+    if (given.size() > MOST_IDLE_OF_SERVER) {
+        takeOldest(given);
     }
-    return surplus;
+    const auto isOlder = [](const Lists::value_type& one, const Lists::value_type& other) {
+        return !one.second.empty() &&
+               (other.second.empty() || one.second.front().since < other.second.front().since);
+    };
+    while (m_count > m_most) {
+        takeOldest(std::min_element(m_idle.begin(), m_idle.end(), isOlder)->second);
+    }
+    if (now - m_lookedAt < BETWEEN_LOOKS) {
+        return;
+    }
+    m_lookedAt = now;
+    for (auto list = m_idle.begin(); list != m_idle.end();) {
+        while (!list->second.empty() && list->second.front().since < now - LONGEST_IDLE) {
+            takeOldest(list->second);
+        }
+        list = list->second.empty() ? m_idle.erase(list) : std::next(list);
+    }
 }
 
 } // namespace ovra::rest

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <list>
+#include <map>
 #include <memory>
 #include <string>
 #include <sys/types.h>
@@ -33,6 +34,7 @@ struct Connection
     curl_socket_t socket = CURL_SOCKET_BAD; ///< of the idle connection, if there is one
     unsigned long generation = 0;           ///< of the pool when it was taken
     pid_t owner = 0;                        ///< process that made the connection
+    bool isSet = false;                     ///< the handle has the options that follow from the key
 };
 
 /**
@@ -41,7 +43,7 @@ struct Connection
  */
 bool isQuiet(const Connection& connection);
 
-/** Idle connections of the process, the one used last first. */
+/** Idle connections of the process, of each server and trust the one used last first. */
 class ConnectionPool
 {
 public:
@@ -69,11 +71,17 @@ private:
         Clock::time_point since;
     };
     using IdleList = std::list<Idle>;
+    using Lists = std::map<std::string, IdleList>;
 
-    void leaveToParent();
-    IdleList takeSurplus();
+    IdleList makeNode();
+    void leaveToParent(pid_t self);
+    void takeSurplus(IdleList& given, IdleList& surplus);
 
-    IdleList m_idle; ///< oldest first
+    Lists m_idle;                   ///< by key; oldest first
+    IdleList m_spare;               ///< nodes without a connection
+    size_t m_count = 0;             ///< of all idle ones
+    const size_t m_most;            ///< of all
+    Clock::time_point m_lookedAt{}; ///< for those that have grown too old
     IdleList m_parents;
     unsigned long m_generation = 0;
     pid_t m_owner = 0;

@@ -65,7 +65,9 @@ void HeaderLines::add(std::string_view line)
         line.remove_suffix(1);
     }
     if (!m_inHead && line.substr(0, 5) == "HTTP/") {
+        constexpr size_t USUAL = 8;
         m_lines.clear();
+        m_lines.reserve(USUAL);
         m_inHead = true;
         return;
     }

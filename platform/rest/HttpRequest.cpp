@@ -20,7 +20,8 @@ size_t HttpRequest::headBytes() const
     constexpr std::string_view OTHER_LINES =
         "DELETE  HTTP/1.1\r\nHost: \r\nAccept: */*\r\n\r\n"
         "Content-Type: application/json\r\nContent-Length: 1234567890\r\n";
-    size_t bytes = OTHER_LINES.size() + server.origin().size() + target.size();
+    constexpr std::string_view PORT = ":65535";
+    size_t bytes = OTHER_LINES.size() + server.host.size() + PORT.size() + target.size();
     for (const auto& [name, value] : headers) {
         bytes += name.size() + value.size() + strlen(": \r\n");
     }

@@ -16,10 +16,11 @@ public:
     {
         sigemptyset(&m_pipe);
         sigaddset(&m_pipe, SIGPIPE);
-        sigset_t pending;
-        sigpending(&pending);
-        m_wasPending = sigismember(&pending, SIGPIPE) == 1;
         pthread_sigmask(SIG_BLOCK, &m_pipe, &m_before);
+        sigset_t pending;
+        // Only a signal that was blocked before can wait already.
+        m_wasPending = sigismember(&m_before, SIGPIPE) == 1 && sigpending(&pending) == 0 &&
+                       sigismember(&pending, SIGPIPE) == 1;
     }
 
     ~SigpipeGuard()

@@ -12,8 +12,10 @@ namespace {
 
 std::string connectionKey(const ServerAddress& server, const RestSettings& settings)
 {
-    return server.origin() + '\n' + settings.caFile + '\n' + settings.pinnedKey + '\n' +
-           (settings.insecure ? "insecure" : "");
+    std::string key = server.origin();
+    key.reserve(key.size() + settings.caFile.size() + settings.pinnedKey.size() + sizeof("\n\n\ninsecure"));
+    key.append("\n").append(settings.caFile).append("\n").append(settings.pinnedKey);
+    return key.append(settings.insecure ? "\ninsecure" : "\n");
 }
 
 } // namespace
@@ -41,13 +43,17 @@ int Transfer::perform()
 CURLcode Transfer::attempt(Reuse reuse)
 {
     forgetAnswer();
-    const HeaderList headers = makeHeaderList(m_request);
+    HeaderList headers(m_request);
     Connection connection = ConnectionPool::instance().take(connectionKey(m_request.server, m_settings));
     CURL* const handle = connection.handle.get();
     const auto elapsed = std::chrono::steady_clock::now() - m_started;
+    if (!connection.isSet) { // once: the key tells the server and the trust
+        setServer(handle, m_request.server);
+        setTrust(handle, m_settings);
+        setConfinement(handle);
+        connection.isSet = true;
+    }
     setRequest(handle, m_request, headers.get());
-    setTrust(handle, m_settings);
-    setConfinement(handle);
     setTimeouts(handle, m_settings, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed), m_call);
     const bool fresh = reuse == Reuse::Forbidden || !isQuiet(connection);
     setOption(handle, CURLOPT_FRESH_CONNECT, fresh ? 1L : 0L);

@@ -13,35 +13,25 @@ namespace {
 constexpr long ON = 1;
 constexpr long OFF = 0;
 
-const char* methodName(REST_REQUEST_MODE_E method)
+/** The name of a method that libcurl has no option for; null for the others. */
+const char* nameOfUnusual(REST_REQUEST_MODE_E method)
 {
     switch (method) {
-    case REST_POST:
-        return "POST";
     case REST_PUT:
         return "PUT";
     case REST_DELETE:
         return "DELETE";
+    case REST_POST:
     case REST_GET:
         break;
     }
-    return "GET";
+    return nullptr;
 }
 
 curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address)
 {
     // The shell commands that the application runs must not inherit the connection.
     return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-}
-
-void append(HeaderList& list, const char* line)
-{
-    curl_slist* extended = curl_slist_append(list.get(), line);
-    if (extended == nullptr) {
-        throw std::bad_alloc();
-    }
-    static_cast<void>(list.release());
-    list.reset(extended);
 }
 
 /// No limit is a very long one: 0 would mean a default of libcurl's own for connecting.
@@ -53,33 +43,29 @@ long milliseconds(long seconds)
 
 } // namespace
 
-void WipeAndFreeList::operator()(curl_slist* list) const
+HeaderList::HeaderList(const HttpRequest& request)
 {
-    for (curl_slist* item = list; item != nullptr; item = item->next) {
-        explicit_bzero(item->data, strlen(item->data));
-    }
-    curl_slist_free_all(list);
-}
-
-HeaderList makeHeaderList(const HttpRequest& request)
-{
-    HeaderList list;
-    append(list, "Content-Type: application/json");
-    append(list, "Expect:"); // a large body is sent at once
+    constexpr std::string_view ALWAYS("Content-Type: application/json\0Expect:",
+                                      38); // a large body is sent at once
+    m_text.reserve(request.headBytes());
+    m_text.append(ALWAYS).push_back('\0');
     for (const auto& [name, given] : request.headers) {
         const std::string_view value = withoutOuterBlanks(given);
-        if (value.empty()) {
-            continue;
+        if (!value.empty()) {
+            m_text.append(name).append(": ").append(value).push_back('\0');
         }
-        append(list, SecretText(name).append(": ").append(value).c_str());
     }
-    return list;
+    m_items.resize(static_cast<size_t>(std::count(m_text.begin(), m_text.end(), '\0')));
+    char* line = m_text.data();
+    for (curl_slist& item : m_items) {
+        const bool isLast = &item == &m_items.back();
+        item = {line, isLast ? nullptr : &item + 1};
+        line += strlen(line) + 1;
+    }
 }
 
 void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers)
 {
-    setOption(handle, CURLOPT_URL, (request.server.origin() + "/").c_str());
-    setOption(handle, CURLOPT_PATH_AS_IS, ON);
     setOption(handle, CURLOPT_REQUEST_TARGET, request.target.c_str());
     if (request.body) {
         setOption(handle, CURLOPT_POST, ON);
@@ -88,7 +74,7 @@ void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers)
     } else {
         setOption(handle, CURLOPT_HTTPGET, ON);
     }
-    setOption(handle, CURLOPT_CUSTOMREQUEST, methodName(request.method));
+    setOption(handle, CURLOPT_CUSTOMREQUEST, nameOfUnusual(request.method));
     setOption(handle, CURLOPT_HTTPHEADER, headers);
 }
 
@@ -116,6 +102,12 @@ void setTrust(CURL* handle, const RestSettings& settings)
     setOption(handle, CURLOPT_CAINFO, settings.caFile.c_str());
     // The system's own authorities are not trusted beside it.
     setOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+}
+
+void setServer(CURL* handle, const ServerAddress& server)
+{
+    setOption(handle, CURLOPT_URL, (server.origin() + "/").c_str());
+    setOption(handle, CURLOPT_PATH_AS_IS, ON);
 }
 
 void setConfinement(CURL* handle)

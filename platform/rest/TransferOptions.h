@@ -8,9 +8,9 @@
 
 #include <chrono>
 #include <curl/curl.h>
-#include <memory>
 #include <new>
 #include <stdexcept>
+#include <vector>
 
 namespace ovra::rest {
 
@@ -27,21 +27,30 @@ void setOption(CURL* handle, CURLoption option, Value value)
     }
 }
 
-struct WipeAndFreeList
+/** The request's header lines for libcurl, in one piece; they must outlive the transfer. */
+class HeaderList
 {
-    void operator()(curl_slist* list) const;
+public:
+    explicit HeaderList(const HttpRequest& request);
+    HeaderList(const HeaderList&) = delete;
+    HeaderList& operator=(const HeaderList&) = delete;
+
+    curl_slist* get() { return m_items.data(); }
+
+private:
+    SecretText m_text; ///< the lines, each with its NUL
+    std::vector<curl_slist> m_items;
 };
-using HeaderList = std::unique_ptr<curl_slist, WipeAndFreeList>;
 
-/** The request's header lines for libcurl; they must outlive the transfer. */
-HeaderList makeHeaderList(const HttpRequest& request);
+/** Where a handle sends to. */
+void setServer(CURL* handle, const ServerAddress& server);
 
-/** What is sent, and where to. */
+/** What is sent. */
 void setRequest(CURL* handle, const HttpRequest& request, curl_slist* headers);
 
 /**
- * Takes what belongs to one request out of a handle that is kept. Everything else is set anew by the next
- * one, and is the same for it. (curl_easy_reset may fail half way without a word, and spoil the handle.)
+ * Takes what belongs to one request out of a handle that is kept. What the next one does not set anew is the
+ * same for it. (curl_easy_reset may fail half way without a word, and spoil the handle.)
  */
 void forgetRequest(CURL* handle);
 

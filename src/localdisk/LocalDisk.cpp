@@ -46,12 +46,19 @@ struct LocalDisk::State
         show();
         const Ways ways = waysOf(job, initiator, hostID);
         requireOnline(job, initiator, ways);
+        proved = prove(
+            job, [&] { return find(ways); }, Sizes::GROWN);
+    }
+
+    /** What is there; scans where a way has none. */
+    std::vector<disk::ScsiDisk> find(const Ways& ways)
+    {
         std::vector<disk::ScsiDisk> ours = lookForOurs(job, ways.all).ours;
         if (ours.size() < ways.online.size()) {
             const HostTransaction transaction(job.options.lockSeconds);
             ours = findDisks(job, ways, [this] { show(); });
         }
-        proved = prove(job, ours, Sizes::GROWN);
+        return ours;
     }
 
     void show() { hostID = ensureVisible(*job.manager, job.volume, initiator, job.options.access).hostID; }
@@ -60,14 +67,20 @@ struct LocalDisk::State
     void look(Sizes sizes)
     {
         hostID = hostID.empty() ? hostOf(job, initiator) : hostID;
-        const Sight sight = lookForOurs(job, waysOf(job, initiator, hostID).all);
-        if (!sight.foreign.empty()) {
-            job.fail(sight.foreign.front());
-        }
-        if (sight.ours.empty()) {
-            job.fail("no disk of this host answers as it");
-        }
-        proved = prove(job, sight.ours, sizes);
+        const Ways ways = waysOf(job, initiator, hostID);
+        proved = prove(
+            job,
+            [&] {
+                const Sight sight = lookForOurs(job, ways.all);
+                if (!sight.foreign.empty()) {
+                    job.fail(sight.foreign.front());
+                }
+                if (sight.ours.empty()) {
+                    job.fail("no disk of this host answers as it");
+                }
+                return sight.ours;
+            },
+            sizes);
     }
 
     void tellFound(Observation& seen) const
@@ -246,7 +259,8 @@ void verifyDisk(CDeviceManager& manager, const StorageObject& volume, const std:
         if (paths.empty()) {
             job.fail(device + " has no path that works");
         }
-        const ProvedDisk proved = prove(job, paths, Sizes::PROVED);
+        const ProvedDisk proved = prove(
+            job, [&] { return paths; }, Sizes::PROVED);
         if (single && !single->map.empty()) {
             job.fail(device + " is one path of " + proved.path + ": use that");
         }

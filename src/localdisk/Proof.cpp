@@ -22,6 +22,14 @@ std::string bytesText(std::uint64_t bytes)
     return std::to_string(bytes) + " bytes";
 }
 
+/** Was taken away while it was looked at: what was found before is not so any more. */
+struct DiskWent
+{
+    std::string disk;
+};
+
+constexpr unsigned MOST_TRIES = 5; ///< a process that was killed may leave that many disks that go yet
+
 class Prover
 {
 public:
@@ -63,14 +71,14 @@ public:
     }
 
 private:
-    /** The paths as they are now; one that went meanwhile is an error, since it has just answered. */
+    /** The paths as they are now. */
     std::vector<disk::ScsiDisk> disks() const
     {
         std::vector<disk::ScsiDisk> found;
         for (const std::string& name : m_names) {
             const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
             if (!disk) {
-                m_job.fail("/dev/" + name + " has gone while it was looked at; call again");
+                throw DiskWent{name};
             }
             found.push_back(*disk);
         }
@@ -82,6 +90,7 @@ private:
         for (const std::string& name : m_names) {
             const std::string difference = differenceOf(m_job, name);
             if (!difference.empty()) {
+                static_cast<void>(disks()); // says so when it has gone
                 m_job.fail(difference + " by now; call again");
             }
         }
@@ -218,9 +227,17 @@ private:
 
 } // namespace
 
-ProvedDisk prove(const DiskJob& job, const std::vector<disk::ScsiDisk>& ours, Sizes sizes)
+ProvedDisk prove(const DiskJob& job, const FindDisks& find, Sizes sizes)
 {
-    return Prover(job, ours, sizes).run();
+    for (unsigned tries = 1;; ++tries) {
+        try {
+            return Prover(job, find(), sizes).run();
+        } catch (const DiskWent& gone) {
+            if (tries == MOST_TRIES) {
+                job.fail("/dev/" + gone.disk + " has gone while it was looked at; call again");
+            }
+        }
+    }
 }
 
 std::string foreignPath(const DiskJob& job, const std::string& name)

@@ -5,6 +5,7 @@
 
 #include <ovra/disk/ScsiDisks.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,11 +25,14 @@ enum class Sizes
     GROWN   ///< is taken over first
 };
 
+/** Gives the disks that have answered as the object. */
+using FindDisks = std::function<std::vector<disk::ScsiDisk>()>;
+
 /**
- * Proves disks that have answered as the object, and the map on them, which is waited for when it is coming.
- * Throws, with the name of what differs.
+ * Finds the disks and proves them, and the map on them, which is waited for when it is coming. Finds again
+ * when one goes meanwhile. Throws, with the name of what differs.
  */
-ProvedDisk prove(const DiskJob& job, const std::vector<disk::ScsiDisk>& ours, Sizes sizes);
+ProvedDisk prove(const DiskJob& job, const FindDisks& find, Sizes sizes);
 
 /** Why a path of a map may not be one; "" when it may: it is the object, or was it and is dead now. */
 std::string foreignPath(const DiskJob& job, const std::string& name);

@@ -102,6 +102,10 @@ std::vector<std::string> usesOf(const std::vector<disk::ScsiDisk>& disks,
 void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit,
                bool isForced)
 {
+    const auto hasGone = [&](const std::string& name) { // another removal of it ends just now
+        return std::any_of(disks.begin(), disks.end(),
+                           [&](const disk::ScsiDisk& disk) { return disk.name == name && !isThere(disk); });
+    };
     const auto tell = [&](const std::string& what, const std::string& problem, bool isLost) {
         if (problem.empty()) {
             return;
@@ -122,7 +126,8 @@ void writeBack(const DiskJob& job, const std::vector<disk::ScsiDisk>& disks, std
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
         const std::string device = "/dev/" + *node;
         if (disk::canAnswer(*node)) {
-            tell(device, writeBackWithin(limit, [device] { return writeBackDevice(device); }), false);
+            const std::string problem = writeBackWithin(limit, [device] { return writeBackDevice(device); });
+            tell(device, problem, hasGone(*node));
         } else { // nothing brings its data to it any more
             tell(device, "it is not running", true);
         }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <tuple>
@@ -53,9 +54,16 @@ inline uint64_t saturatedSum(uint64_t a, uint64_t b)
 
 namespace readers {
 
-inline std::string text(Json::Value& record, const char* key)
+/** A member's value; null when it is missing. */
+inline const Json::Value* find(const Json::Value& record, const char* key)
 {
-    return record[key].asString();
+    return record.find(key, key + std::strlen(key));
+}
+
+inline std::string text(const Json::Value& record, const char* key)
+{
+    const Json::Value* const value = find(record, key);
+    return value != nullptr ? value->asString() : std::string();
 }
 
 inline void asText(std::string& out, Json::Value& record, const char* key)
@@ -65,8 +73,8 @@ inline void asText(std::string& out, Json::Value& record, const char* key)
 
 inline void asTextIfPresent(std::string& out, Json::Value& record, const char* key)
 {
-    if (record.isMember(key)) {
-        out = text(record, key);
+    if (const Json::Value* const value = find(record, key)) {
+        out = value->asString();
     }
 }
 

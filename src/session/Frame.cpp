@@ -2,14 +2,29 @@
 
 namespace ovra::tessel {
 
-Frame::Frame(const std::string& operation) : record(operation), observed(operation), errors(operation)
+namespace {
+
+std::string enterLine(const std::string& name)
 {
-    *this = loggedAs(operation).errorsAs(operation);
+    return "enter " + name + " successfully!";
 }
 
-Frame::Frame(const char* name, const char* enterLine, const char* leaveLine, const char* noAnswerLine,
+std::string leaveLine(const std::string& name)
+{
+    return "leave " + name + " successfully!";
+}
+
+} // namespace
+
+Frame::Frame(const std::string& operation)
+    : record(operation), observed(operation), enter(enterLine(operation)), leave(leaveLine(operation)),
+      errors(operation)
+{
+}
+
+Frame::Frame(const char* name, const char* enterText, const char* leaveText, const char* noAnswerText,
              const char* refusalPrefix)
-    : record(name), observed(name), enter(enterLine), leave(leaveLine), noAnswer(noAnswerLine),
+    : record(name), observed(name), enter(enterText), leave(leaveText), noAnswer(noAnswerText),
       refused(refusalPrefix), recordLast(true)
 {
 }
@@ -17,8 +32,8 @@ Frame::Frame(const char* name, const char* enterLine, const char* leaveLine, con
 Frame Frame::loggedAs(const std::string& name) const
 {
     Frame frame = *this;
-    frame.enter = "enter " + name + " successfully!";
-    frame.leave = "leave " + name + " successfully!";
+    frame.enter = enterLine(name);
+    frame.leave = leaveLine(name);
     return frame;
 }
 
@@ -26,7 +41,6 @@ Frame Frame::errorsAs(const std::string& name) const
 {
     Frame frame = *this;
     frame.errors = name;
-    frame.noAnswer = "url error or internet error " + name;
     return frame;
 }
 
@@ -56,6 +70,11 @@ Frame Frame::timedFirst() const
     Frame frame = *this;
     frame.timeFirst = true;
     return frame;
+}
+
+std::string Frame::unanswered() const
+{
+    return noAnswer.empty() ? "url error or internet error " + errors : noAnswer;
 }
 
 std::string Frame::refusal(int code, const std::string& description) const

@@ -11,7 +11,7 @@ struct Frame
     Frame(const char* operation) : Frame(std::string(operation)) {}
     explicit Frame(const std::string& operation);
     /** The calls of the session have texts of their own; an empty name or leave line: none is written. */
-    Frame(const char* name, const char* enterLine, const char* leaveLine, const char* noAnswerLine,
+    Frame(const char* name, const char* enterText, const char* leaveText, const char* noAnswerText,
           const char* refusalPrefix);
 
     /** Names the operation otherwise in its enter and leave lines. */
@@ -30,6 +30,9 @@ struct Frame
     /** The operation as its caller knows it. */
     std::string name() const { return !errors.empty() ? errors : record.empty() ? "keepAlive" : record; }
 
+    /** What is said when there is no answer. */
+    std::string unanswered() const;
+
     /** What is said of an answer that tells an error. */
     std::string refusal(int code, const std::string& description) const;
 
@@ -37,9 +40,9 @@ struct Frame
     std::string observed; ///< its name to the observers
     std::string enter;
     std::string leave;
-    std::string errors; ///< follows each message, save those of an error answer to the session
-    std::string noAnswer;
-    std::string refused; ///< stands before the array's description; empty: the operations' common text
+    std::string errors;   ///< follows each message, save those of an error answer to the session
+    std::string noAnswer; ///< empty: the operations' common text
+    std::string refused;  ///< stands before the array's description; empty: the operations' common text
     bool recordLast = false;
     bool timeFirst = false;
 };

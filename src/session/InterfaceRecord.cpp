@@ -5,6 +5,7 @@
 #include <ovra/bounds/bounds.h>
 #include <ovra/log/LogAPI.h>
 
+#include <cstring>
 #include <ctime>
 #include <utility>
 
@@ -24,15 +25,34 @@ struct TimeText
 {
     explicit TimeText(const timeval& time)
     {
-        tm local = {};
-        localtime_r(&time.tv_sec, &local);
-        strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
-        char milliseconds[32] = {};
-        sprintf_s(milliseconds, sizeof(milliseconds), " %03d", static_cast<int>(time.tv_usec / 1000));
-        strcat_s(text, sizeof(text), milliseconds);
+        const SecondText& second = textOf(time.tv_sec);
+        std::memcpy(text, second.text, second.length);
+        sprintf_s(text + second.length, sizeof(text) - second.length, " %03d",
+                  static_cast<int>(time.tv_usec / 1000));
     }
 
-    char text[256] = {};
+    char text[48];
+
+private:
+    struct SecondText
+    {
+        time_t second;
+        size_t length;
+        char text[32];
+    };
+
+    /** Kept by each thread: a call begins and ends in the same second mostly. */
+    static const SecondText& textOf(time_t second)
+    {
+        thread_local SecondText t_last = {-1, 0, ""};
+        if (t_last.second != second) {
+            tm local = {};
+            localtime_r(&second, &local);
+            t_last.length = strftime(t_last.text, sizeof(t_last.text), "%Y-%m-%d %H:%M:%S", &local);
+            t_last.second = second;
+        }
+        return t_last;
+    }
 };
 
 } // namespace

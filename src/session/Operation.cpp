@@ -88,7 +88,7 @@ void Operation::requireOneCondition(const std::string& value)
 void Operation::requireReadable(bool holds)
 {
     if (!holds) {
-        throw failure(REST_ANSWER_UNREADABLE, m_frame.noAnswer);
+        throw failure(REST_ANSWER_UNREADABLE, m_frame.unanswered());
     }
 }
 
@@ -159,7 +159,7 @@ Answer Operation::send(REST_REQUEST_MODE_E mode, const std::string& url)
 Answer Operation::checked(Answer answer)
 {
     if (answer.reason() != 0) {
-        throw failure(answer.reason(), m_frame.noAnswer);
+        throw failure(answer.reason(), m_frame.unanswered());
     }
     std::string description;
     const int code = answer.code(description);
@@ -228,7 +228,7 @@ void Operation::failed()
         throw; // the thread is being cancelled: nothing may stop that
     } catch (...) {
         // The answer has a field of a type that it cannot be read as, or the host is out of memory.
-        const OvraAPIException unreadable = failure(REST_ANSWER_UNREADABLE, m_frame.noAnswer);
+        const OvraAPIException unreadable = failure(REST_ANSWER_UNREADABLE, m_frame.unanswered());
         record(REST_ANSWER_UNREADABLE);
         tellEnd(REST_ANSWER_UNREADABLE, unreadable.what());
         throw unreadable;

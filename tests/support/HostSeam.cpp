@@ -230,6 +230,9 @@ int HostSeam::ioctl(int fd, unsigned long request, void* argument)
     const std::string name = nameOf(fd);
     if (request == BLKFLSBUF) {
         note("flush: " + name);
+        if (onFlush) {
+            onFlush(name);
+        }
         const std::lock_guard<std::mutex> lock(m_mutex);
         const int error = disks.at(name).flushError;
         return error == 0 ? 0 : failWith(error);

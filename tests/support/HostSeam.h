@@ -59,6 +59,8 @@ public:
 
     /** Called by an INQUIRY on the thread that asks; true: it fails, and touches this host no more. */
     std::function<bool(const std::string& disk)> onInquiry;
+    /** Called when what was written to a device is written back. */
+    std::function<void(const std::string& disk)> onFlush;
 
     /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;

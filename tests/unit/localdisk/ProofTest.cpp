@@ -30,7 +30,9 @@ protected:
             if (sight.ours.empty()) {
                 wanted.fail("none");
             }
-            path = prove(wanted, sight.ours, sizes).path;
+            path = prove(
+                       wanted, [&] { return sight.ours; }, sizes)
+                       .path;
         });
         return reason.empty() ? path : reason;
     }
@@ -173,6 +175,33 @@ TEST_F(ProofOfADisk, WaitsForAMapThatIsNotReady)
     onKernel = [&] { seam.write("/sys/block/dm-3/dm/suspended", "0\n"); };
     EXPECT_EQ(proved(), "/dev/dm-3");
     EXPECT_EQ(platform.lines("inquiry: sdc").size(), 2U) << "after a wait every path is asked again";
+}
+
+TEST_F(ProofOfADisk, FindsAnewWhenADiskGoesMeanwhile)
+{
+    addTwoPaths();
+    unsigned found = 0;
+    const auto find = [&] {
+        const std::vector<ovra::disk::ScsiDisk> ours = lookForOurs(job(), {"1", "2"}).ours;
+        if (++found == 1) {
+            remove("sdaa");
+        }
+        return ours;
+    };
+    EXPECT_EQ(prove(job(), find, Sizes::PROVED).path, "/dev/sdc");
+    EXPECT_EQ(found, 2U);
+}
+
+TEST_F(ProofOfADisk, EndsWhenTheDisksGoEachTime)
+{
+    addTwoPaths();
+    const std::vector<ovra::disk::ScsiDisk> ours = lookForOurs(job(), {"1", "2"}).ours;
+    remove("sdaa");
+    EXPECT_THAT(failure([&] {
+                    prove(
+                        job(), [&] { return ours; }, Sizes::PROVED);
+                }),
+                HasSubstr("/dev/sdaa has gone while it was looked at; call again"));
 }
 
 TEST_F(ProofOfADisk, WaitsForAMapThatIsComing)

@@ -118,6 +118,15 @@ TEST_F(RemovalOfADisk, StopsWhereDataCannotBeWrittenBack)
     EXPECT_EQ(failure([&] { writeBack(job(), disks(), LIMIT, true); }), "") << "forced it is only told";
 }
 
+TEST_F(RemovalOfADisk, GoesOnWhereADiskGoesBeforeItIsWrittenBack)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].flushError = ENXIO;
+    seam.onFlush = [this](const std::string&) { std::filesystem::remove_all(seam.root + "/sys/block/sdc"); };
+    EXPECT_EQ(failure([&] { writeBack(job(), disks(), LIMIT, false); }), "");
+    seam.onFlush = nullptr;
+}
+
 TEST_F(RemovalOfADisk, NeverOpensADeadOneToWriteBack)
 {
     KernelDisk dead;
