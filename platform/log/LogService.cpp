@@ -24,8 +24,16 @@ constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAME
     "product",     "type",  "protocol", "operation", "source",   "target",
     "transaction", "start", "end",      "result",    "extension"};
 
-/// Made when the library is loaded at the latest, so that no child is forked while it is half made.
-[[maybe_unused]] const LogService& made = LogService::ofProcess();
+/// Makes it when the library is loaded at the latest, so that no child is forked while it is half made. Where
+/// there is no memory yet, whoever logs first makes it.
+[[maybe_unused]] const bool isMade = [] {
+    try {
+        LogService::ofProcess();
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}();
 
 [[maybe_unused]] const int registered = pthread_atfork([] { LogService::ofProcess().lockForFork(); },
                                                        [] { LogService::ofProcess().unlockAfterFork(); },

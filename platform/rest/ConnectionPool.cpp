@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 #include <openssl/crypto.h>
+#include <openssl/rand.h>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/resource.h>
@@ -38,6 +39,23 @@ size_t mostIdle()
     return getrlimit(RLIMIT_NOFILE, &open) != 0
                ? FEWEST_IDLE
                : std::clamp(open.rlim_cur / SHARE_OF_DESCRIPTORS, FEWEST_IDLE, MOST_IDLE);
+}
+
+/// OpenSSL starts once in a process. Where it cannot, for want of memory, it does not say so to libcurl, and
+/// may end the process in the midst of a handshake: nothing is sent then. Where memory is short it is not
+/// begun.
+void startCrypto()
+{
+    constexpr size_t ROOM = 4UL * 1024 * 1024; // more than it takes
+    void* const room = OPENSSL_malloc(ROOM);
+    if (room == nullptr) {
+        throw std::bad_alloc();
+    }
+    OPENSSL_free(room);
+    if (OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr) != 1 ||
+        OSSL_LIB_CTX_get0_global_default() == nullptr || RAND_status() != 1) {
+        throw std::runtime_error("OpenSSL cannot be started");
+    }
 }
 
 void makeHandles(Connection& connection)
@@ -82,6 +100,7 @@ ConnectionPool& ConnectionPool::instance()
 
 ConnectionPool::ConnectionPool() : m_most(mostIdle())
 {
+    startCrypto();
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
         throw std::runtime_error("libcurl cannot be started");
     }

@@ -99,7 +99,6 @@ void noteTransfer(CURL* handle, CURLcode code, bool wasSent, const char* text, c
 
 void noteUnreadable(long status)
 {
-    t_failure.phase = REST_SENT;
     setText("the answer is not JSON with an error object, its HTTP status is " + std::to_string(status));
 }
 

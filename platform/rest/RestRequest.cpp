@@ -56,7 +56,6 @@ int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer
     }
     // Each value takes a byte at least: what is short needs no counting.
     if (transfer.body().size() >= MOST_VALUES && countValues(transfer.body()) > MOST_VALUES) {
-        failureNote().phase = REST_SENT;
         return REST_ANSWER_TOO_LARGE;
     }
     answer = parseAnswer(transfer.body());

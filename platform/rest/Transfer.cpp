@@ -161,6 +161,7 @@ int Transfer::resultOf(CURLcode code) const
 
 int Transfer::beforeRequest(void* self, char*, char*, int, int)
 {
+    failureNote().phase = REST_SENT; // whatever ends it from now on
     // libcurl sends any method again when a connection that it reuses dies: only the first time is allowed.
     return ++static_cast<Transfer*>(self)->m_sendings == 1 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }

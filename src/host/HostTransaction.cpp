@@ -90,6 +90,7 @@ HostTransaction::HostTransaction(unsigned seconds)
         const int error = tryFor(semId, std::clamp<long>(left * 1000, 0, nap));
         if (error == 0) {
             t_isHeld = true;
+            noteHeldLock(semId);
             beginUntold();
             return;
         }

@@ -3,6 +3,7 @@
 #include "session/CallsAtWork.h"
 #include "session/Log.h"
 
+#include <atomic>
 #include <cerrno>
 #include <ctime>
 #include <optional>
@@ -20,6 +21,7 @@ constexpr int ACCESS = 0600;
 constexpr time_t LONG_WAIT_S = 60;
 
 thread_local int t_heldId = -1; ///< by which this thread has taken the lock
+std::atomic<int> g_owedId{-1};  ///< by which this process holds it since it could not be given back
 
 /** What semctl takes: the kernel wants an argument of this size. */
 union SemaphoreArgument {
@@ -63,6 +65,14 @@ time_t now()
     return time.tv_sec;
 }
 
+/** Frees a semaphore; -1 when that fails. */
+int setFree(int semId)
+{
+    SemaphoreArgument free = {};
+    free.value = 1;
+    return semctl(semId, LOCK, SETVAL, free) == -1 ? -1 : 0;
+}
+
 void sayWhoHolds(int semId)
 {
     semid_ds set = {};
@@ -79,8 +89,17 @@ void sayWhoHolds(int semId)
 
 } // namespace
 
+void ovra::tessel::noteHeldLock(int semId)
+{
+    t_heldId = semId;
+}
+
 int KxRescanLock::getSem()
 {
+    const int owed = g_owedId.exchange(-1);
+    if (owed >= 0 && setFree(owed) != 0) {
+        g_owedId = owed;
+    }
     const int semId = semget(RESCAN_KEY, SEMAPHORES, IPC_CREAT | 0600);
     if (semId < 0) {
         COMMLOG(OS_LOG_ERROR, "Create sem failed.");
@@ -116,9 +135,7 @@ int KxRescanLock::lockSem(int semId)
 
 int KxRescanLock::unlockSem(int semId)
 {
-    SemaphoreArgument free = {};
-    free.value = 1;
-    return semctl(semId, LOCK, SETVAL, free) == -1 ? -1 : 0;
+    return setFree(semId);
 }
 
 int KxRescanLock::InitLock()
@@ -158,7 +175,7 @@ int KxRescanLock::GetLock()
         COMMLOG(OS_LOG_ERROR, "Lock sem[%d] failed.", semId);
         return -1;
     }
-    t_heldId = semId;
+    noteHeldLock(semId);
     return 0;
 }
 
@@ -176,6 +193,7 @@ int KxRescanLock::ReleaseLock()
                 "The rescan lock could only be given back by the ID that it was taken with [%d].", heldId);
         return 0;
     }
+    g_owedId = heldId; // whoever wants it next in this process tries again first
     COMMLOG(OS_LOG_ERROR, "UnLock sem[%d] failed.", semId);
     return -1;
 }

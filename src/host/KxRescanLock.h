@@ -26,6 +26,10 @@ public:
 
 namespace ovra::tessel {
 
+/** Says by which ID this thread has taken the lock, beside GetLock: ReleaseLock gives it back by that where
+ * it must. */
+void noteHeldLock(int semId);
+
 /** Whether this thread has a HostTransaction, and so would wait for itself; says so in the run log. */
 bool isHeldElsewhere();
 

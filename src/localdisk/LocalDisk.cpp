@@ -6,6 +6,7 @@
 #include "observer/Steps.h"
 #include "session/Log.h"
 #include "session/ManagerOptions.h"
+#include "storage/DiskKinds.h"
 
 #include <ovra/disk/Names.h>
 #include <tessel/DeviceManager.h>
@@ -124,7 +125,10 @@ LocalDisk::~LocalDisk()
             release();
         }
     } catch (const std::exception& problem) {
-        COMMLOG(OS_LOG_ERROR, "%s was not released: %s", m_state->job.name().c_str(), problem.what());
+        // By parts: to make its name may need the memory that was lacking.
+        COMMLOG(OS_LOG_ERROR, "%s %s was not released: %s",
+                withKind(volume().type, [](auto kind) { return kind.NOUN; }), volume().id.c_str(),
+                problem.what());
     }
 }
 

@@ -10,8 +10,6 @@ namespace {
 using Steady = std::chrono::steady_clock;
 
 thread_local Observation* t_innermost = nullptr;
-thread_local int t_code = 0; ///< of what failed last
-thread_local std::string t_what;
 
 /** As the kernel numbers it; asked of it once, and again in a child of the process. */
 int threadNumber(int process)
@@ -187,9 +185,9 @@ OperationEvent Observation::soFar() const
 
 void Observation::fails(int code, const std::string& what)
 {
-    if (t_innermost != nullptr) {
-        t_code = code;
-        t_what = what;
+    for (Observation* call = t_innermost; call != nullptr; call = call->m_outer) {
+        call->m_call->failedCode = code;
+        call->m_call->failedWhat = what;
     }
 }
 
@@ -198,8 +196,8 @@ void Observation::absorbed()
     for (Observation* call = t_innermost; call != nullptr && call->m_call->level == Level::OPERATION;
          call = call->m_outer) {
         call->m_call->isAbsorbed = true;
-        call->m_call->event.code = t_code;
-        call->m_call->event.what = t_what;
+        call->m_call->event.code = call->m_call->failedCode;
+        call->m_call->event.what = call->m_call->failedWhat;
     }
 }
 

@@ -72,6 +72,8 @@ private:
         std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
         BodyObjects body;
         Level level = Level::OPERATION;
+        int failedCode = 0; ///< of what failed last in it
+        std::string failedWhat;
         bool isAbsorbed = false; ///< code and what are those of a failure that nobody else is told
     };
 

@@ -8,9 +8,11 @@
 #include <atomic>
 #include <cxxabi.h>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <pthread.h>
 #include <unistd.h>
+#include <utility>
 #include <variant>
 
 namespace ovra::tessel {
@@ -39,8 +41,10 @@ Registry& registry()
 std::atomic<bool> g_isObserved{false};
 
 thread_local bool t_isTelling = false; ///< an observer is at work: its own calls are not told
+// No object with a destructor: where there is no memory to note that, the C library ends the process.
+using Waiting = std::vector<std::variant<OperationEvent, HostEvent>>;
 thread_local unsigned t_untold = 0;
-thread_local std::vector<std::variant<OperationEvent, HostEvent>> t_waiting;
+thread_local Waiting* t_waiting = nullptr; ///< made for the first that waits
 
 std::shared_ptr<const Listeners> listeners()
 {
@@ -96,7 +100,8 @@ void tellOrWait(const Event& event)
     }
     try {
         if (t_untold != 0) {
-            t_waiting.emplace_back(event);
+            t_waiting = t_waiting != nullptr ? t_waiting : new Waiting;
+            t_waiting->emplace_back(event);
         } else {
             tellAll(event);
         }
@@ -164,12 +169,11 @@ void beginUntold()
 
 void endUntold()
 {
-    if (--t_untold != 0 || t_waiting.empty()) {
+    if (--t_untold != 0 || t_waiting == nullptr) {
         return;
     }
-    auto waiting = std::move(t_waiting);
-    t_waiting.clear();
-    for (const auto& event : waiting) {
+    const std::unique_ptr<Waiting> waiting(std::exchange(t_waiting, nullptr));
+    for (const auto& event : *waiting) {
         std::visit(
             [](const auto& one) {
                 if (processOf(one) == getpid()) { // a child has a copy of what its parent will tell

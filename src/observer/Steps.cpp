@@ -2,6 +2,8 @@
 
 #include "observer/Observation.h"
 
+#include <new>
+
 namespace ovra::tessel {
 
 void tellStep(HostEvent::Step step, const std::string& device, const std::string& what, double seconds)
@@ -27,8 +29,9 @@ void tellStep(HostEvent::Step step, const std::string& device, const std::string
 
 TimedScan::~TimedScan()
 {
-    if (isObserved()) {
+    try {
         tellStep(HostEvent::SCANNED, "", m_what, secondsSince(m_start));
+    } catch (const std::bad_alloc&) { // nobody is told
     }
 }
 

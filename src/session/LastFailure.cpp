@@ -84,7 +84,7 @@ std::string_view lastWord(std::string_view message)
 }
 
 /** The array's words in the text of an exception, between what the SDK puts around them. */
-std::string descriptionIn(std::string_view message, std::string_view operation)
+std::string_view descriptionIn(std::string_view message, std::string_view operation)
 {
     constexpr std::string_view MARK = ", description:";
     const size_t found = message.find(MARK);
@@ -93,7 +93,7 @@ std::string descriptionIn(std::string_view message, std::string_view operation)
     }
     const size_t begin = found + MARK.size();
     const size_t end = std::max(begin, message.size() - operation.size() - 1); // a blank
-    return std::string(message.substr(begin, end - begin));
+    return message.substr(begin, end - begin);
 }
 
 Failure asTold(const Noted& noted)
@@ -140,7 +140,7 @@ OvraAPIException notedFailure(FailureKind kind, const std::string& message, bool
     return OvraAPIException(message);
 }
 
-void noteResult(int result, const std::string& operation, const std::string& message) noexcept
+void noteResult(int result, std::string_view operation, std::string_view message) noexcept
 {
     const FailureClass found = classOf(result);
     begin(found.kind, operation, message);
@@ -151,8 +151,8 @@ void noteResult(int result, const std::string& operation, const std::string& mes
     t_noted.transport.set(found.transport);
 }
 
-void noteRefusal(int code, const std::string& description, const std::string& operation,
-                 const std::string& message) noexcept
+void noteRefusal(int code, std::string_view description, std::string_view operation,
+                 std::string_view message) noexcept
 {
     begin(FailureKind::REFUSED, operation, message);
     const bool isNotReady = code == ARRAY_NOT_READY || code == ARRAY_LUN_GROUP_NOT_READY;
@@ -168,6 +168,13 @@ void noteKind(FailureKind kind) noexcept
     t_noted.kind = kind;
 }
 
+void noteLackOfMemory() noexcept
+{
+    begin(FailureKind::HOST, "", "out of memory");
+    t_noted.canTryAgain = true;
+    t_noted.mayBeDone = true;
+}
+
 void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept
 {
     if (isNoted(thrown)) {
@@ -175,12 +182,14 @@ void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept
         return;
     }
     const std::string_view message = messageOf(thrown);
-    const std::string operation(lastWord(message)); // a call of this thread came between: the text tells
+    const std::string_view operation =
+        lastWord(message); // a call of this thread came between: the text tells
     if (const auto* refusal = dynamic_cast<const OvraAPIExceptionWithErrCode*>(&thrown)) {
-        noteRefusal(refusal->getErrCode(), descriptionIn(message, operation), operation,
-                    std::string(message));
+        noteRefusal(refusal->getErrCode(), descriptionIn(message, operation), operation, message);
     } else {
-        const bool isNoAnswer = message == "url error or internet error " + operation;
+        constexpr std::string_view NO_ANSWER = "url error or internet error ";
+        const bool isNoAnswer = message.size() == NO_ANSWER.size() + operation.size() &&
+                                message.substr(0, NO_ANSWER.size()) == NO_ANSWER;
         begin(isNoAnswer ? FailureKind::NOT_REACHABLE : kind, operation, message);
     }
 }

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace ovra::tessel {
 
@@ -32,17 +33,20 @@ OvraAPIException notedFailure(FailureKind kind, const std::string& message, bool
 
 /** Notes that a request of an operation ended with a result of its own; what kind that is stands in a table.
  */
-void noteResult(int result, const std::string& operation, const std::string& message) noexcept;
+void noteResult(int result, std::string_view operation, std::string_view message) noexcept;
 
 /** Notes an error answer of the array. */
-void noteRefusal(int code, const std::string& description, const std::string& operation,
-                 const std::string& message) noexcept;
+void noteRefusal(int code, std::string_view description, std::string_view operation,
+                 std::string_view message) noexcept;
 
 /** Corrects the kind of what was noted, where the result alone does not tell it. */
 void noteKind(FailureKind kind) noexcept;
 
 /** Notes what leaves a call, unless it is what was noted last. */
 void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept;
+
+/** Notes that a call ended for want of memory; how far it had come is not known. */
+void noteLackOfMemory() noexcept;
 
 /** Does what may fail by itself, and leaves the last failure as it was. */
 void asideOfFailure(const std::function<void()>& aside);

@@ -48,14 +48,18 @@ public:
         }
     }
 
-    /** As run, for calls that tell of a failure by their result alone. */
+    /** As run, for calls that tell of a failure by their result alone. @param makeFrame may run out of memory
+     * too. */
     template <class Body>
-    static bool succeeds(const Frame& frame, CDeviceManagerImpl* deviceManager, Body&& body)
+    static bool succeeds(Frame (*makeFrame)(), CDeviceManagerImpl* deviceManager, Body&& body)
     {
         try {
-            run(frame, deviceManager, body);
+            run(makeFrame(), deviceManager, body);
             return true;
+        } catch (const OvraAPIException&) {
+            return false;
         } catch (const std::exception&) {
+            noteLackOfMemory();
             return false;
         }
     }

@@ -111,6 +111,26 @@ struct OpenSession
     }
 };
 
+/** What a login's answer opens. */
+struct NewSession
+{
+    explicit NewSession(const Answer& answer)
+        : deviceId(answer[0]["deviceid"].asString()),
+          token(answer[0]["iBaseToken"].asString()), // docs/oddities.md#ibasetoken
+          cookie(findCookie(answer.headers()))
+    {
+    }
+
+    OpenSession at(const std::string& ip, unsigned int port) const
+    {
+        return {ip, port, deviceId, token, cookie};
+    }
+
+    const std::string deviceId;
+    const std::string token;
+    const std::string cookie;
+};
+
 /** An answer that says no, or is none of an array; not one that is missing. */
 bool isRefused(const Answer& answer)
 {
@@ -140,7 +160,7 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
                                      const std::string& userName, const std::string& password,
                                      const USERTYPE& scope)
 {
-    return Operation::succeeds(loginFrame(), this, [&](Operation& op) {
+    return Operation::succeeds(&loginFrame, this, [&](Operation& op) {
         op.seen().opens(ip, port, userName);
         op.seen().setChange();
         op.require(!ip.empty() && !userName.empty() && !password.empty(), "Invalid Parameter!");
@@ -153,20 +173,25 @@ bool CDeviceManagerImpl::loginDevice(const std::string& ip, const unsigned int& 
         // docs/oddities.md#xxxx
         const Answer answer = op.checked(exchange(op.request(), REST_POST, "xxxx/sessions", true));
 
-        const std::string deviceId = answer[0]["deviceid"].asString();
-        const std::string token = answer[0]["iBaseToken"].asString(); // docs/oddities.md#ibasetoken
-        const std::string cookie = findCookie(answer.headers());
-        op.require(!cookie.empty(), "Get cookie Err", FailureKind::UNREADABLE_ANSWER);
-        if (!isUsable(deviceId) || token.empty()) {
-            op.refuse(NO_SESSION_IN_ANSWER, REST_ANSWER_UNREADABLE, FailureKind::UNREADABLE_ANSWER);
-        }
-        if (!adopt(ip, port, deviceId, token, cookie, true)) {
-            OpenSession{ip, port, deviceId, token, cookie}.abandon();
-            op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::UNREADABLE_ANSWER);
-        }
-        sessions::set(this, sessions::named(ip, port, userName));
-        if (optionsOf(this)) {
-            changeOptions(*this, [](ManagerOptions& changed) { changed.areCredentialsRefused = false; });
+        try {
+            const NewSession session(answer);
+            op.require(!session.cookie.empty(), "Get cookie Err", FailureKind::UNREADABLE_ANSWER);
+            if (!isUsable(session.deviceId) || session.token.empty()) {
+                op.refuse(NO_SESSION_IN_ANSWER, REST_ANSWER_UNREADABLE, FailureKind::UNREADABLE_ANSWER);
+            }
+            if (!adopt(ip, port, session.deviceId, session.token, session.cookie, true)) {
+                session.at(ip, port).abandon();
+                op.refuse(NOT_REGISTERED, REST_NO_SESSION, FailureKind::UNREADABLE_ANSWER);
+            }
+            sessions::set(this, sessions::named(ip, port, userName));
+            if (optionsOf(this)) {
+                changeOptions(*this, [](ManagerOptions& changed) { changed.areCredentialsRefused = false; });
+            }
+        } catch (const std::bad_alloc&) {
+            NewSession(answer)
+                .at(ip, port)
+                .abandon(); // it was opened for nothing, unless there is no memory at all
+            throw;
         }
     });
 }
@@ -191,7 +216,7 @@ bool CDeviceManagerImpl::opensAgain(const Answer& refused)
 
 bool CDeviceManagerImpl::logoutDevice()
 {
-    return Operation::succeeds(logoutFrame(), this, [&](Operation& op) {
+    return Operation::succeeds(&logoutFrame, this, [&](Operation& op) {
         op.seen().setChange();
         const OpenSession session{m_ip, m_port, m_deviceId, m_token, m_cookie};
         op.checked(session.send(REST_DELETE, "/sessions"));
@@ -202,7 +227,7 @@ bool CDeviceManagerImpl::logoutDevice()
 
 bool CDeviceManagerImpl::keepAlive()
 {
-    return Operation::succeeds(keepAliveFrame(), this, [&](Operation& op) {
+    return Operation::succeeds(&keepAliveFrame, this, [&](Operation& op) {
         const OpenSession session{m_ip, m_port, m_deviceId, m_token, m_cookie};
         op.checked(session.send(REST_GET, "/server/logininfo"));
     });
@@ -212,7 +237,7 @@ bool CDeviceManagerImpl::useConnection(const std::string& ip, const unsigned int
                                        const std::string& deviceId, const std::string& token,
                                        const std::string& cookie)
 {
-    return Operation::succeeds(useConnectionFrame(), this, [&](Operation& op) {
+    return Operation::succeeds(&useConnectionFrame, this, [&](Operation& op) {
         op.seen().opens(ip, port, "");
         op.seen().setChange();
         op.require(!ip.empty() && isUsable(deviceId) && !token.empty() && !cookie.empty(),

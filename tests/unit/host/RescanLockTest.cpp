@@ -120,6 +120,18 @@ TEST_F(RescanLock, ThatCannotBeReleasedIsSaidSo)
     EXPECT_THAT(platform.lines("error:"), ElementsAre("error: UnLock sem[41] failed."));
 }
 
+TEST_F(RescanLock, ThatCouldNotBeGivenBackIsGivenBackByWhoeverWantsItNext)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    seam.semctlFails = true;
+    seam.semopErrors = {EACCES};
+    EXPECT_EQ(lock.ReleaseLock(), -1);
+    EXPECT_EQ(seam.semaphoreValue, 0);
+    seam.semctlFails = false;
+    EXPECT_EQ(lock.getSem(), 41);
+    EXPECT_EQ(seam.semaphoreValue, 1) << "else this process would wait for itself";
+}
+
 TEST_F(RescanLock, IsGivenBackByTheIdThatItWasTakenWithWhenItCannotBeFound)
 {
     EXPECT_EQ(lock.GetLock(), 0);

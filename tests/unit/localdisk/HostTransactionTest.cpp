@@ -30,6 +30,15 @@ TEST_F(TransactionOnAHost, HoldsTheRescanLockToItsEnd)
     EXPECT_EQ(seam.semaphoreValue, 1);
 }
 
+TEST_F(TransactionOnAHost, GivesTheLockBackByItsIdWhereItCannotBeFoundAnyMore)
+{
+    {
+        const HostTransaction transaction(0);
+        seam.semgetFails = true;
+    }
+    EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
 TEST_F(TransactionOnAHost, IsNotBegunTwiceInAThread)
 {
     const HostTransaction transaction(0);
