@@ -2,6 +2,7 @@
 // library alone, on a new connection each time, and the logs alone. The server answers from memory on
 // loopback.
 
+#include "LunOfTheServer.h"
 #include "MisbehavingServer.h"
 
 #include <tessel/Tessel.h>
@@ -21,17 +22,11 @@ using tessel_test::TestCertificates;
 
 namespace {
 
-const char* const LUN =
-    R"({"ID":"7","NAME":"db","PARENTID":"0","PARENTNAME":"pool","HEALTHSTATUS":"1","RUNNINGSTATUS":"27",)"
-    R"("DESCRIPTION":"","ALLOCTYPE":"1","CAPACITY":"131072","SECTORSIZE":"512","ALLOCCAPACITY":"2048",)"
-    R"("THINCAPACITYUSAGE":"1","EXPOSEDTOINITIATOR":"true","WWN":"6001405000000000000000000000007",)"
-    R"("OWNINGCONTROLLER":"0A","WORKINGCONTROLLER":"0A","ISADD2LUNGROUP":"true"})";
-
 Behaviour likeAnArray(const ReceivedRequest& request)
 {
     return request.method() == "POST"
                ? Behaviour::success(R"({"deviceid":"D1","iBaseToken":"T1"})", "Set-Cookie: s=1; path=/\r\n")
-               : Behaviour::success(LUN);
+               : Behaviour::success(bench::LUN);
 }
 
 /** One server and one session for all benchmarks. */

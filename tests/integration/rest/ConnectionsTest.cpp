@@ -3,6 +3,7 @@
 #include <atomic>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <thread>
@@ -136,6 +137,43 @@ TEST_F(RestConnections, ThreadsUseConnectionsOfTheirOwn)
     }
     EXPECT_EQ(0U, failures);
     EXPECT_EQ(THREADS * REQUESTS, server.requestCount());
+    EXPECT_LE(server.handshakes(), THREADS);
+}
+
+TEST_F(RestConnections, ManyServersInTurnEachKeepTheirOwn)
+{
+    constexpr size_t SERVERS = 40;
+    std::vector<std::unique_ptr<MisbehavingServer>> servers;
+    for (size_t i = 0; i < SERVERS; ++i) {
+        servers.push_back(std::make_unique<MisbehavingServer>());
+    }
+    for (int round = 0; round < 3; ++round) {
+        for (const auto& server : servers) {
+            ASSERT_EQ(0, send(server->url()).result);
+        }
+    }
+    for (const auto& server : servers) {
+        EXPECT_EQ(1U, server->handshakes());
+    }
+}
+
+TEST_F(RestConnections, ManyThreadsMakeOneConnectionEachAtMost)
+{
+    constexpr unsigned THREADS = 64;
+    MisbehavingServer server;
+    std::atomic<unsigned> failed{0};
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < THREADS; ++i) {
+        threads.emplace_back([&] {
+            for (int request = 0; request < 5; ++request) {
+                failed += send(server.url()).result != 0 ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(0U, failed);
     EXPECT_LE(server.handshakes(), THREADS);
 }
 
