@@ -136,7 +136,7 @@ void Observation::found(const std::string& device)
     }
 }
 
-void Observation::finish(Gathered& call)
+void Observation::finish(GatheredCall& call)
 {
     for (const BodyObject& object : call.body.all()) {
         if (object.type == 0 && &object == &call.body.own()) { // an initiator, which is named by its ID
@@ -157,7 +157,7 @@ void Observation::ended(int code, const std::string& what) noexcept
         return;
     }
     try {
-        Gathered& call = *m_call;
+        GatheredCall& call = *m_call;
         finish(call);
         if (code != 0 || !call.isAbsorbed) {
             call.event.code = code;

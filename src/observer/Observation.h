@@ -16,6 +16,25 @@
 
 namespace ovra::tessel {
 
+/** How much of what fails below it a call is told. */
+enum class CallLevel
+{
+    OPERATION, ///< may not be told of a failure below it
+    JOB        ///< reads back what it has done
+};
+
+/** What is known of a call that runs. */
+struct GatheredCall
+{
+    OperationEvent event;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    BodyObjects body;
+    CallLevel level = CallLevel::OPERATION;
+    int failedCode = 0; ///< of what failed last in it
+    std::string failedWhat;
+    bool isAbsorbed = false; ///< code and what are those of a failure that nobody else is told
+};
+
 /**
  * What is gathered of one call while it runs, for the observers; nothing when there is none. The calls of a
  * thread lie within each other. One thread uses it.
@@ -23,11 +42,7 @@ namespace ovra::tessel {
 class Observation
 {
 public:
-    enum class Level
-    {
-        OPERATION, ///< may not be told of a failure below it
-        JOB        ///< reads back what it has done
-    };
+    using Level = CallLevel;
 
     Observation(const std::string& operation, const CDeviceManager* manager, Level level = Level::OPERATION);
     ~Observation();
@@ -66,20 +81,9 @@ public:
     OperationEvent soFar() const;
 
 private:
-    struct Gathered
-    {
-        OperationEvent event;
-        std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-        BodyObjects body;
-        Level level = Level::OPERATION;
-        int failedCode = 0; ///< of what failed last in it
-        std::string failedWhat;
-        bool isAbsorbed = false; ///< code and what are those of a failure that nobody else is told
-    };
+    void finish(GatheredCall& call);
 
-    void finish(Gathered& call);
-
-    std::optional<Gathered> m_call; ///< none: nobody listens. Stands here, lest a call take memory for it
+    std::optional<GatheredCall> m_call; ///< none: nobody listens. Stands here, lest a call take memory for it
     Observation* m_outer = nullptr;
 };
 

@@ -24,7 +24,7 @@ void tellStep(HostEvent::Step step, const std::string& device, const std::string
     } else {
         stamp(event.operation);
     }
-    tell(std::move(event));
+    tell(event);
 }
 
 TimedScan::~TimedScan()
