@@ -9,10 +9,18 @@
 
 #include <tessel/HostTransaction.h>
 
+#include <algorithm>
+
 namespace ovra::tessel {
 namespace {
 
 constexpr unsigned ROUNDS = 5;
+
+bool hasAddress(const std::vector<disk::ScsiDisk>& disks, const std::string& address)
+{
+    return std::any_of(disks.begin(), disks.end(),
+                       [&](const disk::ScsiDisk& disk) { return disk.address == address; });
+}
 
 /** Removes the disks of an object, and hides it. One use. */
 class Release
@@ -29,10 +37,11 @@ public:
         // What takes long comes before the lock: nobody's scan waits for it.
         writeBack(look(), std::chrono::seconds(m_job.options.flushSeconds));
         const HostTransaction transaction(m_job.options.lockSeconds);
-        writeBack(look(), m_job.step());
-        remove(Uses::LOOKED_FOR);
+        const Sight sight = look();
+        writeBack(sight, m_job.step());
+        remove(Uses::LOOKED_FOR, sight.ours);
         hide();
-        remove(Uses::UNKNOWN); // what a scan of somebody who takes no lock has brought back meanwhile
+        remove(Uses::UNKNOWN, {}); // what a scan of somebody who takes no lock has brought back meanwhile
         if (const std::optional<disk::MultipathMap> map = disk::mapOfWwn(m_job.wwn)) {
             m_job.fail("the map " + map->name +
                        " stays until what uses it has ended; its paths are gone, and it "
@@ -76,8 +85,9 @@ private:
         }
     }
 
-    /** The map and the disks, until there is none. */
-    void remove(Uses uses) const
+    /** The map and the disks, until there is none. @param written those to which was written back just now.
+     */
+    void remove(Uses uses, std::vector<disk::ScsiDisk> written) const
     {
         std::string stays;
         for (unsigned round = 0; round < ROUNDS; ++round) {
@@ -90,8 +100,15 @@ private:
                 checkUnused(sight, "; another scan has found it again meanwhile; end that, and call again");
             }
             uses = Uses::UNKNOWN;
+            std::vector<disk::ScsiDisk> back = sight.ours; // some did not answer before, or were removed
+            back.erase(
+                std::remove_if(back.begin(), back.end(),
+                               [&](const disk::ScsiDisk& disk) { return hasAddress(written, disk.address); }),
+                back.end());
+            tessel::writeBack(m_job, back, m_job.step(), m_isForced);
+            written.clear();
             if (map) {
-                removeOurMap(*map);
+                removeOurMap(*map, sight);
             }
             if (m_isForced && sight.ours.empty() && sight.silent.empty()) {
                 return; // who uses it has it open: told when all else is done
@@ -110,10 +127,12 @@ private:
                    "; call again to go on from there");
     }
 
-    void removeOurMap(const disk::MultipathMap& map) const
+    void removeOurMap(const disk::MultipathMap& map, const Sight& sight) const
     {
         for (const std::string& path : map.paths) {
-            const std::string foreign = foreignPath(m_job, path);
+            const bool isDead = std::any_of(sight.silent.begin(), sight.silent.end(),
+                                            [&](const disk::ScsiDisk& disk) { return disk.name == path; });
+            const std::string foreign = isDead ? "" : foreignPath(m_job, path);
             if (!foreign.empty()) {
                 m_job.fail("the map " + map.name + " holds what is not it: " + foreign +
                            "; the map and its paths stay");
@@ -134,7 +153,12 @@ private:
     /** Why a disk may not go any more: somebody has another one at its place. */
     std::string changed(const disk::ScsiDisk& disk) const
     {
-        const Sight now = lookAt(m_job, {disk}, m_job.step());
+        const disk::ScsiDisk itself = disk::scsiDisk(disk.name).value_or(disk);
+        Sight now = lookAt(m_job, {itself}, m_job.step());
+        if (!disk.isRunning() && !now.ours.empty()) { // it has come back: what waited for it can reach it
+            tessel::writeBack(m_job, now.ours, m_job.step(), m_isForced);
+            now = lookAt(m_job, {itself}, m_job.step());
+        }
         return now.ours.empty() && now.silent.empty() ? "/dev/" + disk.name + " is another disk by now" : "";
     }
 

@@ -112,6 +112,33 @@ TEST_F(ReleaseOfADisk, NeverWritesBackToADeadOne)
     EXPECT_THAT(order({"flush", "open: sdc"}), IsEmpty());
 }
 
+/** A dead disk beside a healthy one, which answers again once that one was asked so often. */
+class ReleaseOfADiskThatComesBack : public ReleaseOfADisk, public testing::WithParamInterface<int>
+{
+};
+
+TEST_P(ReleaseOfADiskThatComesBack, WritesBackToItBeforeItsRemoval)
+{
+    add(dead());
+    seam.disks["sdc"].pages = {page83(WWN)};
+    KernelDisk healthy;
+    healthy.name = "sdd";
+    healthy.address = "1:0:0:2";
+    add(healthy);
+    int asked = 0;
+    seam.onInquiry = [&](const std::string& disk) {
+        if (disk == "sdd" && ++asked == GetParam()) { // the state of sdc has been read for this look
+            seam.write("/sys/devices/1:0:0:1/state", "running\n");
+        }
+        return false;
+    };
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(order({"flush: sdc"}), ElementsAre("flush: sdc"));
+}
+INSTANTIATE_TEST_SUITE_P(AfterTheLastWritingBackAndAfterTheLastLook, ReleaseOfADiskThatComesBack,
+                         testing::Values(2, 3));
+
 TEST_F(ReleaseOfADisk, LooksAgainForUsesOfADiskThatComesBack)
 {
     add(KernelDisk());
@@ -144,6 +171,24 @@ TEST_F(ReleaseOfADisk, LeavesADiskThatIsAnotherByNow)
     add(reused);
     EXPECT_EQ(released(), "");
     EXPECT_TRUE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, RemovesTheMapOfADiskThatIsRunningAndAnswersNoMore)
+{
+    KernelDisk silent;
+    silent.now = "";
+    add(silent);
+    KernelMap map;
+    map.paths = {"sdc"};
+    add(map);
+    seam.onSystem = [&](const std::string& command) {
+        if (command.find(" multipath -f ") != std::string::npos) {
+            std::filesystem::remove_all(seam.root + "/sys/block/dm-3");
+            std::filesystem::remove_all(seam.root + "/sys/block/sdc/holders");
+        }
+    };
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
 }
 
 TEST_F(ReleaseOfADisk, LetsAMapThatIsUsedGoWhenItsUserEndsWhereForced)
