@@ -12,6 +12,7 @@ namespace {
 constexpr int EXITED_1 = 1 << 8;
 constexpr int NOT_STARTED = -1;
 constexpr Time SCRIPT_STEP = 20000;
+constexpr Time UDEV_WAIT = 5 * SECOND;
 constexpr Time SETTLING = 10 * SECOND;
 constexpr Time GIVEN_UP = 215 * SECOND; // before a disk that hangs is
 
@@ -65,7 +66,8 @@ std::optional<std::string> Host::readFile(const std::string& path)
         return std::nullopt;
     }
     const std::string name = between(path, "/sys/block/", "/device/state");
-    const Disk* const disk = kernel.find(name);
+    const std::string address = between(path, "/sys/class/scsi_device/", "/device/state");
+    const Disk* const disk = address.empty() ? kernel.find(name) : kernel.at(address);
     if (disk != nullptr) {
         judge.readsState(scheduler.current(), *disk);
     }
@@ -127,6 +129,31 @@ int Host::run(const std::string& command)
             scheduler.wait(scheduler.now() + SETTLING, [this] { return kernel.isUdevAtRest(); });
         return isAtRest ? 0 : EXITED_1;
     }
+    if (command.find("udevadm wait --initialized=true") != std::string::npos) {
+        const std::string name = between(command, " /dev/", " >/dev/null");
+        const auto isNamed = [this, name] {
+            const Disk* const disk = kernel.find(name);
+            return disk != nullptr && disk->isNamed;
+        };
+        return scheduler.wait(scheduler.now() + UDEV_WAIT, isNamed) ? 0 : EXITED_1;
+    }
+    if (beginsWith(command, "answer=$(timeout ")) { // multipath -u: it takes every disk
+        const bool isAskedWhetherItDoes = command.find("in 0*=?1?)") != std::string::npos;
+        return isAskedWhetherItDoes ? 0 : EXITED_1;
+    }
+    if (command.find(" multipath -f ") != std::string::npos) {
+        return removeMap(between(command, " multipath -f ", " >")) ? 0 : EXITED_1;
+    }
+    if (command.find(" multipathd resize map ") != std::string::npos) {
+        Map* const map = multipath.find(between(command, " multipathd resize map ", " >"));
+        if (map != nullptr) {
+            multipath.resize(*map);
+        }
+        return map != nullptr ? 0 : EXITED_1;
+    }
+    if (command.find(" dmsetup message ") != std::string::npos) {
+        return 0;
+    }
     const std::string text = between(command, "echo ", " > ");
     if (!text.empty()) {
         return writeFile(command.substr(command.find(" > ") + 3), text == "1" ? text : "- - -") ? 0
@@ -134,6 +161,25 @@ int Host::run(const std::string& command)
     }
     judge.find("a command that the model does not know: " + command);
     return NOT_STARTED;
+}
+
+/** Not one that is open. */
+bool Host::removeMap(const std::string& name)
+{
+    const Map* const map = multipath.find(name);
+    if (map == nullptr) {
+        return false;
+    }
+    for (const Process& process : scheduler.processes()) {
+        for (const auto& [descriptor, device] : process.open) {
+            if (device.name == map->node) {
+                return false;
+            }
+        }
+    }
+    judge.removes(scheduler.current(), *map);
+    multipath.remove(name);
+    return true;
 }
 
 std::string Host::print(const std::string& command)
@@ -150,6 +196,9 @@ std::string Host::print(const std::string& command)
         }
         return text;
     }
+    if (command == "multipath -ll") {
+        return multipath.listing();
+    }
     if (command == "ls -al /dev/disk/by-id|grep -v part") {
         for (const std::string& link : tree.namesIn("/dev/disk/by-id")) {
             text += "lrwxrwxrwx 1 root root    9 May  1 10:20 " + link + " -> " +
@@ -161,36 +210,45 @@ std::string Host::print(const std::string& command)
     return text;
 }
 
+Disk* Host::diskOf(const std::string& name)
+{
+    const Map* const map = multipath.find(name);
+    return map != nullptr ? multipath.workingPath(*map) : kernel.find(name);
+}
+
 Host::Answer Host::inquire(const std::string& name)
 {
     if (!scheduler.reach(Point::INQUIRY)) {
         return {};
     }
-    Disk* disk = kernel.find(name);
+    Disk* disk = diskOf(name);
     const unsigned instance = disk != nullptr ? disk->instance : 0;
     if (disk != nullptr && !kernel.isUp(disk->host)) { // it hangs until the session is back, or given up
         const std::string host = disk->host;
         scheduler.wait(scheduler.now() + GIVEN_UP, [this, host] { return kernel.isUp(host); });
-        disk = kernel.find(name);
+        disk = diskOf(name);
     }
     if (scheduler.current().isKilled || disk == nullptr || disk->instance != instance ||
         !kernel.isUp(disk->host)) {
         return {};
     }
     const Unit unit = kernel.unitOf(*disk);
-    judge.asked(scheduler.current(), *disk, unit);
+    judge.asked(scheduler.current(), name, *disk, unit);
     note("asks " + name + ": " + (unit.id.empty() ? "nothing is there" : unit.wwn));
     return unit.id.empty() ? Answer{{}, true} : Answer{page83(unit), false};
 }
 
 int Host::openDevice(const std::string& path)
 {
-    const std::string name = path.substr(path.rfind('/') + 1);
-    if (!scheduler.reach(Point::READ) || kernel.find(name) == nullptr) {
+    std::string name = path.substr(path.rfind('/') + 1);
+    const Map* const map = scheduler.reach(Point::READ) ? multipath.find(name) : nullptr;
+    name = map != nullptr ? map->node : name;
+    if (scheduler.current().isKilled || (map == nullptr && kernel.find(name) == nullptr)) {
         return -1;
     }
     Process& process = scheduler.current();
-    process.open[++m_lastDescriptor] = name;
+    const Disk* const disk = diskOf(name);
+    process.open[++m_lastDescriptor] = {name, disk != nullptr ? disk->instance : 0, scheduler.now()};
     tree.link(processFolder(process) + "/fd/" + std::to_string(m_lastDescriptor), "/dev/" + name);
     return m_lastDescriptor;
 }
@@ -204,7 +262,7 @@ void Host::closeDevice(int descriptor)
 
 bool Host::flush(const std::string& disk)
 {
-    Disk* const found = scheduler.reach(Point::INQUIRY) ? kernel.find(disk) : nullptr;
+    Disk* const found = scheduler.reach(Point::INQUIRY) ? diskOf(disk) : nullptr;
     if (found == nullptr || kernel.unitOf(*found).id.empty()) {
         return false;
     }
@@ -215,7 +273,7 @@ bool Host::flush(const std::string& disk)
 
 void Host::write(const std::string& disk)
 {
-    Disk* const found = scheduler.reach(Point::INQUIRY) ? kernel.find(disk) : nullptr;
+    Disk* const found = scheduler.reach(Point::INQUIRY) ? diskOf(disk) : nullptr;
     if (found != nullptr) {
         found->writtenAt = scheduler.now();
     }

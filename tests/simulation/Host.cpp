@@ -25,8 +25,9 @@ Host* g_host = nullptr;
 } // namespace
 
 Host::Host(SimulatedArray& simulated, const Scenario& scenario, Weakness fault, bool isLogging)
-    : array(simulated), kernel(scheduler, tree, habits), judge(scheduler, array, kernel), weakness(fault),
-      m_scenario(scenario), m_isLogging(isLogging)
+    : array(simulated), kernel(scheduler, tree, habits), multipath(scheduler, tree, kernel),
+      judge(scheduler, array, kernel, multipath), weakness(fault), m_scenario(scenario),
+      m_isLogging(isLogging)
 {
     g_host = this;
     if (weakness != Weakness::NONE) {
@@ -39,6 +40,9 @@ Host::Host(SimulatedArray& simulated, const Scenario& scenario, Weakness fault, 
     }
     const Unit foreign = {"600a0b80001111110000000000000001", "1", 1U << 20U};
     kernel.add({"3", [foreign] { return std::map<unsigned, Unit>{{1, foreign}}; }});
+    if (scenario.hasMultipath) {
+        multipath.start(habits.udevDelay);
+    }
     kernel.scan("3");
     tree.put("/proc/self/mountinfo", "22 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw\n");
     tree.put("/proc/swaps", "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n");

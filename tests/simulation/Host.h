@@ -3,6 +3,7 @@
 
 #include "simulation/Judge.h"
 #include "simulation/Kernel.h"
+#include "simulation/Multipath.h"
 #include "simulation/Scenario.h"
 #include "simulation/Scheduler.h"
 #include "simulation/SimulatedArray.h"
@@ -49,6 +50,7 @@ public:
     Habits habits;
     SimulatedArray& array;
     Kernel kernel;
+    Multipath multipath;
     Judge judge;
     const Weakness weakness;
 
@@ -87,6 +89,8 @@ public:
     bool flush(const std::string& disk);
 
 private:
+    Disk* diskOf(const std::string& name);
+    bool removeMap(const std::string& name);
     void onPoint(Process& process, Point point);
     void happen(Process& process, const Event& event);
     void kill(Process& process, bool isAgain);

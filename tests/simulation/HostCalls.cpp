@@ -261,7 +261,7 @@ SIMULATED int ioctl(int fd, unsigned long request, ...) noexcept
     if (host == nullptr) {
         return next("ioctl", &ioctl)(fd, request, argument);
     }
-    const std::string disk = host->scheduler.current().open[fd];
+    const std::string disk = host->scheduler.current().open[fd].name;
     if (request == BLKFLSBUF) {
         return host->flush(disk) ? 0 : failWith(EIO);
     }
@@ -288,7 +288,7 @@ SIMULATED int fsync(int fd)
     if (host == nullptr) {
         return next("fsync", &fsync)(fd);
     }
-    return host->flush(host->scheduler.current().open[fd]) ? 0 : failWith(EIO);
+    return host->flush(host->scheduler.current().open[fd].name) ? 0 : failWith(EIO);
 }
 
 SIMULATED int clock_gettime(clockid_t clock, timespec* time) noexcept

@@ -16,7 +16,7 @@ void Judge::begins(const Process& process, const Errand& errand)
 {
     m_errands[process.pid] = errand;
     m_begins[process.pid] = m_scheduler.now();
-    m_flushed.clear();
+    m_flushed.erase(m_flushed.lower_bound({process.pid, 0}), m_flushed.lower_bound({process.pid + 1, 0}));
     History& history = m_histories[errand.lun];
     ++history.errands;
     history.hasSingleSteps = history.hasSingleSteps || errand.manner == Manner::STEP_BY_STEP;
@@ -65,14 +65,14 @@ void Judge::isKilled(const Process& process)
     }
 }
 
-void Judge::asked(const Process& process, const Disk& disk, const Unit& answer)
+void Judge::asked(const Process& process, const std::string& name, const Disk& disk, const Unit& answer)
 {
-    m_asked[{process.pid, disk.name}] = {disk.instance,
-                                         disk.known,
-                                         answer.id,
-                                         changes(),
-                                         process.count(Point::INQUIRY),
-                                         process.count(Point::PAUSE)};
+    m_asked[{process.pid, name}] = {disk.instance,
+                                    disk.known,
+                                    answer.id,
+                                    changes(),
+                                    process.count(Point::INQUIRY),
+                                    process.count(Point::PAUSE)};
 }
 
 bool Judge::isLate(const Process& process, const Asked& asked) const
@@ -101,6 +101,17 @@ bool mayGo(const Errand& own, const Unit& known, const std::string& id)
 
 } // namespace
 
+/** Whether another process has had it open since before this one has begun. */
+bool Judge::isInUse(const Process& process, const Disk& disk)
+{
+    const std::deque<Process>& all = m_scheduler.processes();
+    return std::any_of(all.begin(), all.end(), [&](const Process& other) {
+        return &other != &process && std::any_of(other.open.begin(), other.open.end(), [&](const auto& open) {
+            return open.second.instance == disk.instance && open.second.since < m_begins[process.pid];
+        });
+    });
+}
+
 void Judge::removes(const Process& process, const Disk& disk)
 {
     const auto errand = m_errands.find(process.pid);
@@ -111,6 +122,9 @@ void Judge::removes(const Process& process, const Disk& disk)
     const Errand& own = errand->second;
     if (own.manner != Manner::STEP_BY_STEP && isWithoutLock(process)) {
         find(process.name + " removes " + disk.name + " without the lock");
+    }
+    if (own.manner == Manner::WHOLE && isInUse(process, disk)) {
+        find(process.name + " removes " + disk.name + ", which another process has open");
     }
     const Unit unit = m_kernel.unitOf(disk);
     if (disk.writtenAt != 0 && disk.writtenAt < m_begins[process.pid] && unit.id == disk.known.id &&
@@ -138,6 +152,20 @@ void Judge::removes(const Process& process, const Disk& disk)
          (unit.id.empty() ? "away" : "LUN " + unit.id) + ", for LUN " + own.lun);
 }
 
+/** A map goes where each of its paths may, or is away. */
+void Judge::removes(const Process& process, const Map& map)
+{
+    const auto errand = m_errands.find(process.pid);
+    for (const auto& [name, instance] : map.paths) {
+        const Disk* const disk = m_kernel.find(name);
+        const std::string id = disk != nullptr && disk->instance == instance ? m_kernel.unitOf(*disk).id : "";
+        if (!id.empty() && (errand == m_errands.end() || !mayGo(errand->second, disk->known, id))) {
+            find(process.name + " removes the map " + map.wwid + " of " + name + ", which is LUN " + id);
+        }
+    }
+    meets("maps removed");
+}
+
 void Judge::readsState(const Process& process, const Disk& disk)
 {
     m_states[{process.pid, disk.instance}] = disk.state;
@@ -161,21 +189,36 @@ void Judge::handsOut(const Process& process, const std::string& path)
     if (errand == m_errands.end()) {
         return; // it was killed
     }
-    const Errand& own = errand->second;
     const std::string name = path.substr(path.rfind('/') + 1);
-    const auto found = m_asked.find({process.pid, name});
-    if (found == m_asked.end() || found->second.id != own.lun) {
-        find(process.name + " gets " + path + " for LUN " + own.lun + ", which has not answered as it");
+    const Map* const map = m_multipath.find(name);
+    meets(map != nullptr ? "maps handed out" : "disks handed out");
+    if (map == nullptr || errand->second.manner == Manner::STEP_BY_STEP) {
+        handsOut(process, errand->second.lun, path, name);
         return;
     }
-    meets("disks handed out");
+    for (const auto& [disk, instance] : map->paths) {
+        const Disk* const now = m_kernel.find(disk);
+        if (now != nullptr && now->instance == instance && m_states[{process.pid, instance}] == "running") {
+            handsOut(process, errand->second.lun, path, disk);
+        }
+    }
+}
+
+void Judge::handsOut(const Process& process, const std::string& lun, const std::string& path,
+                     const std::string& name)
+{
+    const auto found = m_asked.find({process.pid, name});
+    if (found == m_asked.end() || found->second.id != lun) {
+        find(process.name + " gets " + path + " for LUN " + lun + ", which has not answered as it");
+        return;
+    }
     if (found->second.pauses != process.count(Point::PAUSE)) {
-        find(process.name + " gets " + path + ", which has answered long ago");
+        find(process.name + " gets " + path + " for LUN " + lun + ", which has answered long ago");
     }
     const Disk* const disk = m_kernel.find(name);
     if (disk != nullptr && disk->instance == found->second.instance && found->second.changes == changes() &&
-        m_kernel.isUp(disk->host) && m_kernel.unitOf(*disk).id != own.lun) {
-        find(process.name + " gets " + path + " for LUN " + own.lun + ", which is another disk");
+        m_kernel.isUp(disk->host) && m_kernel.unitOf(*disk).id != lun) {
+        find(process.name + " gets " + path + " for LUN " + lun + ", which is another disk");
     }
 }
 
@@ -207,6 +250,17 @@ void Judge::atRest(int semaphore)
     arrayAtRest();
 }
 
+/** Tidy leaves a map, and so its dead paths, where one of them is well. */
+bool Judge::isInMapThatStays(const Disk& disk) const
+{
+    const Map* const map = m_multipath.find(disk.map);
+    return map != nullptr && std::any_of(map->paths.begin(), map->paths.end(), [&](const auto& path) {
+               const Disk* const other = m_kernel.find(path.first);
+               return other != nullptr && other->instance == path.second &&
+                      m_kernel.unitOf(*other).id == other->known.id;
+           });
+}
+
 void Judge::disksAtRest()
 {
     for (const auto& [name, disk] : m_kernel.disks()) {
@@ -215,10 +269,11 @@ void Judge::disksAtRest()
         }
         meets("dead disks at rest");
         const History& history = m_histories[disk.known.id];
-        if (m_isTidy) {
+        // Tidy keeps what the array shows, at another number say, that nobody has scanned yet.
+        if (m_isTidy && !m_array.shows(disk.known.id) && !isInMapThatStays(disk)) {
             find("at rest " + name + " is a dead disk of LUN " + disk.known.id +
                  ", though disks were tidied");
-        } else if (!history.hasSingleSteps && !history.isCutOff && !history.isTakenAway &&
+        } else if (!m_isTidy && !history.hasSingleSteps && !history.isCutOff && !history.isTakenAway &&
                    !m_isScannedWithoutLock) {
             find("at rest " + name + " is a dead disk of LUN " + disk.known.id);
         }

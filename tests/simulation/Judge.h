@@ -2,6 +2,7 @@
 #define SIMULATION_JUDGE_H
 
 #include "simulation/Kernel.h"
+#include "simulation/Multipath.h"
 
 #include <map>
 #include <optional>
@@ -40,8 +41,8 @@ struct History
 class Judge
 {
 public:
-    Judge(Scheduler& scheduler, SimulatedArray& array, Kernel& kernel)
-        : m_scheduler(scheduler), m_array(array), m_kernel(kernel)
+    Judge(Scheduler& scheduler, SimulatedArray& array, Kernel& kernel, Multipath& multipath)
+        : m_scheduler(scheduler), m_array(array), m_kernel(kernel), m_multipath(multipath)
     {
     }
 
@@ -50,8 +51,10 @@ public:
     void ends(const Process& process, bool isWell);
     void isKilled(const Process& process);
 
-    void asked(const Process& process, const Disk& disk, const Unit& answer);
+    /** @param name of the disk, or of the map that it is a path of. */
+    void asked(const Process& process, const std::string& name, const Disk& disk, const Unit& answer);
     void removes(const Process& process, const Disk& disk);
+    void removes(const Process& process, const Map& map);
     void readsState(const Process& process, const Disk& disk);
     /** The rescan script, with -r, that a process has started. */
     void scriptRemoves(int starter, const Disk& disk);
@@ -86,16 +89,21 @@ private:
         unsigned pauses;
     };
 
+    void handsOut(const Process& process, const std::string& lun, const std::string& path,
+                  const std::string& name);
+    bool isInUse(const Process& process, const Disk& disk);
     bool isLate(const Process& process, const Asked& asked) const;
 
     bool isOurs(const Disk& disk) const { return disk.host == "1" || disk.host == "2"; }
     unsigned long changes() const { return m_array.changes() + m_kernel.changes(); }
+    bool isInMapThatStays(const Disk& disk) const;
     void disksAtRest();
     void arrayAtRest();
 
     Scheduler& m_scheduler;
     SimulatedArray& m_array;
     Kernel& m_kernel;
+    Multipath& m_multipath;
     std::map<int, Errand> m_errands;
     std::map<int, Time> m_begins;                 ///< of these
     std::set<std::pair<int, unsigned>> m_flushed; ///< disks that were written back in an errand

@@ -154,6 +154,9 @@ void Kernel::remove(Disk& disk)
     m_tree.erase(DEVICES + disk.address());
     m_disks.erase(name);
     tellUdev(name, instance);
+    if (onGone) {
+        onGone(name, instance);
+    }
 }
 
 void Kernel::rescan(Disk& disk)

@@ -43,7 +43,6 @@ struct Habits
 {
     Time udevDelay = 20000; ///< from an event to the names in /dev/disk/by-id
     Time diskDelay = 2000;  ///< from a scan to a disk's block device
-    bool hasMultipath = false;
 };
 
 /** The SCSI disks of a host as Linux keeps them, their files in /sys, and what udev makes of them. */
@@ -77,6 +76,7 @@ public:
     void stallUdev(Time time) { m_udevFree = std::max(m_udevFree, m_scheduler.now() + time); }
 
     std::function<void(const Disk&)> onNamed; ///< udev has come to it
+    std::function<void(const std::string& name, unsigned instance)> onGone;
 
 private:
     void show(const Disk& disk);

@@ -52,8 +52,9 @@ rc::Gen<Scenario> scenarios()
 {
     return rc::gen::build<Scenario>(
         rc::gen::set(&Scenario::sessions, rc::gen::inRange(1U, 3U)),
-        rc::gen::set(&Scenario::udevMilliseconds, rc::gen::element(20U, 1U, 400U, 3000U)),
+        rc::gen::set(&Scenario::udevMilliseconds, rc::gen::element(20U, 1U, 20U, 400U, 100U, 1500U)),
         rc::gen::set(&Scenario::isScriptHarmful, rc::gen::weightedElement<bool>({{3, false}, {1, true}})),
+        rc::gen::set(&Scenario::hasMultipath, rc::gen::weightedElement<bool>({{3, false}, {1, true}})),
         rc::gen::set(&Scenario::isTidied),
         rc::gen::set(&Scenario::clients, listOf(1, MOST_CLIENTS, listOf(1, 2, jobs()))),
         rc::gen::set(&Scenario::events, rc::gen::container<std::vector<Event>>(events())));
@@ -81,7 +82,8 @@ std::string textOf(const Scenario& scenario)
     std::ostringstream text;
     text << scenario.sessions << " session(s), udev takes " << scenario.udevMilliseconds << " ms"
          << (scenario.isScriptHarmful ? ", the rescan script is harmful" : "")
-         << (scenario.isTidied ? ", tidied in the end" : "") << "\n";
+         << (scenario.hasMultipath ? ", multipath" : "") << (scenario.isTidied ? ", tidied in the end" : "")
+         << "\n";
     for (size_t i = 0; i < scenario.clients.size(); ++i) {
         text << "client" << i + 1 << ":";
         for (const Job& job : scenario.clients[i]) {

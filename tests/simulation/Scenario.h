@@ -50,7 +50,8 @@ struct Scenario
     unsigned sessions; ///< to the array: 1 or 2
     unsigned udevMilliseconds;
     bool isScriptHarmful; ///< with -r it removes what is well
-    bool isTidied;        ///< in the end
+    bool hasMultipath;
+    bool isTidied; ///< in the end
     std::vector<std::vector<Job>> clients;
     std::vector<Event> events;
 };

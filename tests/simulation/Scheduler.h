@@ -31,6 +31,14 @@ enum class Point
     COUNT
 };
 
+/** A device that a process has open. */
+struct OpenDevice
+{
+    std::string name;
+    unsigned instance; ///< of the disk, or of the first that works of a map
+    Time since;
+};
+
 /** A process of the host. */
 struct Process
 {
@@ -39,11 +47,11 @@ struct Process
     bool isKilled = false; ///< it ends without another effect
     std::array<unsigned, size_t(Point::COUNT)> reached{};
     unsigned count(Point point) const { return reached[size_t(point)]; }
-    int undo = 0;                    ///< what the kernel adds to the semaphore when it ends
-    std::map<int, std::string> open; ///< devices by descriptor
-    std::vector<char> memory;        ///< of what each process has for itself alone
-    Time pastEnd = 0;                ///< what the clock of a killed one is ahead
-    int trouble = -1;                ///< of its next request
+    int undo = 0;                   ///< what the kernel adds to the semaphore when it ends
+    std::map<int, OpenDevice> open; ///< by descriptor
+    std::vector<char> memory;       ///< of what each process has for itself alone
+    Time pastEnd = 0;               ///< what the clock of a killed one is ahead
+    int trouble = -1;               ///< of its next request
 };
 
 /** Processes that run one at a time, in an order that depends on nothing but what is chosen; a clock of its

@@ -25,7 +25,7 @@ public:
     {
         // What a process does once in its life is done: the objects that say so are this program's, one for
         // all.
-        faultOf({1, 1, false, true, {{{1, true, 0}, {1, false, 0}}}, {}});
+        faultOf({1, 1, false, false, true, {{{1, true, 0}, {1, false, 0}}}, {}});
     }
 
     ~Runs() { CDeviceManager::releaseInstance(m_first); }
