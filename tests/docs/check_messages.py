@@ -15,7 +15,7 @@ NO_MESSAGE = re.compile(r"""
     ^Shows\ disks\ to\ one\ host # a description
     | ^\s*(ls|lsscsi|echo|timeout|kxRescan|which|rescan-scsi-bus\.sh|multipathd?|dmsetup|udevadm)\b[^!]*$   # commands
     | ^\ \|\ grep | ^\ 0\ fail_if_no_path$ | ^\ 2?>/dev/null | ^\$\(timeout | esac;\ exit | ^;\ case | kxRescan\ 2> | ^%Y | ^Content-Type | ^:\ $ | ^\ and\ $ | ^enter\ $ | ^leave\ $ | ^(enter\ )?%s%s?\ successfully
-    | ^%s\ \[%s\]$ | ^libcurl\ (lacks|cannot) | ^DELETE\ \ HTTP # never written""", re.VERBOSE)
+    | ^%s\ \[%s\]$ | ^(libcurl|OpenSSL)\ (lacks|cannot) | ^DELETE\ \ HTTP # never written""", re.VERBOSE)
 MADE_OF_PARTS = re.compile(r"^(the|add) (lun|snapshot)(?= )")
 
 
