@@ -5,6 +5,7 @@
 
 #include <openssl/ssl.h>
 
+#include <poll.h>
 #include <string>
 
 namespace tessel_test {
@@ -30,6 +31,16 @@ public:
     TlsConnection& operator=(const TlsConnection&) = delete;
 
     bool isOpen() const { return m_isOpen; }
+    /**
+     * Waits until a little more can be sent; false when the array has ended the connection. A write that
+     * waits for room would hear of that by the next probe of a closed window alone, a minute later.
+     */
+    bool waitForRoom()
+    {
+        pollfd polled = {-1, POLLOUT | POLLRDHUP, 0};
+        BIO_get_fd(m_bio, &polled.fd);
+        return poll(&polled, 1, PATIENCE_MS) == 1 && polled.revents == POLLOUT;
+    }
     bool send(const std::string& bytes)
     {
         return BIO_write(m_bio, bytes.data(), static_cast<int>(bytes.size())) > 0;
@@ -42,6 +53,8 @@ public:
     }
 
 private:
+    static constexpr int PATIENCE_MS = 60000;
+
     SSL_CTX* m_context;
     BIO* m_bio;
     bool m_isOpen = false;

@@ -77,7 +77,7 @@ TEST_F(SimulatorLimit, AnEndlessHeadEndsTheConnection)
     ASSERT_TRUE(connection.isOpen());
     std::string piece = "GET / HTTP/1.1\r\n";
     std::size_t sent = 0;
-    while (sent < 64 * MIB && connection.send(piece)) {
+    while (sent < 64 * MIB && connection.waitForRoom() && connection.send(piece)) {
         sent += piece.size();
         piece = "X-" + std::to_string(sent) + ": " + std::string(4000, 'x') + "\r\n";
     }
