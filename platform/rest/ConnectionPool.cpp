@@ -58,13 +58,28 @@ void startCrypto()
     }
 }
 
+/// Whether a handle keeps a pointer into the header lines of its last answer, which are gone: where the first
+/// line of the next one goes on from none, libcurl before 8.2 writes to it.
+bool keepsLastHeader()
+{
+    constexpr unsigned MENDED = 0x080200;
+    static const bool keeps = curl_version_info(CURLVERSION_NOW)->version_num < MENDED;
+    return keeps;
+}
+
+/// What is missing of the two; the first keeps the connection.
 void makeHandles(Connection& connection)
 {
-    connection.multi.reset(curl_multi_init());
+    if (!connection.multi) {
+        connection.multi.reset(curl_multi_init());
+        // A new connection closes the one that it replaces.
+        if (!connection.multi ||
+            curl_multi_setopt(connection.multi.get(), CURLMOPT_MAXCONNECTS, 1L) != CURLM_OK) {
+            throw std::bad_alloc();
+        }
+    }
     connection.handle.reset(curl_easy_init());
-    // A new connection closes the one that it replaces.
-    if (!connection.multi || !connection.handle ||
-        curl_multi_setopt(connection.multi.get(), CURLMOPT_MAXCONNECTS, 1L) != CURLM_OK) {
+    if (!connection.handle) {
         throw std::bad_alloc();
     }
 }
@@ -133,6 +148,10 @@ Connection ConnectionPool::take(const std::string& key)
 
 void ConnectionPool::giveBack(Connection connection)
 {
+    if (keepsLastHeader()) {
+        connection.handle.reset();
+        connection.isSet = false;
+    }
     IdleList node = makeNode();
     node.front() = Idle{std::move(connection), Clock::now()};
     IdleList surplus; // closed after the lock was released

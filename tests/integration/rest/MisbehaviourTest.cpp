@@ -19,6 +19,23 @@ class RestMisbehaviour : public RestFixture, public testing::WithParamInterface<
 {
 };
 
+/** libcurl 7.88 would write to a header of the first answer, which is gone: what looks at memory sees it. */
+TEST_F(RestFixture, AFirstHeaderLineThatGoesOnFromNoneIsNoneOfTheAnswerBefore)
+{
+    MisbehavingServer server;
+    const std::string body = R"({"data":{"ID":"7"},"error":{"code":0,"description":"0"}})";
+    server.setDefault(
+        Behaviour::raw("HTTP/1.1 200 OK\r\n going on from what is not there at all\r\nContent-Length: " +
+                       std::to_string(body.size()) + "\r\n\r\n" + body));
+    server.enqueue(Behaviour::success(R"({"ID":"7"})"));
+    EXPECT_EQ(0, send(server.url()).result);
+    for (int i = 0; i < 100; ++i) {
+        send(server.url()); // an answer or none: it is libcurl's to say
+    }
+    server.setDefault(Behaviour::success(R"({"ID":"7"})"));
+    EXPECT_EQ(0, send(server.url()).result);
+}
+
 TEST_P(RestMisbehaviour, IsAFailureAndTheNextCallWorks)
 {
     MisbehavingServer server;
