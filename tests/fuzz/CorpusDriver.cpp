@@ -11,7 +11,11 @@
 
 namespace {
 
-const int MUTATIONS = 3000;
+#ifndef FUZZ_MUTATIONS // fewer of those that take long
+#define FUZZ_MUTATIONS 3000
+#endif
+constexpr size_t MUTATIONS = FUZZ_MUTATIONS; // of an input
+constexpr size_t ALL_MUTATIONS = 36000;      // of all, where there are many
 
 using Bytes = std::vector<uint8_t>;
 
@@ -82,16 +86,17 @@ int main(int argc, char** argv)
         files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
+    const size_t mutations = std::min(MUTATIONS, ALL_MUTATIONS / std::max<size_t>(files.size(), 1));
     run(Bytes());
     for (const auto& path : files) {
         std::ifstream file(path, std::ios::binary);
         const Bytes bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
         run(bytes);
         Mutator mutate;
-        for (int i = 0; i < MUTATIONS; ++i) {
+        for (size_t i = 0; i < mutations; ++i) {
             run(mutate(bytes));
         }
     }
-    std::printf("%zu inputs with %d mutations each\n", files.size(), MUTATIONS);
+    std::printf("%zu inputs with %zu mutations each\n", files.size(), mutations);
     return files.empty() ? 1 : 0;
 }
