@@ -160,7 +160,11 @@ void Judge::removes(const Process& process, const Map& map)
         const Disk* const disk = m_kernel.find(name);
         const std::string id = disk != nullptr && disk->instance == instance ? m_kernel.unitOf(*disk).id : "";
         if (!id.empty() && (errand == m_errands.end() || !mayGo(errand->second, disk->known, id))) {
-            find(process.name + " removes the map " + map.wwid + " of " + name + ", which is LUN " + id);
+            find(std::string(process.name)
+                     .append(" removes a map of ")
+                     .append(name)
+                     .append(", which is LUN ") +
+                 id);
         }
     }
     meets("maps removed");

@@ -5,8 +5,8 @@
 namespace simulation {
 namespace {
 
-constexpr Time STEP = 100;                   // what anything takes
-constexpr Time LONGEST = 48 * 3600 * SECOND; // nothing that ends takes longer
+constexpr Time STEP = 100;                     // what anything takes
+constexpr Time LONGEST = 48 * (3600 * SECOND); // nothing that ends takes longer
 
 } // namespace
 
