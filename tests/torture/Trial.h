@@ -54,7 +54,8 @@ private:
     Places* const m_places;
 };
 
-/** What a cold process does. @param arguments the four of the target, the descriptor of its result, and the mode. */
+/** What a cold process does. @param arguments the four of the target, the descriptor of its result, and the
+ * mode. */
 [[noreturn]] void runColdTrial(char** arguments);
 
 } // namespace torture
