@@ -7,9 +7,52 @@
 #include <limits.h>
 #include <memory>
 #include <sstream>
+#include <system_error>
 #include <unistd.h>
 
 namespace ovra::disk {
+namespace {
+
+struct Listing
+{
+    std::vector<std::string> names; ///< in ascending order
+    int error = 0;                  ///< errno of what ended it early
+};
+
+Listing listing(const std::string& directory)
+{
+    Listing found;
+    errno = 0;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
+    while (const dirent* entry = stream ? readdir(stream.get()) : nullptr) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            found.names.push_back(name);
+        }
+        errno = 0;
+    }
+    found.error = errno;
+    std::sort(found.names.begin(), found.names.end());
+    return found;
+}
+
+/** Throws unless an error, 0 for none, says that something is not there; devices go while they are read. */
+void requireAbsent(const std::string& path, int error)
+{
+    for (const int absent : {0, ENOENT, ENOTDIR, ENODEV, ENXIO, EINVAL}) {
+        if (error == absent) {
+            return;
+        }
+    }
+    throw Unreadable(path + " cannot be read: " + std::generic_category().message(error));
+}
+
+std::string firstLine(const std::string& content)
+{
+    return content.substr(0, content.find('\n'));
+}
+
+} // namespace
 
 std::optional<std::string> readFile(const std::string& path)
 {
@@ -33,8 +76,7 @@ std::string contentOf(const std::string& path)
 
 std::string valueOf(const std::string& path)
 {
-    const std::string content = contentOf(path);
-    return content.substr(0, content.find('\n'));
+    return firstLine(contentOf(path));
 }
 
 bool writeFile(const std::string& path, const std::string& text)
@@ -62,16 +104,29 @@ std::vector<std::string> linesOf(const std::string& text)
 
 std::vector<std::string> namesIn(const std::string& directory)
 {
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
-    while (const dirent* entry = stream ? readdir(stream.get()) : nullptr) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") {
-            names.push_back(name);
-        }
+    return listing(directory).names;
+}
+
+std::string contentThere(const std::string& path)
+{
+    errno = 0;
+    std::optional<std::string> content = readFile(path);
+    if (!content) {
+        requireAbsent(path, errno);
     }
-    std::sort(names.begin(), names.end());
-    return names;
+    return content.value_or(std::string());
+}
+
+std::string valueThere(const std::string& path)
+{
+    return firstLine(contentThere(path));
+}
+
+std::vector<std::string> namesThere(const std::string& directory)
+{
+    Listing found = listing(directory);
+    requireAbsent(directory, found.error);
+    return found.names;
 }
 
 std::string targetOf(const std::string& link)

@@ -23,12 +23,12 @@ std::string folderOf(const std::string& node, const std::string& root)
 
 std::uint64_t bytesOf(const std::string& folder)
 {
-    return std::strtoull(valueOf(folder + "/size").c_str(), nullptr, 10) * SECTOR;
+    return std::strtoull(valueThere(folder + "/size").c_str(), nullptr, 10) * SECTOR;
 }
 
 bool isOne(const std::string& file)
 {
-    return valueOf(file) == "1";
+    return valueThere(file) == "1";
 }
 
 std::string addressOf(const std::string& folder)
@@ -69,11 +69,11 @@ std::optional<ScsiDisk> scsiDisk(const std::string& name, const std::string& roo
     if (!ScsiAddress::parse(disk.address)) {
         return std::nullopt;
     }
-    disk.state = valueOf(folder + "/device/state");
+    disk.state = valueThere(folder + "/device/state");
     disk.bytes = bytesOf(folder);
     disk.isReadOnly = isOne(folder + "/ro");
     disk.known = knownAt(disk.address, root);
-    for (const std::string& holder : namesIn(folder + "/holders")) {
+    for (const std::string& holder : namesThere(folder + "/holders")) {
         if (multipathMap(holder, root)) {
             disk.map = holder;
         }
@@ -84,7 +84,7 @@ std::optional<ScsiDisk> scsiDisk(const std::string& name, const std::string& roo
 std::vector<ScsiAddress> scsiAddressesOf(const std::vector<std::string>& hosts, const std::string& root)
 {
     std::vector<ScsiAddress> addresses;
-    for (const std::string& name : namesIn(root + SCSI_DEVICES)) {
+    for (const std::string& name : namesThere(root + SCSI_DEVICES)) {
         const std::optional<ScsiAddress> address =
             isOn(hosts, name) ? ScsiAddress::parse(name) : std::nullopt;
         if (address) {
@@ -96,13 +96,13 @@ std::vector<ScsiAddress> scsiAddressesOf(const std::vector<std::string>& hosts, 
 
 DiskIdentity knownAt(const std::string& address, const std::string& root)
 {
-    const std::string page = contentOf(deviceOf(address, root) + "/vpd_pg83");
+    const std::string page = contentThere(deviceOf(address, root) + "/vpd_pg83");
     return page.empty() ? DiskIdentity() : parsePage83(page).value_or(DiskIdentity());
 }
 
 std::optional<ScsiDisk> scsiDiskAt(const std::string& address, const std::string& root)
 {
-    const std::vector<std::string> names = namesIn(blocksOf(address, root));
+    const std::vector<std::string> names = namesThere(blocksOf(address, root));
     return names.empty() ? std::nullopt : scsiDisk(names.front(), root);
 }
 
@@ -128,27 +128,27 @@ bool hasUnfinishedDisks(const std::vector<std::string>& hosts, const std::string
 {
     const std::vector<ScsiAddress> addresses = scsiAddressesOf(hosts, root);
     return std::any_of(addresses.begin(), addresses.end(), [&](const ScsiAddress& address) {
-        return namesIn(blocksOf(address.text, root)).empty() &&
-               valueOf(deviceOf(address.text, root) + "/type") == DISK_TYPE;
+        return namesThere(blocksOf(address.text, root)).empty() &&
+               valueThere(deviceOf(address.text, root) + "/type") == DISK_TYPE;
     });
 }
 
 std::optional<MultipathMap> multipathMap(const std::string& node, const std::string& root)
 {
     const std::string folder = folderOf(node, root);
-    const std::string uuid = isMapperName(node) ? valueOf(folder + "/dm/uuid") : std::string();
+    const std::string uuid = isMapperName(node) ? valueThere(folder + "/dm/uuid") : std::string();
     if (!startsWith(uuid, MULTIPATH_UUID)) {
         return std::nullopt;
     }
     MultipathMap map;
     map.node = node;
-    map.name = valueOf(folder + "/dm/name");
+    map.name = valueThere(folder + "/dm/name");
     map.wwid = uuid.substr(std::string(MULTIPATH_UUID).size());
     map.bytes = bytesOf(folder);
     map.isReadOnly = isOne(folder + "/ro");
     map.isSuspended = isOne(folder + "/dm/suspended");
     const std::string slaves = folder + "/slaves/";
-    for (const std::string& path : namesIn(slaves)) {
+    for (const std::string& path : namesThere(slaves)) {
         if (access((slaves + path).c_str(), F_OK) == 0) { // else it is removed, and not let go yet
             map.paths.push_back(path);
         }
@@ -158,7 +158,7 @@ std::optional<MultipathMap> multipathMap(const std::string& node, const std::str
 
 std::optional<MultipathMap> mapOfWwn(const std::string& wwn, const std::string& root)
 {
-    for (const std::string& node : namesIn(root + BLOCK)) {
+    for (const std::string& node : namesThere(root + BLOCK)) {
         std::optional<MultipathMap> map = multipathMap(node, root);
         if (map && map->wwid == NAA + wwn) {
             return map;
@@ -170,7 +170,7 @@ std::optional<MultipathMap> mapOfWwn(const std::string& wwn, const std::string& 
 bool isMapPartition(const std::string& node, const std::string& root)
 {
     // kpartx names a partition's UUID after the map's: part1-mpath-3600...
-    const std::string uuid = valueOf(folderOf(node, root) + "/dm/uuid");
+    const std::string uuid = valueThere(folderOf(node, root) + "/dm/uuid");
     return startsWith(uuid, "part") && uuid.find(std::string("-") + MULTIPATH_UUID) != std::string::npos;
 }
 

@@ -41,21 +41,21 @@ std::string plainInitiator(bool isFC, const std::string& id)
 std::vector<ScsiHost> scsiHosts(const std::string& root)
 {
     std::vector<ScsiHost> hosts;
-    for (const std::string& session : namesIn(root + SESSIONS)) {
+    for (const std::string& session : namesThere(root + SESSIONS)) {
         const std::string folder = std::string(root).append(SESSIONS).append(session);
-        const std::string state = valueOf(folder + "/state");
+        const std::string state = valueThere(folder + "/state");
         hosts.push_back({hostIn(targetOf(folder)), false,
-                         plainInitiator(false, valueOf(folder + "/initiatorname")), state == "LOGGED_IN",
+                         plainInitiator(false, valueThere(folder + "/initiatorname")), state == "LOGGED_IN",
                          std::string(session)
                              .append(" to ")
-                             .append(valueOf(folder + "/targetname"))
+                             .append(valueThere(folder + "/targetname"))
                              .append(" is ")
                              .append(state)});
     }
-    for (const std::string& name : namesIn(root + FC_HOSTS)) {
+    for (const std::string& name : namesThere(root + FC_HOSTS)) {
         const std::string folder = std::string(root).append(FC_HOSTS).append(name);
-        const std::string state = valueOf(folder + "/port_state");
-        const std::string port = plainInitiator(true, valueOf(folder + "/port_name"));
+        const std::string state = valueThere(folder + "/port_state");
+        const std::string port = plainInitiator(true, valueThere(folder + "/port_name"));
         hosts.push_back({hostIn("/" + name), true, port, state == "Online",
                          std::string(name).append(" with port ").append(port).append(" is ").append(state)});
     }

@@ -5,6 +5,7 @@
 
 #include "session/LastFailure.h"
 
+#include <ovra/disk/Files.h>
 #include <ovra/threads/NoCancellation.h>
 #include <tessel/Exception.h>
 
@@ -29,6 +30,11 @@ auto whole(const Steps& steps) -> decltype(steps())
         throw notedFailure(
             ended.why, "the call was ended while it was at work: call again to go on from there! LocalDisk",
             true);
+    } catch (const disk::Unreadable& problem) {
+        throw notedFailure(FailureKind::HOST,
+                           std::string("the disks of this host cannot be told: ") + problem.what() +
+                               "; call again to go on from there! LocalDisk",
+                           true);
     } catch (const std::system_error& error) {
         throw notedFailure(FailureKind::HOST,
                            std::string("this process can start nothing: ") + error.what() + "! LocalDisk");

@@ -1,11 +1,15 @@
 #include "KernelDisks.h"
 
+#include "localdisk/Whole.h"
+
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/ScsiHosts.h>
 
 #include <filesystem>
+#include <sys/resource.h>
 
 using namespace ovra;
+using ovra::tessel::whole;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -43,6 +47,28 @@ TEST_F(DisksOfTheKernel, NeedNotSayWhoTheyAre)
     silent.known = "";
     add(silent);
     EXPECT_EQ(disk::scsiDisk("sdc")->known.wwn, "");
+}
+
+TEST_F(DisksOfTheKernel, AreNotTakenForAbsentWhereTheyCannotBeRead)
+{
+    add(KernelDisk());
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_THROW(disk::scsiDisksOf({"1"}), disk::Unreadable);
+    EXPECT_THROW(disk::scsiHosts(), disk::Unreadable);
+    EXPECT_THROW(disk::mapOfWwn(WWN), disk::Unreadable);
+    EXPECT_THROW(disk::valueThere("/sys/block/sdc/size"), disk::Unreadable);
+    const std::string reason = failure([&] { whole([] { return disk::scsiDisksOf({"1"}); }); });
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(
+        reason,
+        "Exception:the disks of this host cannot be told: /sys/class/scsi_device/ cannot be read: Too many "
+        "open files; call again to go on from there! LocalDisk");
+    EXPECT_EQ(disk::valueThere("/sys/block/sdz/size"), "") << "what is not there is not unreadable";
+    EXPECT_THAT(disk::scsiDisksOf({"1"}), testing::SizeIs(1));
 }
 
 TEST_F(DisksOfTheKernel, AreNoMapsAndNoPartitions)

@@ -2,6 +2,7 @@
 #define OVRA_DISK_FILES_H
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,19 @@ std::vector<std::string> linesOf(const std::string& text);
 
 /** The names in a directory in ascending order; none when it cannot be read. */
 std::vector<std::string> namesIn(const std::string& directory);
+
+/** Something of the host is there and cannot be read: what it says is not known, and not that there is
+ * nothing. */
+struct Unreadable : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+/** As contentOf, valueOf and namesIn, where nothing is taken for absent but what is: throw Unreadable else.
+ */
+std::string contentThere(const std::string& path);
+std::string valueThere(const std::string& path);
+std::vector<std::string> namesThere(const std::string& directory);
 
 /** Where a symbolic link leads, as it is written; empty when it is none. */
 std::string targetOf(const std::string& link);

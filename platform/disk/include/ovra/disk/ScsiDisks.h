@@ -10,7 +10,7 @@
 #include <vector>
 
 // SCSI disks and multipath maps as the kernel's /sys shows them. No device is asked anything. The root, where
-// one is given, stands before /sys.
+// one is given, stands before /sys. Unreadable is thrown where it cannot be told what there is.
 
 namespace ovra::disk {
 
