@@ -1,6 +1,8 @@
 // What one getLun costs its caller beside the same GET in libcurl alone on one connection ("bare"), and that
 // with one reader of JsonCpp kept ("json").
-//   call_cost count KIND CALLS PORT CAFILE           makes the calls; prints the allocations of one
+//   call_cost count KIND CALLS PORT CAFILE           makes the calls; prints the allocations of one; KIND:
+//   bare, json,
+//                                                    sdk, observed (sdk, with an observer)
 //   call_cost time ROUNDS CALLS PORT CAFILE          all kinds in turn; prints wall and CPU as ratios to
 //   json, medians
 
@@ -131,8 +133,39 @@ private:
     CLunHandler* m_luns = nullptr;
 };
 
+/** The same with an observer that looks at every event, as one that counts does. */
+class Observed : public Sdk
+{
+public:
+    using Sdk::Sdk;
+    ~Observed() override { ovra::tessel::removeObserver(m_counter); }
+    Observed(const Observed&) = delete;
+    Observed& operator=(const Observed&) = delete;
+
+    void call() override
+    {
+        if (m_counter == nullptr) { // behind the login
+            m_counter = std::make_shared<Counter>();
+            ovra::tessel::addObserver(m_counter);
+        }
+        Sdk::call();
+    }
+
+private:
+    struct Counter : ovra::tessel::Observer
+    {
+        void operationEnded(const ovra::tessel::OperationEvent& event) override { seconds += event.seconds; }
+        double seconds = 0;
+    };
+
+    std::shared_ptr<Counter> m_counter;
+};
+
 std::unique_ptr<Kind> make(const std::string& kind, const std::string& port, const std::string& caFile)
 {
+    if (kind == "observed") {
+        return std::make_unique<Observed>(port, caFile);
+    }
     if (kind == "sdk") {
         return std::make_unique<Sdk>(port, caFile);
     }
