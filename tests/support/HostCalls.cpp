@@ -4,6 +4,7 @@
 #include "support/HostSeam.h"
 #include "support/RecordingPlatform.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -70,6 +71,10 @@ int pclose(FILE* stream)
 FILE* fopen(const char* path, const char* mode)
 {
     HostSeam* const seam = HostSeam::active();
+    if (seam != nullptr && seam->hasNoDescriptors) {
+        errno = EMFILE;
+        return nullptr;
+    }
     const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
     if (seam == nullptr || file == seam->files.end()) {
         return next("fopen", &fopen)(placeOf(path).c_str(), mode);
@@ -84,6 +89,10 @@ int access(const char* path, int mode) noexcept
 
 DIR* opendir(const char* path)
 {
+    if (HostSeam::active() != nullptr && HostSeam::active()->hasNoDescriptors) {
+        errno = EMFILE;
+        return nullptr;
+    }
     return next("opendir", &opendir)(placeOf(path).c_str());
 }
 

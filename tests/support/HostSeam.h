@@ -62,6 +62,8 @@ public:
     /** Called when what was written to a device is written back. */
     std::function<void(const std::string& disk)> onFlush;
 
+    bool hasNoDescriptors = false; ///< no file and no directory can be opened to be read
+
     /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;
 

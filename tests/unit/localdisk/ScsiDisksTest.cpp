@@ -6,7 +6,6 @@
 #include <ovra/disk/ScsiHosts.h>
 
 #include <filesystem>
-#include <sys/resource.h>
 
 using namespace ovra;
 using ovra::tessel::whole;
@@ -52,17 +51,13 @@ TEST_F(DisksOfTheKernel, NeedNotSayWhoTheyAre)
 TEST_F(DisksOfTheKernel, AreNotTakenForAbsentWhereTheyCannotBeRead)
 {
     add(KernelDisk());
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    rlimit none = before;
-    none.rlim_cur = 0;
-    setrlimit(RLIMIT_NOFILE, &none);
+    seam.hasNoDescriptors = true;
     EXPECT_THROW(disk::scsiDisksOf({"1"}), disk::Unreadable);
     EXPECT_THROW(disk::scsiHosts(), disk::Unreadable);
     EXPECT_THROW(disk::mapOfWwn(WWN), disk::Unreadable);
     EXPECT_THROW(disk::valueThere("/sys/block/sdc/size"), disk::Unreadable);
     const std::string reason = failure([&] { whole([] { return disk::scsiDisksOf({"1"}); }); });
-    setrlimit(RLIMIT_NOFILE, &before);
+    seam.hasNoDescriptors = false;
     EXPECT_EQ(
         reason,
         "Exception:the disks of this host cannot be told: /sys/class/scsi_device/ cannot be read: Too many "
