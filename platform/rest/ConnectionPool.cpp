@@ -63,8 +63,7 @@ void startCrypto()
 bool keepsLastHeader()
 {
     constexpr unsigned MENDED = 0x080200;
-    static const bool keeps = curl_version_info(CURLVERSION_NOW)->version_num < MENDED;
-    return keeps;
+    return curl_version_info(CURLVERSION_NOW)->version_num < MENDED;
 }
 
 /// What is missing of the two; the first keeps the connection.
@@ -113,7 +112,7 @@ ConnectionPool& ConnectionPool::instance()
     return processWide<ConnectionPool>();
 }
 
-ConnectionPool::ConnectionPool() : m_most(mostIdle())
+ConnectionPool::ConnectionPool() : m_keepsLastHeader(keepsLastHeader()), m_most(mostIdle())
 {
     startCrypto();
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
@@ -148,7 +147,7 @@ Connection ConnectionPool::take(const std::string& key)
 
 void ConnectionPool::giveBack(Connection connection)
 {
-    if (keepsLastHeader()) {
+    if (m_keepsLastHeader) {
         connection.handle.reset();
         connection.isSet = false;
     }

@@ -77,6 +77,7 @@ private:
     void leaveToParent(pid_t self);
     void takeSurplus(IdleList& given, IdleList& surplus);
 
+    const bool m_keepsLastHeader;   ///< of libcurl's handles: each serves one request
     Lists m_idle;                   ///< by key; oldest first
     IdleList m_spare;               ///< nodes without a connection
     size_t m_count = 0;             ///< of all idle ones
