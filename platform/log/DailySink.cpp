@@ -2,6 +2,8 @@
 
 #include <spdlog/pattern_formatter.h>
 
+#include <functional>
+
 namespace ovra::log {
 
 namespace {
@@ -24,15 +26,15 @@ public:
     }
 };
 
-/** Asking the kernel for each line would cost as much as writing it does in memory. */
+/** A number that is kept: the kernel is not asked for each line. */
 class ProcessFlag final : public spdlog::custom_flag_formatter
 {
 public:
-    explicit ProcessFlag(std::shared_ptr<const int> number) : m_number(std::move(number)) {}
+    explicit ProcessFlag(const int& number) : m_number(number) {}
 
     void format(const spdlog::details::log_msg&, const tm&, spdlog::memory_buf_t& line) override
     {
-        const std::string text = std::to_string(*m_number);
+        const std::string text = std::to_string(m_number);
         line.append(text.data(), text.data() + text.size());
     }
 
@@ -42,16 +44,16 @@ public:
     }
 
 private:
-    const std::shared_ptr<const int> m_number;
+    const int& m_number;
 };
 
 } // namespace
 
-DailySink::DailySink(const std::string& pattern, std::string prefix, Place place)
+DailySink::DailySink(const std::string& pattern, const int& process, std::string prefix, Place place)
     : m_file(std::move(prefix), std::move(place))
 {
     auto formatter = std::make_unique<spdlog::pattern_formatter>();
-    formatter->add_flag<LevelFlag>('K').add_flag<ProcessFlag>('P', m_process).set_pattern(pattern);
+    formatter->add_flag<LevelFlag>('K').add_flag<ProcessFlag>('P', std::cref(process)).set_pattern(pattern);
     set_formatter(std::move(formatter));
 }
 

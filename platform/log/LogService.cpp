@@ -3,6 +3,8 @@
 #include "Directories.h"
 #include "LineText.h"
 
+#include <ovra/threads/ThreadNumber.h>
+
 #include <pthread.h>
 #include <system_error>
 #include <unistd.h>
@@ -38,21 +40,6 @@ constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAME
 [[maybe_unused]] const int registered = pthread_atfork([] { LogService::ofProcess().lockForFork(); },
                                                        [] { LogService::ofProcess().unlockAfterFork(); },
                                                        [] { LogService::ofProcess().unlockInChild(); });
-
-/// The number of this thread; asked for once, and again in a child.
-size_t threadOf(int process)
-{
-    struct Thread
-    {
-        int process;
-        pid_t number;
-    };
-    thread_local Thread t_thread = {0, 0};
-    if (t_thread.process != process) {
-        t_thread = {process, gettid()};
-    }
-    return static_cast<size_t>(t_thread.number);
-}
 
 std::string message(int error)
 {
@@ -181,8 +168,9 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
                          m_userDirectory,
                          m_configuration.retentionDays,
                          {m_configuration.mostMibPerDay * MIB, m_configuration.mostMib * MIB}};
-    m_logs.reset(new Logs{
-        {RUN_PATTERN, PREFIXES[0], place}, {INTERFACE_PATTERN, PREFIXES[1], place}, {PREFIXES[2], place}});
+    m_logs.reset(new Logs{{RUN_PATTERN, m_process, PREFIXES[0], place},
+                          {INTERFACE_PATTERN, m_process, PREFIXES[1], place},
+                          {PREFIXES[2], place}});
     for (const std::string& problem : m_configuration.problems) {
         warn(std::string(configuration).append(": ").append(problem));
     }
@@ -202,8 +190,7 @@ void LogService::write(DailySink& sink, spdlog::level::level_enum level, std::st
 {
     spdlog::details::log_msg record({product.data(), product.size()}, level, {text.data(), text.size()});
     record.time = m_clock();
-    record.thread_id = threadOf(m_process);
-    sink.setProcess(m_process);
+    record.thread_id = static_cast<size_t>(threadNumber(m_process));
     sink.log(record);
     if (sink.lastError() == 0) {
         return;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <sys/ipc.h>
 #include <sys/sem.h>
+#include <unistd.h>
 
 using namespace ovra::tessel;
 
@@ -87,19 +88,31 @@ void sayWhoHolds(int semId)
         isKnown ? static_cast<int>(set.sem_perm.uid) : -1);
 }
 
+/** Frees what this process owes, unless another one has had it since: freed from outside, it is that one's
+ * now. */
+void payBack()
+{
+    const int owed = g_owedId.exchange(-1);
+    if (owed < 0) {
+        return;
+    }
+    const int last = semctl(owed, LOCK, GETPID);
+    if (last == -1 || (last == getpid() && setFree(owed) != 0)) {
+        g_owedId = owed;
+    }
+}
+
 } // namespace
 
 void ovra::tessel::noteHeldLock(int semId)
 {
     t_heldId = semId;
+    g_owedId = -1; // somebody has freed it meanwhile
 }
 
 int KxRescanLock::getSem()
 {
-    const int owed = g_owedId.exchange(-1);
-    if (owed >= 0 && setFree(owed) != 0) {
-        g_owedId = owed;
-    }
+    payBack();
     const int semId = semget(RESCAN_KEY, SEMAPHORES, IPC_CREAT | 0600);
     if (semId < 0) {
         COMMLOG(OS_LOG_ERROR, "Create sem failed.");

@@ -1,5 +1,7 @@
 #include "observer/Observation.h"
 
+#include <ovra/threads/ThreadNumber.h>
+
 #include <algorithm>
 #include <unistd.h>
 #include <utility>
@@ -10,18 +12,6 @@ namespace {
 using Steady = std::chrono::steady_clock;
 
 thread_local Observation* t_innermost = nullptr;
-
-/** As the kernel numbers it; asked of it once, and again in a child of the process. */
-int threadNumber(int process)
-{
-    thread_local int t_process = 0;
-    thread_local int t_thread = 0;
-    if (t_process != process) {
-        t_process = process;
-        t_thread = gettid();
-    }
-    return t_thread;
-}
 
 } // namespace
 

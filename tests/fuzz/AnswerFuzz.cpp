@@ -3,15 +3,14 @@
 #include "FuzzTarget.h"
 
 #include "session/DeviceManagerImpl.h"
+#include "support/CurlSetopt.h"
 #include "support/EveryOperation.h"
 #include "support/RecordingPlatform.h"
 
 #include <ovra/rest/UserManager.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstring>
-#include <curl/curl.h>
 #include <dlfcn.h>
 #include <new>
 #include <sys/socket.h>
@@ -76,25 +75,15 @@ extern "C" int connect(int fd, const sockaddr* address, socklen_t size)
     return address->sa_family == AF_INET ? 0 : next("connect", &connect)(fd, address, size);
 }
 
-#undef curl_easy_setopt
-extern "C" CURLcode curl_easy_setopt(CURL* handle, CURLoption option, ...)
+void* chosenArgument(CURLoption option, void* given)
 {
-    using Setting = CURLcode(CURL*, CURLoption, ...);
-    static auto* const set = reinterpret_cast<Setting*>(dlsym(RTLD_NEXT, "curl_easy_setopt"));
-    va_list arguments;
-#ifdef __clang__ // the enumeration is libcurl's, and of the width that is passed
-#pragma clang diagnostic ignored "-Wvarargs"
-#endif
-    va_start(arguments, option);
-    void* const argument = va_arg(arguments, void*);
-    va_end(arguments);
     switch (option) {
     case CURLOPT_URL:
-        return set(handle, option, "http://127.0.0.1:1/");
+        return const_cast<char*>("http://127.0.0.1:1/");
     case CURLOPT_PROTOCOLS_STR:
-        return set(handle, option, "http");
+        return const_cast<char*>("http");
     default:
-        return set(handle, option, argument);
+        return given;
     }
 }
 

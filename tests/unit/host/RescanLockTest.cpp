@@ -128,8 +128,21 @@ TEST_F(RescanLock, ThatCouldNotBeGivenBackIsGivenBackByWhoeverWantsItNext)
     EXPECT_EQ(lock.ReleaseLock(), -1);
     EXPECT_EQ(seam.semaphoreValue, 0);
     seam.semctlFails = false;
+    seam.semaphorePid = getpid();
     EXPECT_EQ(lock.getSem(), 41);
     EXPECT_EQ(seam.semaphoreValue, 1) << "else this process would wait for itself";
+}
+
+TEST_F(RescanLock, ThatCouldNotBeGivenBackIsNotTakenFromWhoeverHasItByThen)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    seam.semctlFails = true;
+    seam.semopErrors = {EACCES};
+    EXPECT_EQ(lock.ReleaseLock(), -1);
+    seam.semctlFails = false;
+    seam.semaphorePid = getpid() + 1; // freed from outside, and taken by another process
+    EXPECT_EQ(lock.getSem(), 41);
+    EXPECT_EQ(seam.semaphoreValue, 0);
 }
 
 TEST_F(RescanLock, IsGivenBackByTheIdThatItWasTakenWithWhenItCannotBeFound)

@@ -34,6 +34,16 @@ protected:
     {
         return written("/sys/class/scsi_host/host" + host + "/scan") == "- - -";
     }
+    /** LUN 7 as the kernel has it while it probes: the block device comes at the first look. */
+    void addUnfinished()
+    {
+        seam.write("/sys/class/scsi_device/1:0:0:1/device/type", "0\n");
+        onKernel = [this] {
+            std::filesystem::remove_all(seam.root + "/sys/class/scsi_device/1:0:0:1");
+            add(KernelDisk());
+            onKernel = nullptr;
+        };
+    }
     /** Twenty healthy disks of another object, on two targets. */
     void addOthers()
     {
@@ -86,12 +96,7 @@ TEST_F(FindingADisk, ScansTheHostsThatAreOnlineAlone)
 TEST_F(FindingADisk, WaitsUntilADiskThatWasFoundHasItsBlockDevice)
 {
     options.findSeconds = 60;
-    seam.write("/sys/class/scsi_device/1:0:0:1/device/type", "0\n");
-    onKernel = [&] {
-        std::filesystem::remove_all(seam.root + "/sys/class/scsi_device/1:0:0:1");
-        add(KernelDisk());
-        onKernel = nullptr;
-    };
+    addUnfinished();
     EXPECT_EQ(found(), "sdc ");
     EXPECT_EQ(platform.lines("usleep: ").size(), 1U);
 }
@@ -146,12 +151,7 @@ TEST_F(FindingADisk, AsksOneDiskOfEachTargetWhereAScanBringsItsOwn)
 {
     addOthers();
     options.findSeconds = 60;
-    seam.write("/sys/class/scsi_device/1:0:0:1/device/type", "0\n");
-    onKernel = [&] {
-        std::filesystem::remove_all(seam.root + "/sys/class/scsi_device/1:0:0:1");
-        add(KernelDisk());
-        onKernel = nullptr;
-    };
+    addUnfinished();
     EXPECT_EQ(found(), "sdc ");
     EXPECT_TRUE(isScanned());
     EXPECT_EQ(othersAsked(), 2U);
