@@ -55,6 +55,17 @@ const std::vector<Type>& chainBetween(Type from, Type to)
     return chains.at({from, to});
 }
 
+/** The neighbours of any of these objects. */
+IdSet united(const World& world, Type type, const IdSet& objects, Type to)
+{
+    IdSet all;
+    for (const auto& id : objects) {
+        const IdSet& neighbours = world.linked({type, id}, to);
+        all.insert(neighbours.begin(), neighbours.end());
+    }
+    return all;
+}
+
 } // namespace
 
 const std::vector<Relation>& relations()
@@ -159,18 +170,23 @@ IdList related(const World& world, const ObjectKey& object, Type to)
                                                             objectType(object.first).title + ".");
     }
     IdSet reached{object.second};
-    for (std::size_t i = 1; i < chain.size(); ++i) {
-        if (i + 1 == chain.size() && reached.size() == 1) {
-            return world.ordered({chain[i - 1], *reached.begin()}, to);
-        }
-        IdSet next;
-        for (const auto& id : reached) {
-            const IdSet& neighbours = world.linked({chain[i - 1], id}, chain[i]);
-            next.insert(neighbours.begin(), neighbours.end());
-        }
-        reached = std::move(next);
+    std::size_t last = 0;
+    for (; last + 2 < chain.size(); ++last) {
+        reached = united(world, chain[last], reached, chain[last + 1]);
     }
-    return std::make_shared<const std::vector<std::string>>(reached.begin(), reached.end());
+    if (reached.size() == 1) {
+        return world.ordered({chain[last], *reached.begin()}, to);
+    }
+    const ListName name = listName(to, object);
+    LongList list = world.kept(name);
+    if (!list.ids) {
+        const IdSet all = united(world, chain[last], reached, to);
+        list.ids = std::make_shared<std::vector<std::string>>(all.begin(), all.end());
+        if (all.size() >= MANY) {
+            world.keep(name, list);
+        }
+    }
+    return list.ids;
 }
 
 } // namespace arraysim

@@ -6,7 +6,7 @@
 #include "model/FieldInput.h"
 
 #include <algorithm>
-#include <iterator>
+#include <limits>
 
 namespace arraysim {
 namespace {
@@ -65,8 +65,9 @@ IdList candidates(const World& world, const ObjectType& type, const Selection& s
         of ? related(world, {of->type, world.at(of->type, of->id).id}, type.code) : nullptr;
     for (const auto& [key, value] : selection.filter) {
         const Field* field = type.field(key);
-        if (field != nullptr && field->isUnique) {
-            const std::string* holder = world.holder(type.code, key, value);
+        if (key == "ID" || (field != nullptr && field->isUnique)) {
+            const Object* own = key == "ID" ? world.find(type.code, value) : nullptr;
+            const std::string* holder = own != nullptr ? &own->id : world.holder(type.code, key, value);
             const bool isCandidate =
                 holder != nullptr &&
                 (!of || std::binary_search(associated->begin(), associated->end(), *holder, IdLess()));
@@ -77,19 +78,39 @@ IdList candidates(const World& world, const ObjectType& type, const Selection& s
     return of ? associated : world.ids(type.code);
 }
 
-/** The IDs of a list in order, before it is cut to its range. */
+ListName nameOf(const ObjectType& type, const Selection& selection, const std::optional<AssociatedWith>& of)
+{
+    ListName name = of ? listName(type.code, {of->type, of->id}) : ListName{type.title};
+    for (const auto& [key, value] : selection.filter) {
+        name.insert(name.end(), {key, value});
+    }
+    return name;
+}
+
+/** The first IDs of a list in order, before it is cut to its range; as many as wanted where there are. */
 IdList selected(const World& world, const ObjectType& type, const Selection& selection,
-                const std::optional<AssociatedWith>& of)
+                const std::optional<AssociatedWith>& of, unsigned long long wanted)
 {
     const Filter filter(world, type, selection.filter);
-    IdList found = candidates(world, type, selection, of);
+    IdList all = candidates(world, type, selection, of);
     if (selection.filter.empty()) {
-        return found;
+        return all;
     }
-    std::vector<std::string> matching;
-    std::copy_if(found->begin(), found->end(), std::back_inserter(matching),
-                 [&](const std::string& id) { return filter.matches(world.at(type.code, id)); });
-    return std::make_shared<const std::vector<std::string>>(std::move(matching));
+    const ListName name = nameOf(type, selection, of);
+    LongList list = world.kept(name);
+    if (!list.ids) {
+        list.ids = std::make_shared<std::vector<std::string>>();
+    }
+    for (; list.seen < all->size() && list.ids->size() < wanted; ++list.seen) {
+        const std::string& id = (*all)[list.seen];
+        if (filter.matches(world.at(type.code, id))) {
+            list.ids->push_back(id);
+        }
+    }
+    if (all->size() >= MANY) {
+        world.keep(name, list);
+    }
+    return list.ids;
 }
 
 } // namespace
@@ -182,8 +203,8 @@ void deleteObject(World& world, const ObjectType& type, const std::string& id)
 Json::Value listObjects(const World& world, const ObjectType& type, const Selection& selection,
                         const std::optional<AssociatedWith>& of)
 {
-    const IdList found = selected(world, type, selection, of);
-    const Range range = selection.range.value_or(Range{0, found->size()});
+    const Range range = selection.range.value_or(Range{0, std::numeric_limits<std::size_t>::max()});
+    const IdList found = selected(world, type, selection, of, range.to);
     Json::Value records(Json::arrayValue);
     for (auto i = range.from; i < std::min<unsigned long long>(range.to, found->size()); ++i) {
         records.append(record(world, type, world.at(type.code, (*found)[i])));
@@ -195,7 +216,8 @@ Json::Value countObjects(const World& world, const ObjectType& type, const Selec
                          const std::optional<AssociatedWith>& of)
 {
     Json::Value count(Json::objectValue);
-    count["COUNT"] = std::to_string(selected(world, type, selection, of)->size());
+    count["COUNT"] =
+        std::to_string(selected(world, type, selection, of, std::numeric_limits<std::size_t>::max())->size());
     return count;
 }
 

@@ -9,7 +9,7 @@
 namespace arraysim {
 namespace {
 
-constexpr std::size_t MANY = 100;
+constexpr std::size_t MOST_KEPT = 16;
 
 std::string newDeviceId()
 {
@@ -22,6 +22,11 @@ std::string newDeviceId()
 }
 
 } // namespace
+
+ListName listName(Type type, const ObjectKey& of)
+{
+    return {std::to_string(static_cast<int>(type)), std::to_string(static_cast<int>(of.first)), of.second};
+}
 
 World::Lock::~Lock()
 {
@@ -106,6 +111,20 @@ IdList World::ordered(const ObjectKey& object, Type to) const
         kept = list();
     }
     return kept;
+}
+
+LongList World::kept(const ListName& name) const
+{
+    const auto found = m_kept.find(name);
+    return found == m_kept.end() ? LongList() : found->second;
+}
+
+void World::keep(const ListName& name, LongList list) const
+{
+    if (m_kept.size() >= MOST_KEPT && m_kept.count(name) == 0) {
+        m_kept.clear();
+    }
+    m_kept.insert_or_assign(name, std::move(list));
 }
 
 void World::Edges::insert(const std::string& id, const std::string& neighbour)
@@ -194,6 +213,7 @@ bool World::stillSettling(Type type, const std::string& id)
 
 void World::writing()
 {
+    m_kept.clear();
     if (!m_writing) {
         m_store.begin();
         m_writing = true;

@@ -26,6 +26,21 @@ struct Settling
     unsigned lunGroupReads = 0;
 };
 
+/** A list of so many is kept, to be paged through. */
+constexpr std::size_t MANY = 100;
+
+/** A list that takes long to make, as far as somebody asked for it. */
+struct LongList
+{
+    std::shared_ptr<std::vector<std::string>> ids; ///< null: nothing yet
+    std::size_t seen = 0;                          ///< so many of all have been before the filter
+};
+
+/** Tells one such list from all others: what it is a list of, and its filter. */
+using ListName = std::vector<std::string>;
+/** The objects of a type that are associated with one object. */
+ListName listName(Type type, const ObjectKey& of);
+
 /**
  * The objects of the array and their associations, in memory and on the store. Hold lock() while
  * reading or writing, and change it only within a Transaction.
@@ -63,6 +78,10 @@ public:
     const IdSet& linked(const ObjectKey& object, Type to) const;
     /** The same in order, to be paged through: where they are many, the list is kept until they change. */
     IdList ordered(const ObjectKey& object, Type to) const;
+    /** What is kept of a list. */
+    LongList kept(const ListName& name) const;
+    /** Keeps a list until anything changes. */
+    void keep(const ListName& name, LongList list) const;
     /** The ID of the object that has this value in a unique field, or null. */
     const std::string* holder(Type type, const std::string& key, const std::string& value) const;
     /** The next ID that the array would give; IDs are not used again. */
@@ -124,6 +143,7 @@ private:
     std::string m_deviceId;
     std::map<Type, ObjectMap> m_objects;
     mutable std::map<Type, IdList> m_ids;
+    mutable std::map<ListName, LongList> m_kept;
     std::map<std::pair<Type, Type>, Edges> m_edges;
     std::map<std::pair<Type, std::string>, std::unordered_map<std::string, std::string>> m_unique;
     std::map<Type, unsigned long> m_lastId;

@@ -40,6 +40,7 @@ void World::load()
     m_edges.clear();
     m_unique.clear();
     m_ids.clear();
+    m_kept.clear();
     m_lastId.clear();
     m_store.readObjects([this](Type type, Object object) { remember(type, std::move(object)); });
     m_store.readLinks([this](const ObjectKey& owner, const ObjectKey& member) { connect(owner, member); });
