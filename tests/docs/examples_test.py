@@ -1,9 +1,11 @@
 """Runs the small examples against an array. Usage: tessel-arraysim --run examples_test.py EXAMPLES-DIRECTORY"""
 
+import http.server
 import json
 import os
 import ssl
 import sys
+import threading
 import unittest
 import urllib.request
 
@@ -11,6 +13,32 @@ from simulated_array import PATIENCE_S, Array
 
 EXAMPLES = sys.argv[1]
 INITIATOR = "iqn.2026-01.example.host:one"
+
+
+class Collector(http.server.HTTPServer):
+    """Keeps what is posted to it."""
+
+    class Handler(http.server.BaseHTTPRequestHandler):
+        def do_POST(self):
+            body = self.rfile.read(int(self.headers["Content-Length"]))
+            self.server.received.append((self.path, self.headers["Content-Type"], json.loads(body)))
+            self.send_response(200)
+            self.end_headers()
+
+        def log_message(self, *arguments):
+            pass
+
+    def __init__(self):
+        super().__init__(("127.0.0.1", 0), self.Handler)
+        self.received = []
+
+    def __enter__(self):
+        threading.Thread(target=self.serve_forever).start()
+        return self
+
+    def __exit__(self, *_):
+        self.shutdown()
+        self.server_close()
 
 
 class Examples(unittest.TestCase):
@@ -95,6 +123,37 @@ class Examples(unittest.TestCase):
         refused = self.example("observe_calls", "4711", INITIATOR)
         self.assertIn("ensureVisible lun=4711", refused.stdout)
         self.assertIn(" failed: ", refused.stdout)
+
+    def test_send_spans_sends_each_call_as_a_trace_with_its_steps(self):
+        self.array.create("iscsi_initiator", ID=INITIATOR)
+        lun = self.lun("l")["ID"]
+        with Collector() as collector:
+            endpoint = {"OTEL_EXPORTER_OTLP_ENDPOINT": f"http://127.0.0.1:{collector.server_port}"}
+            done = self.example("send_spans", lun, INITIATOR, **endpoint)
+            refused = self.example("send_spans", "4711", INITIATOR, **endpoint)
+        self.assertEqual((done.returncode, done.stderr, refused.returncode), (0, "", 1))
+        self.assertEqual({(path, kind) for path, kind, _ in collector.received}, {("/v1/traces", "application/json")})
+        spans = [span for _, _, body in collector.received for span in body["resourceSpans"][0]["scopeSpans"][0]["spans"]]
+        calls = [span for span in spans if "parentSpanId" not in span]
+        self.assertEqual([span["name"] for span in calls], ["loginDevice", "ensureVisible", "logoutDevice"] * 2)
+        self.assertEqual(len({span["traceId"] for span in spans}), len(calls))
+        self.assertEqual(len({span["spanId"] for span in spans}), len(spans))
+        for span in spans:
+            self.assertRegex(span["traceId"] + span["spanId"], "^[0-9a-f]{48}$")
+            self.assertLessEqual(int(span["startTimeUnixNano"]), int(span["endTimeUnixNano"]))
+        shown, not_shown = calls[1], calls[4]
+        steps = [span["name"] for span in spans if span.get("parentSpanId") == shown["spanId"]]
+        self.assertIn("addLunToLunGroup", steps)
+        self.assertIn({"key": "tessel.lun", "value": {"stringValue": lun}}, shown["attributes"])
+        self.assertNotIn("status", shown)
+        self.assertEqual(not_shown["status"]["code"], 2)
+        self.assertNotIn(self.array.password, json.dumps(spans))
+
+    def test_send_spans_goes_on_without_a_collector(self):
+        self.array.create("iscsi_initiator", ID=INITIATOR)
+        done = self.example("send_spans", self.lun("l")["ID"], INITIATOR, OTEL_EXPORTER_OTLP_ENDPOINT="http://127.0.0.1:1")
+        self.assertEqual(done.returncode, 0)
+        self.assertRegex(done.stderr, "^([0-9]+ spans are lost: .*\n)+$")
 
     def test_list_luns_names_an_initiator_without_a_host(self):
         self.array.create("iscsi_initiator", ID=INITIATOR)
