@@ -67,25 +67,28 @@ Source<Record, Query> everything(std::vector<Record> (Handler::*list)(Query&))
 }
 
 /**
- * Reads a list page by page to its end, or to `limit` objects, and hands each page on as soon as it is there.
- * An object that two pages hold, because the list moved or because the array counts the end of a range in, is
- * taken once; a page that brings nothing new ends the list.
+ * Reads a list page by page to its end, or to `limit` objects, and hands each page on as soon as it is there:
+ * by the rules of ovra::tessel::Pages, as to where a page begins and which is the last one.
  */
 template <class Record, class Query, class ReadPage, class Use>
 void readPages(Query query, size_t limit, ReadPage readPage, Use use)
 {
     constexpr size_t PAGE_SIZE = 100;
     std::set<std::string> seen;
-    for (bool more = limit > 0; more; query.start += query.count) {
+    bool sawFullPage = false;
+    for (bool more = limit > 0; more;) {
         query.count = std::min(PAGE_SIZE, limit - seen.size());
         const std::vector<Record> page = readPage(query);
+        query.start += page.size();
+        const bool isShort = page.size() < query.count;
+        sawFullPage = sawFullPage || !isShort;
         std::vector<Record> fresh;
         for (const auto& record : page) {
             if (seen.size() < limit && seen.insert(record.ID).second) {
                 fresh.push_back(record);
             }
         }
-        more = !fresh.empty() && page.size() >= query.count && seen.size() < limit;
+        more = !fresh.empty() && !(isShort && sawFullPage) && seen.size() < limit;
         use(fresh, seen.size());
     }
 }

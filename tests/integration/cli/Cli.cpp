@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sstream>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -117,7 +118,9 @@ Outcome Cli::execute(const char* program, const Words& words) const
     Outcome outcome;
     readBoth(out[0], err[0], outcome);
     int status = 0;
-    waitpid(child, &status, 0);
+    rusage used{};
+    wait4(child, &status, 0, &used);
+    outcome.peakKib = used.ru_maxrss;
     outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return outcome;
 }

@@ -20,6 +20,7 @@ struct Outcome
     int exitCode = -1; ///< 128 + the signal where one ended it
     std::string out;
     std::string err;
+    long peakKib = 0; ///< the most memory that it held at a time
 
     /** Standard output as JSON; the test fails when it is none. */
     Json::Value json() const;
