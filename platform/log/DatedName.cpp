@@ -101,11 +101,8 @@ std::optional<DatedName> parseName(std::string_view prefix, std::string_view nam
     }
     const std::string_view digits = name.substr(prefix.size() + DATE_FORM.size(), name.size() - shortest);
     unsigned part = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data() + 1, end, part);
-    const bool isPart = digits.front() == '_' && error == std::errc() && stop == end && part > 1;
-    return isPart && datedName(prefix, *date, part) == name ? std::optional<DatedName>({*date, part})
-                                                            : std::nullopt;
+    std::from_chars(digits.data() + 1, digits.data() + digits.size(), part); // 0 or 1 makes no such name
+    return datedName(prefix, *date, part) == name ? std::optional<DatedName>({*date, part}) : std::nullopt;
 }
 
 void eachFile(const std::string& directory, const std::function<void(const char*, const struct stat&)>& call)

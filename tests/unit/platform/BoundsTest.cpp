@@ -60,6 +60,16 @@ TEST(Bounds, OverlappingAreasAreRefused)
     EXPECT_STREQ("abc", apart + 8);
 }
 
+TEST(Bounds, AreasThatTouchDoNotOverlap)
+{
+    char text[] = "abc\0....";
+    EXPECT_EQ(0, strcpy_s(text + 4, 4, text));
+    EXPECT_STREQ("abc", text + 4);
+    char behind[] = "....abc";
+    EXPECT_EQ(0, strcpy_s(behind, 4, behind + 4));
+    EXPECT_STREQ("abc", behind);
+}
+
 TEST(Bounds, StrncpyCopiesAtMostCountCharacters)
 {
     char buffer[5];

@@ -122,6 +122,16 @@ TEST_F(LogFiles, ARetentionOf0KeepsAll)
     EXPECT_TRUE(std::filesystem::exists(runLog("1999-12-31")));
 }
 
+TEST_F(LogFiles, ARetentionOf1KeepsTodayAndYesterday)
+{
+    writeFile(iniFile(), "[files]\nretention_days = 1\n");
+    writeFile(runLog("2026-11-19"), "x");
+    writeFile(runLog("2026-11-20"), "x");
+    ASSERT_EQ(0, start());
+    EXPECT_FALSE(std::filesystem::exists(runLog("2026-11-19")));
+    EXPECT_TRUE(std::filesystem::exists(runLog("2026-11-20")));
+}
+
 TEST_F(LogFiles, OldOnesAreRemovedAtTheChangeOfTheDayToo)
 {
     writeFile(runLog("2026-10-22"), "30 days before");
@@ -219,6 +229,22 @@ TEST_F(LogFiles, WithoutRoomLinesAreCountedAndTheProcessGoesOn)
     EXPECT_EQ(10U, lines[1].size());
     EXPECT_EQ("INFO p fits again", withoutOrigin(lines[2]));
     EXPECT_EQ(0U, withoutOrigin(lines[3]).find("WARN Ovra-Log-API 2 lines could not be written ("));
+}
+
+TEST_F(LogFiles, ALineThatWasCutShortLeavesNothingInTheNextDaysFile)
+{
+    ASSERT_EQ(0, start());
+    run("fits");
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit narrow = before;
+    narrow.rlim_cur = std::filesystem::file_size(runLog()) + 10;
+    setrlimit(RLIMIT_FSIZE, &narrow);
+    run("cut short");
+    setrlimit(RLIMIT_FSIZE, &before);
+    setTime("2026-11-22 00:00:00");
+    run("of the next day");
+    EXPECT_EQ("INFO p of the next day", withoutOrigin(linesOf(runLog("2026-11-22")).at(0)));
 }
 
 TEST_F(LogFiles, SeveralProcessesShareThemWithoutTornOrLostLines)

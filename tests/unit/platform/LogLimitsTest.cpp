@@ -73,6 +73,15 @@ TEST_F(LogLimits, NeverTakeMoreThanAllMay)
     EXPECT_FALSE(std::filesystem::exists(runLog())) << "the oldest part goes first";
 }
 
+TEST_F(LogLimits, DoNotKeepFromTheUsersDirectoryWhereTheirOwnCannotBeUsed)
+{
+    limit("max_mib = 1\n");
+    writeFile(logs(), "no directory");
+    ASSERT_EQ(0, start());
+    run("text");
+    EXPECT_EQ(2U, linesOf(state() / "Tessel_run_2026-11-21.log").size());
+}
+
 TEST_F(LogLimits, OfADayLeaveTheOtherDaysAlone)
 {
     limit("max_mib_per_day = 1\nmax_mib = 0\n");

@@ -137,6 +137,19 @@ TEST_F(LogServiceTest, AConfigurationThatCannotBeUsedIsReportedInTheRunLog)
               withoutOrigin(linesOf(runLog())[0]));
 }
 
+TEST_F(LogServiceTest, AConfigurationThatIsTooLargeIsNotReadByHalf)
+{
+    constexpr size_t MOST = 64UL * 1024;
+    const std::string setting = "[run_log]\nlevel = error\n";
+    writeFile(iniFile(), setting + std::string(MOST - setting.size(), '\n'));
+    ASSERT_EQ(0, start());
+    EXPECT_EQ(3, service.levelInForce());
+    service.stop("product");
+    writeFile(iniFile(), setting + std::string(MOST + 1 - setting.size(), '\n'));
+    ASSERT_EQ(0, start());
+    EXPECT_EQ(1, service.levelInForce());
+}
+
 TEST_F(LogServiceTest, MayBeUsedByManyThreads)
 {
     ASSERT_EQ(0, start());

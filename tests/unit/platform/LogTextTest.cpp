@@ -122,11 +122,27 @@ TEST(LogFileNames, CarryTheDateAndAreRecognisedExactly)
     const auto name = parseName("Tessel_run_", "Tessel_run_2024-02-29.log");
     ASSERT_TRUE(name);
     EXPECT_TRUE((name->date == Date{2024, 2, 29}));
-    for (const char* other :
-         {"Tessel_run_2026-02-29.log", "Tessel_run_2026-13-01.log", "Tessel_run_2026-00-10.log",
-          "Tessel_run_2026-1-02.log", "Tessel_run_2026-01-02.log.1", "Tessel_run_2026-01-02.txt",
-          "xTessel_run_2026-01-02.log", "Tessel_run_2026_01_02.log", "Tessel_run_", "",
-          "Tessel_interface_2026-01-02.log", "tessel_run_2026-01-02.log", "Tessel_run_+026-01-02.log"}) {
+    EXPECT_EQ(12U, parseName("Tessel_run_", "Tessel_run_2026-01-02_12.log")->part);
+    for (const char* other : {"Tessel_run_2026-01-02_1.log",
+                              "Tessel_run_2026-01-02_0.log",
+                              "Tessel_run_2026-01-02_02.log",
+                              "Tessel_run_2026-01-02x2.log",
+                              "Tessel_run_2026-01-02_2x.log",
+                              "Tessel_run_2026-01-02_.log",
+                              "Tessel_run_2026-01-02_99999999999.log",
+                              "Tessel_run_2026-02-29.log",
+                              "Tessel_run_2026-13-01.log",
+                              "Tessel_run_2026-00-10.log",
+                              "Tessel_run_2026-1-02.log",
+                              "Tessel_run_2026-01-02.log.1",
+                              "Tessel_run_2026-01-02.txt",
+                              "xTessel_run_2026-01-02.log",
+                              "Tessel_run_2026_01_02.log",
+                              "Tessel_run_",
+                              "",
+                              "Tessel_interface_2026-01-02.log",
+                              "tessel_run_2026-01-02.log",
+                              "Tessel_run_+026-01-02.log"}) {
         EXPECT_FALSE(parseName("Tessel_run_", other)) << other;
     }
 }
