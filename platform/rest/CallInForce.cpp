@@ -8,6 +8,7 @@ namespace ovra::rest {
 namespace {
 
 thread_local const RestCall* t_call = nullptr;
+thread_local const char* t_keptMember = nullptr;
 
 bool canBeRead(const curl_waitfd& waited)
 {
@@ -24,6 +25,11 @@ RestSettings CallInForce::settings()
         call = call->outer;
     }
     return call != nullptr ? *call->settings : RestGetSettings();
+}
+
+const char* CallInForce::keptMember()
+{
+    return t_keptMember;
 }
 
 CallInForce::CallInForce()
@@ -61,5 +67,12 @@ const RestCall* RestSetCall(const RestCall* call) noexcept
 {
     const RestCall* const before = ovra::rest::t_call;
     ovra::rest::t_call = call;
+    return before;
+}
+
+const char* RestKeepMember(const char* member) noexcept
+{
+    const char* const before = ovra::rest::t_keptMember;
+    ovra::rest::t_keptMember = member;
     return before;
 }

@@ -16,6 +16,8 @@ class CallInForce
 public:
     /** Of the call, or of the process. */
     static RestSettings settings();
+    /** The member of each record of a list that is kept; null: all of them. */
+    static const char* keptMember();
 
     CallInForce();
 

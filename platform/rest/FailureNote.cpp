@@ -54,8 +54,6 @@ const char* ownReason(int result)
         return "no session is open";
     case REST_BAD_REQUEST:
         return "the request cannot be sent as it is given";
-    case REST_ANSWER_TOO_LARGE:
-        return "the answer is too large";
     case REST_INTERNAL_ERROR:
         return "a failure on this side";
     case CURLE_ABORTED_BY_CALLBACK:
@@ -100,6 +98,15 @@ void noteTransfer(CURL* handle, CURLcode code, bool wasSent, const char* text, c
 void noteUnreadable(long status)
 {
     setText("the answer is not JSON with an error object, its HTTP status is " + std::to_string(status));
+}
+
+void noteTooLarge(const Excess& excess)
+{
+    const std::string most = std::to_string(excess.most);
+    setText(excess.size == 0 ? "the answer is too large: more than " + most + " " + excess.what
+                             : "the answer is too large: " + std::to_string(excess.size) + " " + excess.what +
+                                   ", at most " + most + " can be kept");
+    t_failure.result = REST_ANSWER_TOO_LARGE;
 }
 
 void noteResult(int result, const std::optional<ServerAddress>& server) noexcept

@@ -1,6 +1,7 @@
 #ifndef OVRA_REST_FAILURENOTE_H
 #define OVRA_REST_FAILURENOTE_H
 
+#include "Excess.h"
 #include "ServerAddress.h"
 
 #include <ovra/rest/RestFailure.h>
@@ -20,6 +21,9 @@ void noteTransfer(CURL* handle, CURLcode code, bool wasSent, const char* text, c
 
 /** Notes an answer that is no JSON, or has no error object, by its HTTP status. */
 void noteUnreadable(long status);
+
+/** Notes what is too large of an answer; its request ends with REST_ANSWER_TOO_LARGE. */
+void noteTooLarge(const Excess& excess);
 
 /** Notes how a request ended; of a failure writes the one line of the run log. */
 void noteResult(int result, const std::optional<ServerAddress>& server) noexcept;

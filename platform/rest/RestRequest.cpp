@@ -1,6 +1,7 @@
 #include <ovra/rest/RestRequest.h>
 #include <ovra/threads/NoCancellation.h>
 
+#include "AnswerReader.h"
 #include "CallInForce.h"
 #include "FailureNote.h"
 #include "JsonBody.h"
@@ -48,21 +49,23 @@ int RestRequest::Impl::exchange(const HttpRequest& request, std::optional<Answer
 {
     const RestSettings settings = CallInForce::settings();
     warnAboutSettings(settings);
-    Transfer transfer(request, settings);
+    AnswerReader reader(CallInForce::keptMember());
+    Transfer transfer(request, settings, reader);
     const int result = transfer.perform();
     headerLines = transfer.headers().lines();
     if (result != REST_OK) {
         return result;
     }
-    // Each value takes a byte at least: what is short needs no counting.
-    if (transfer.body().size() >= MOST_VALUES && countValues(transfer.body()) > MOST_VALUES) {
+    answer = reader.answer();
+    if (answer) {
+        return REST_OK;
+    }
+    if (reader.excess().what != nullptr) {
+        noteTooLarge(reader.excess());
         return REST_ANSWER_TOO_LARGE;
     }
-    answer = parseAnswer(transfer.body());
-    if (!answer) {
-        noteUnreadable(transfer.status());
-    }
-    return answer ? REST_OK : REST_ANSWER_UNREADABLE;
+    noteUnreadable(transfer.status());
+    return REST_ANSWER_UNREADABLE;
 }
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include <limits>
 
+using ovra::rest::Answer;
+
 RestResponse::RestResponse() : m_impl(std::make_unique<Impl>()) {}
 RestResponse::~RestResponse() = default;
 
@@ -15,13 +17,15 @@ int RestResponse::getResponseCode(std::string& description)
 
 unsigned long RestResponse::count()
 {
-    return m_impl->answer ? m_impl->answer->records.size() : 0;
+    return m_impl->answer ? m_impl->answer->records.size() + m_impl->answer->kept.count() : 0;
 }
 
 Json::Value& RestResponse::operator[](unsigned long index)
 {
     if (index < count()) {
-        return m_impl->answer->records[static_cast<Json::ArrayIndex>(index)];
+        Answer& answer = *m_impl->answer;
+        return answer.kept.count() != 0 ? answer.kept[index]
+                                        : answer.records[static_cast<Json::ArrayIndex>(index)];
     }
     m_impl->nothing = Json::Value(); // the caller may have written to it
     return m_impl->nothing;

@@ -18,10 +18,21 @@ std::string connectionKey(const ServerAddress& server, const RestSettings& setti
     return key.append(settings.insecure ? "\ninsecure" : "\n");
 }
 
+/// Libcurl's own limit.
+constexpr Excess TOO_LONG_A_LINE = {"bytes in a line of headers", 0, 100UL * 1024};
+
+/// Bytes of a body as its headers tell; 0: they do not.
+size_t announcedSize(CURL* handle)
+{
+    curl_off_t size = -1;
+    curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+    return size > 0 ? static_cast<size_t>(size) : 0;
+}
+
 } // namespace
 
-Transfer::Transfer(const HttpRequest& request, const RestSettings& settings)
-    : m_request(request), m_settings(settings)
+Transfer::Transfer(const HttpRequest& request, const RestSettings& settings, AnswerReader& reader)
+    : m_request(request), m_settings(settings), m_reader(reader)
 {
 }
 
@@ -37,7 +48,11 @@ int Transfer::perform()
     if (m_outOfMemory) {
         throw std::bad_alloc();
     }
-    return resultOf(code);
+    const int result = resultOf(code);
+    if (result == REST_ANSWER_TOO_LARGE) {
+        noteTooLarge(m_excess.what != nullptr ? m_excess : TOO_LONG_A_LINE);
+    }
+    return result;
 }
 
 CURLcode Transfer::attempt(Reuse reuse)
@@ -66,6 +81,10 @@ CURLcode Transfer::attempt(Reuse reuse)
     curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &m_status);
     if (code != CURLE_OK) {
         noteTransfer(handle, code, m_sendings > 0, m_error.data(), m_settings);
+    }
+    if (m_reader.excess().what != nullptr) {
+        m_excess = m_reader.excess();
+        m_excess.size = m_excess.size != 0 ? m_excess.size : announcedSize(handle);
     }
     forgetRequest(handle);
     if (code == CURLE_OK) {
@@ -107,7 +126,9 @@ CURLcode Transfer::drive(Connection& connection)
 void Transfer::forgetAnswer()
 {
     m_headers = HeaderLines();
-    m_body.clear();
+    if (!m_reader.isEmpty()) {
+        m_reader.clear();
+    }
     m_headerBytes = 0;
     m_sendings = 0;
     m_error.front() = '\0';
@@ -142,7 +163,7 @@ int Transfer::resultOf(CURLcode code) const
     // A header line without end meets libcurl's own limit, which it reports as a lack of memory before 8.6.
     constexpr int CURLE_TOO_LARGE_OF_8_6 = 100;
     const bool longLine = m_sendings > 0 && (code == CURLE_OUT_OF_MEMORY || code == CURLE_TOO_LARGE_OF_8_6);
-    if (m_tooLarge || longLine) {
+    if (m_excess.what != nullptr || longLine) {
         return REST_ANSWER_TOO_LARGE;
     }
     if (m_sendings > 1) {
@@ -172,7 +193,7 @@ size_t Transfer::receiveHeader(char* data, size_t size, size_t count, void* self
     const size_t length = size * count;
     transfer->m_headerBytes += length;
     if (transfer->m_headerBytes > MOST_HEADER_BYTES) {
-        transfer->m_tooLarge = true;
+        transfer->m_excess = {"bytes of headers", 0, MOST_HEADER_BYTES};
         return 0;
     }
     try {
@@ -188,17 +209,12 @@ size_t Transfer::receiveBody(char* data, size_t size, size_t count, void* self)
 {
     auto* transfer = static_cast<Transfer*>(self);
     const size_t length = size * count;
-    if (length > MOST_BODY_BYTES - transfer->m_body.size()) {
-        transfer->m_tooLarge = true;
-        return 0;
-    }
     try {
-        transfer->m_body.append(data, length);
+        return transfer->m_reader.add({data, length}) ? length : 0;
     } catch (const std::bad_alloc&) {
         transfer->m_outOfMemory = true;
         return 0;
     }
-    return length;
 }
 
 } // namespace ovra::rest

@@ -1,13 +1,13 @@
 #ifndef OVRA_REST_TRANSFER_H
 #define OVRA_REST_TRANSFER_H
 
+#include "AnswerReader.h"
 #include "CallInForce.h"
 #include "ConnectionPool.h"
 #include "HeaderLines.h"
 #include "HttpRequest.h"
 
 #include <ovra/rest/RestSettings.h>
-#include <ovra/text/Secret.h>
 
 #include <array>
 #include <chrono>
@@ -20,16 +20,15 @@ class Transfer
 public:
     static constexpr size_t MOST_REQUEST_HEAD_BYTES = 64UL * 1024;
     static constexpr size_t MOST_HEADER_BYTES = 256UL * 1024;
-    static constexpr size_t MOST_BODY_BYTES = 64UL * 1024 * 1024;
 
-    Transfer(const HttpRequest& request, const RestSettings& settings);
+    /** @param reader receives the answer's body. */
+    Transfer(const HttpRequest& request, const RestSettings& settings, AnswerReader& reader);
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
 
     /** @return 0 when a whole answer was received, else a CURLcode or REST_RESULT_E value. */
     int perform();
 
-    const SecretText& body() const { return m_body; }
     HeaderLines& headers() { return m_headers; }
     /** The HTTP status of the answer. */
     long status() const { return m_status; }
@@ -54,17 +53,17 @@ private:
 
     const HttpRequest& m_request;
     const RestSettings& m_settings;
+    AnswerReader& m_reader;
     const std::chrono::steady_clock::time_point m_started = std::chrono::steady_clock::now();
 
     CallInForce m_call;
     HeaderLines m_headers;
-    SecretText m_body;
     std::array<char, CURL_ERROR_SIZE> m_error{}; ///< libcurl's words for a failure
     long m_status = 0;
     size_t m_headerBytes = 0;
     unsigned m_sendings = 0; ///< how often libcurl wanted to send the request in this attempt
     bool m_reused = false;   ///< the attempt began on a connection that had served a request before
-    bool m_tooLarge = false;
+    Excess m_excess;         ///< of what was received
     bool m_outOfMemory = false;
 };
 

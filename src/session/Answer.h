@@ -61,6 +61,7 @@ public:
     auto readEach(Read readObject) const
     {
         std::vector<decltype(readObject(std::string()))> objects;
+        objects.reserve(countObjects()); // grown as they come they would take three times their room
         for (unsigned long i = 0; i < count(); ++i) {
             if (hasObject(i)) {
                 objects.push_back(readObject(id(i)));
@@ -70,6 +71,16 @@ public:
     }
 
 private:
+    /** Records with an ID; those that are none at all are not told before their turn comes. */
+    unsigned long countObjects() const
+    {
+        unsigned long objects = 0;
+        for (unsigned long i = 0; i < count(); ++i) {
+            objects += (*this)[i].isObject() && hasObject(i) ? 1 : 0;
+        }
+        return objects;
+    }
+
     int m_reason;
     std::unique_ptr<RestResponse> m_response;
     std::vector<std::string> m_headers;

@@ -71,7 +71,7 @@ protected:
     template <class Record>
     std::vector<Record> list(Operation& op, const std::string& url, Read<Record> read)
     {
-        return op.get(url).readEach([&](const std::string& id) { return (this->*read)(id); });
+        return op.getIds(url).readEach([&](const std::string& id) { return (this->*read)(id); });
     }
 
     CDeviceManagerImpl* m_pDeviceManager = nullptr; ///< not owned

@@ -2,6 +2,7 @@
 
 #include "session/CallsAtWork.h"
 #include "session/DeviceManagerImpl.h"
+#include "session/RestAdditions.h"
 
 #include <cxxabi.h>
 
@@ -23,6 +24,24 @@ InterfaceRecord enter(const Frame& frame)
     COMMLOG(OS_LOG_INFO, "%s", frame.enter.c_str());
     return record ? *record : InterfaceRecord(frame.record);
 }
+
+/** What is kept of the records of a list: one member of each, or with null everything. */
+class Keeping
+{
+public:
+    explicit Keeping(const char* member) : m_before(set(member)) {}
+    ~Keeping() { set(m_before); }
+    Keeping(const Keeping&) = delete;
+    Keeping& operator=(const Keeping&) = delete;
+
+private:
+    static const char* set(const char* member)
+    {
+        return RestKeepMember != nullptr ? RestKeepMember(member) : nullptr;
+    }
+
+    const char* const m_before;
+};
 
 } // namespace
 
@@ -140,14 +159,18 @@ bool Operation::closeUnless(bool holds, const char* text)
     return !holds;
 }
 
-Answer Operation::send(REST_REQUEST_MODE_E mode, const std::string& url)
+Answer Operation::send(REST_REQUEST_MODE_E mode, const std::string& url, const char* keptMember)
 {
+    const auto exchange = [&] {
+        const Keeping keeping(keptMember);
+        return CDeviceManagerImpl::send(m_deviceManager, request(), mode, url);
+    };
     if (mode != REST_GET) {
         m_seen.setChange();
     }
-    Answer answer = CDeviceManagerImpl::send(m_deviceManager, request(), mode, url);
+    Answer answer = exchange();
     if (m_deviceManager != nullptr && m_deviceManager->opensAgain(answer) && mode == REST_GET) {
-        answer = CDeviceManagerImpl::send(m_deviceManager, request(), mode, url);
+        answer = exchange();
     }
     answer = checked(std::move(answer));
     if (mode == REST_POST && m_seen.isMaking()) {

@@ -101,6 +101,8 @@ public:
     void addMember(const std::string& groupId, MOType type, const std::string& id);
 
     Answer get(const std::string& url) { return send(REST_GET, url); }
+    /** As get; of a list as long as it may be the IDs are kept alone. */
+    Answer getIds(const std::string& url) { return send(REST_GET, url, "ID"); }
     Answer post(const std::string& url) { return send(REST_POST, url); }
     Answer put(const std::string& url) { return send(REST_PUT, url); }
     Answer del(const std::string& url) { return send(REST_DELETE, url); }
@@ -129,7 +131,7 @@ private:
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    Answer send(REST_REQUEST_MODE_E mode, const std::string& url);
+    Answer send(REST_REQUEST_MODE_E mode, const std::string& url, const char* keptMember = nullptr);
     void requireOneCondition(const std::string& value);
     /** Says what ended the operation; for the caller to throw. */
     OvraAPIException failure(int result, const std::string& message) const;

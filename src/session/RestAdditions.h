@@ -9,5 +9,6 @@
 extern __attribute__((weak)) RestSettings RestGetSettings();
 extern __attribute__((weak)) const RestFailure& RestLastFailure() noexcept;
 extern __attribute__((weak)) const RestCall* RestSetCall(const RestCall* call) noexcept;
+extern __attribute__((weak)) const char* RestKeepMember(const char* member) noexcept;
 
 #endif

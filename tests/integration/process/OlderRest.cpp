@@ -31,6 +31,10 @@ int firstWrongStep(const std::string& address, unsigned int port)
         array.luns()->getLun("1").ID != "1") {
         return 1;
     }
+    LunQuery all;
+    if (array.luns()->getLunByLunGroup("1", all).size() != 1) {
+        return 7;
+    }
     const Cancellation cancellation;
     cancellation.cancel();
     {

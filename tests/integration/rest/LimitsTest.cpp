@@ -1,5 +1,8 @@
 #include "RestFixture.h"
 
+#include <ovra/rest/RestCall.h>
+#include <ovra/rest/RestFailure.h>
+
 #include <array>
 #include <fcntl.h>
 #include <fstream>
@@ -106,7 +109,7 @@ protected:
     }
 
     /** What a process that may take so much memory more gets of an answer; -1 when that is not enough. */
-    Outcome receiveWithin(rlim_t bytes, const std::string& data)
+    Outcome receiveWithin(rlim_t bytes, const std::string& data, const char* keptMember = nullptr)
     {
         server.setDefault(Behaviour::success(data));
         std::array<int, 2> results = {-1, -1};
@@ -120,6 +123,7 @@ protected:
             setrlimit(RLIMIT_AS, &limit);
             std::array<long, 2> told = {-1, 0};
             try {
+                RestKeepMember(keptMember);
                 const Outcome outcome = send(server.url());
                 told = {outcome.result, static_cast<long>(outcome.count)};
             } catch (const std::bad_alloc&) {
@@ -160,6 +164,38 @@ TEST_F(RestMemory, AHundredThousandFullRecordsAreReceived)
     const Outcome outcome = receiveWithin(512 * MIB, arrayOf(100000, &fullRecord));
     EXPECT_EQ(0, outcome.result);
     EXPECT_EQ(100000U, outcome.count);
+}
+
+TEST_F(RestMemory, AListOfWhichIdsAreKeptMayBeLargerThanAnAnswerThatIsKept)
+{
+    const std::string data = arrayOf(200000, &fullRecord);
+    ASSERT_GT(data.size(), 64 * MIB);
+    const Outcome outcome = receiveWithin(32 * MIB, data, "ID");
+    EXPECT_EQ(0, outcome.result);
+    EXPECT_EQ(200000U, outcome.count);
+}
+
+TEST_F(RestLimits, AnAnswerThatIsTooLargeIsToldWithItsSizeAndTheLimit)
+{
+    const std::string text(64UL * 1024 * 1024, 'x');
+    server.setDefault(Behaviour::success("\"" + text + "\""));
+    EXPECT_EQ(REST_ANSWER_TOO_LARGE, send(server.url()).result);
+    EXPECT_STREQ("the answer is too large: 67108912 bytes, at most 67108864 can be kept",
+                 RestLastFailure().text);
+    server.setDefault(Behaviour::endlessBody());
+    EXPECT_EQ(REST_ANSWER_TOO_LARGE, send(server.url()).result);
+    EXPECT_STREQ("the answer is too large: more than 67108864 bytes", RestLastFailure().text);
+    server.setDefault(Behaviour::endlessHeaders());
+    EXPECT_EQ(REST_ANSWER_TOO_LARGE, send(server.url()).result);
+    EXPECT_STREQ("the answer is too large: more than 262144 bytes of headers", RestLastFailure().text);
+    server.setDefault(Behaviour::endlessHeaderLine());
+    EXPECT_EQ(REST_ANSWER_TOO_LARGE, send(server.url()).result);
+    EXPECT_STREQ("the answer is too large: more than 102400 bytes in a line of headers",
+                 RestLastFailure().text);
+    server.setDefault(Behaviour::success(arrayOf(4000010, [](int) { return "0"; })));
+    EXPECT_EQ(REST_ANSWER_TOO_LARGE, send(server.url()).result);
+    EXPECT_STREQ("the answer is too large: 4000015 values, at most 4000000 can be kept",
+                 RestLastFailure().text);
 }
 
 } // namespace

@@ -103,8 +103,10 @@ TEST(Answers, OnlyStrictJsonIsRead)
     const std::string good = "{" + SUCCESS + "}";
     ASSERT_TRUE(parseAnswer(good));
     EXPECT_TRUE(parseAnswer(" \r\n" + good + " \r\n"));
+    EXPECT_TRUE(parseAnswer("{" + SUCCESS + ",\"/*\":\"\\\"// c\"}"));
     for (const std::string& text :
          {good + "x", good + good, good + std::string(1, '\0'), "/* c */" + good, good + "// c",
+          "{" + SUCCESS + ",\"a\":[1/* c */]}", "{" + SUCCESS + ",\"a\":\"\\\"\",\"b\":[1//\n]}",
           "{" + SUCCESS + ",}", "{" + SUCCESS + ",\"a\":NaN}", "{" + SUCCESS + ",'a':1}",
           "{" + SUCCESS + ",\"a\":1,\"a\":2}", "{" + SUCCESS + "," + SUCCESS + "}",
           good.substr(0, good.size() - 1), "{" + SUCCESS + ",\"a\":tru}"}) {

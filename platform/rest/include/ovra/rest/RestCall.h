@@ -25,4 +25,13 @@ struct RestCall
  */
 __attribute__((visibility("default"))) const RestCall* RestSetCall(const RestCall* call) noexcept;
 
+/**
+ * Sets what this thread's requests keep from now on of a list: of each record that is an object this member
+ * alone, so that a list may be larger than an answer that is kept whole. One record ("data" is an object) is
+ * kept whole. RestResponse then shows a record until it is asked for another one.
+ * @param member its name, in letters and digits; lives until another one is set. Null: everything is kept.
+ * @return what was set before.
+ */
+__attribute__((visibility("default"))) const char* RestKeepMember(const char* member) noexcept;
+
 #endif
