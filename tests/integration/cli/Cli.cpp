@@ -80,6 +80,11 @@ Outcome Cli::execute(const char* program, const Words& words) const
     for (const auto& [name, value] : environment) {
         all[name] = value;
     }
+    for (const char* const name : {"MUTANT", "MUTANTS_REACHED"}) { // scripts/mutate
+        if (const char* const value = std::getenv(name)) {
+            all[name] = value;
+        }
+    }
     std::vector<std::string> variables;
     for (const auto& [name, value] : all) {
         variables.push_back(name + "=" + value);

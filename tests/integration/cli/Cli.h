@@ -36,7 +36,7 @@ using Words = std::vector<std::string>;
 class Cli
 {
 public:
-    /** Of the environment the runs get PATH and what is set here, nothing else. */
+    /** Of the environment the runs get PATH, what scripts/mutate needs and what is set here, nothing else. */
     std::map<std::string, std::string> environment;
     /** Runs in the new process before tesselctl does, e.g. to enter a namespace. */
     std::function<void()> prepare;

@@ -133,6 +133,9 @@ TEST_F(Drawing, aPictureIsWellFormedAndShortensNames)
     EXPECT_THAT(svg, HasSubstr("<title>LUN 17 (db &quot;a\\b&quot; &lt;&amp;&gt;)</title>"));
     EXPECT_THAT(svg,
                 HasSubstr("<text x=\"130\" y=\"36\" text-anchor=\"middle\" fill=\"#5b6770\">hosts</text>"));
+    EXPECT_THAT(
+        svg,
+        HasSubstr("<text x=\"420\" y=\"36\" text-anchor=\"middle\" fill=\"#5b6770\">host groups</text>"));
     EXPECT_THAT(svg, HasSubstr("<path d=\"M236 82 C275 82 275 142 314 142\"/>"));
     EXPECT_THAT(svg,
                 HasSubstr("<rect x=\"24\" y=\"60\" width=\"212\" height=\"44\" rx=\"6\" fill=\"#dcebe1\""));

@@ -3,10 +3,12 @@
 #include "metrics/AuditTotals.h"
 #include "metrics/Exposition.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <sys/resource.h>
 
 namespace {
 
@@ -118,6 +120,23 @@ TEST(Metrics, stepIntoTheirFilesPlaceAsAWhole)
     namespace files = std::filesystem;
     EXPECT_EQ(files::status(path).permissions(), files::perms{0644});
     EXPECT_EQ(std::distance(files::directory_iterator(folder.path()), {}), 1);
+}
+
+TEST(Metrics, thatHaveNoRoomLeaveTheOldOnes)
+{
+    const tessel_test::Folder folder;
+    const std::string path = folder.write("metrics.prom", "old");
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit narrow = before;
+    narrow.rlim_cur = 10;
+    setrlimit(RLIMIT_FSIZE, &narrow);
+    EXPECT_THROW(tesselctl::replaceFile(path, "more than ten bytes"), tesselctl::Failure);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 
 TEST(Metrics, leaveNothingWhereTheyCannotBeWritten)

@@ -14,6 +14,12 @@ TEST(Table, alignsNumbersToTheRightAndAllElseToTheLeft)
                                                                          "11  web server    3\n");
 }
 
+TEST(Table, takesAnEmptyTextForNoNumber)
+{
+    Table table({"ID", "NAME"});
+    EXPECT_EQ(table.part({{"7", "a"}, {"", "b"}, {"11", "c"}}), "ID  NAME\n7   a\n    b\n11  c\n");
+}
+
 TEST(Table, keepsItsColumnsFromPartToPart)
 {
     Table table({"ID", "NAME"});

@@ -67,6 +67,7 @@ TEST(Text, isCutToColumnsAndNotToBytes)
     EXPECT_EQ(cutTo("", 0), "");
     EXPECT_EQ(cutTo("\xC3\xA4\xC3\xB6\xC3\xBC", 3), "\xC3\xA4\xC3\xB6\xC3\xBC");
     EXPECT_EQ(cutTo("\xC3\xA4\xC3\xB6\xC3\xBC", 2), "\xC3\xA4~");
+    EXPECT_EQ(cutTo("e\xCC\x81x", 2), "e\xCC\x81x"); // an accent of its own takes no column
     EXPECT_EQ(cutTo("\xE4\xB8\xAD\xE6\x96\x87", 4), "\xE4\xB8\xAD\xE6\x96\x87"); // two columns each
     EXPECT_EQ(cutTo("\xE4\xB8\xAD\xE6\x96\x87", 3), "\xE4\xB8\xAD~");
     EXPECT_EQ(cutTo("\xE4\xB8\xAD\xE6\x96\x87", 2), "~");

@@ -131,6 +131,7 @@ TEST_F(Way, throughAViewOfOthersTellsWhoElseWouldSee)
     graph.link(lunGroup(), lun);
     const Visibility visibility = examine(graph, initiator, lun);
     EXPECT_THAT(textsOf(visibility), Contains("- host 1 (web1) is in no host group"));
+    EXPECT_THAT(textsOf(visibility), Contains("+ LUN group 4 (backup) is in mapping view 6"));
     EXPECT_THAT(textsOf(visibility),
                 Contains("- mapping view 6 holds host group 5 (web), which the host is not in"));
     EXPECT_THAT(commandsOf(visibility), ElementsAre("tesselctl hostgroup add 5 --host 1", ATTACH));
