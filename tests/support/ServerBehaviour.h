@@ -20,6 +20,7 @@ struct Behaviour
     std::string separately;               ///< arrives with them, in a TLS record of their own
     std::string endlessly;                ///< then these again and again, until the client goes
     std::chrono::milliseconds perByte{0}; ///< when not 0: one byte at a time, with this pause
+    std::chrono::milliseconds before{0};  ///< from the request to the first byte
     Afterwards afterwards = Afterwards::KEEP_OPEN;
 
     /** A well-formed answer with that body; extraHeaders is lines that end in CR LF. */

@@ -44,7 +44,7 @@ short ServerConnection::wanted() const
 
 std::optional<ServerConnection::Clock::time_point> ServerConnection::due() const
 {
-    if (m_state == State::WRITING && m_behaviour.perByte.count() > 0) {
+    if (m_state == State::WRITING && (m_behaviour.perByte + m_behaviour.before).count() > 0) {
         return m_nextByte;
     }
     return std::nullopt;
@@ -118,7 +118,7 @@ void ServerConnection::behave(const Behaviour& behaviour)
     // Two records, but one arrival: otherwise the client may be at its next request before the second is
     // there.
     cork(!m_behaviour.separately.empty());
-    m_nextByte = Clock::now();
+    m_nextByte = Clock::now() + m_behaviour.before;
     m_state = State::WRITING;
 }
 
@@ -134,7 +134,7 @@ ServerConnection::Progress ServerConnection::write()
         return finishWriting();
     }
     const bool slow = m_behaviour.perByte.count() > 0;
-    if (slow && Clock::now() < m_nextByte) {
+    if (due() && Clock::now() < m_nextByte) {
         return Progress::BLOCKED;
     }
     const int written = transmit(m_pending.data() + m_sent, slow ? 1 : m_pending.size() - m_sent);
