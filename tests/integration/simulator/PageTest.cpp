@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -14,7 +15,7 @@ using namespace arraysim;
 namespace {
 
 /** What a page took: memory that was asked for, and looks at an object for a filter or a record. */
-std::size_t g_taken = 0;
+std::atomic<std::size_t> g_taken{0};
 
 } // namespace
 
@@ -39,6 +40,21 @@ namespace {
 
 constexpr unsigned PAGE = 100;
 constexpr unsigned MANY_LUNS = 5000;
+
+/** LUNs whose field ISADD2LUNGROUP counts how often it is looked at. */
+ObjectType countedLuns()
+{
+    ObjectType luns = objectType(Type::LUN);
+    for (Field& field : luns.fields) {
+        if (field.key == "ISADD2LUNGROUP") {
+            field.compute = [really = field.compute](const World& world, const Object& lun) {
+                ++g_taken;
+                return really(world, lun);
+            };
+        }
+    }
+    return luns;
+}
 
 /** An array of which a test asks without any wire between. */
 class SimulatorPage : public ::testing::Test
@@ -90,20 +106,6 @@ protected:
             ids.push_back(record["ID"].asString());
         }
         return {ids, taken};
-    }
-
-    static ObjectType countedLuns()
-    {
-        ObjectType luns = objectType(Type::LUN);
-        for (Field& field : luns.fields) {
-            if (field.key == "ISADD2LUNGROUP") {
-                field.compute = [really = field.compute](const World& world, const Object& lun) {
-                    ++g_taken;
-                    return really(world, lun);
-                };
-            }
-        }
-        return luns;
     }
 
     struct Asked
