@@ -57,7 +57,7 @@ public:
     void flush() { check(fsync(m_fd) == 0, "flush"); }
 
 private:
-    static off_t offset(size_t index) { return BLOCK * index; }
+    static off_t offset(size_t index) { return static_cast<off_t>(BLOCK * index); }
     void fill(size_t index)
     {
         for (ssize_t i = 0; i < BLOCK; ++i) {

@@ -37,7 +37,7 @@ LunMO createLun(const Array& array, const std::string& pool, const std::string& 
     wanted.CAPACITY = 64 * MIB;
     wanted.ALLOCTYPE = 1;
     wanted.ALLOCCAPACITY = 0;
-    const LunMO made = array.luns().createLun(wanted);
+    LunMO made = array.luns().createLun(wanted);
     if (made.ID.empty()) {
         throw std::runtime_error("the LUN was created but cannot be read yet: look for it by its name " +
                                  name);

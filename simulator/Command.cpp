@@ -37,7 +37,7 @@ std::vector<std::string> merged(const Command::Environment& environment)
     }
     for (const auto& [name, value] : environment) {
         if (!value.empty()) {
-            all.push_back(name + "=" + value);
+            all.push_back(std::string(name).append("=").append(value));
         }
     }
     return all;

@@ -17,7 +17,7 @@ namespace {
 std::string realDevice(const std::string& path)
 {
     char* real = realpath(path.c_str(), nullptr);
-    const std::string device = real == nullptr ? path : real;
+    std::string device = real == nullptr ? path : real;
     std::free(real);
     return device;
 }

@@ -29,10 +29,9 @@ std::string chosenHost(Context& context)
         return context.text("--host");
     }
     const std::string initiator = chosenInitiator(context);
-    const std::string host =
-        mustRead(context.session(), "iSCSI initiator", initiator, [&](const std::string& id) {
-            return context.handler<CIscsiInitiatorHandler>().getIscsiInitiator(id);
-        }).PARENTID;
+    std::string host = mustRead(context.session(), "iSCSI initiator", initiator, [&](const std::string& id) {
+                           return context.handler<CIscsiInitiatorHandler>().getIscsiInitiator(id);
+                       }).PARENTID;
     if (host.empty()) {
         throw Failure("the initiator " + initiator + " belongs to no host");
     }

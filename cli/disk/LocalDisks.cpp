@@ -27,7 +27,10 @@ std::vector<std::string> usesOfDisksWith(const std::string& wwn)
             const auto found = ovra::disk::usesOf(disk, root);
             uses.insert(uses.end(), found.found.begin(), found.found.end());
             for (const auto& reason : found.unknown) {
-                uses.push_back("whether " + disk + " is in use cannot be told, " + reason);
+                uses.push_back(std::string("whether ")
+                                   .append(disk)
+                                   .append(" is in use cannot be told, ")
+                                   .append(reason));
             }
         }
     }

@@ -124,7 +124,7 @@ std::string Parser::place() const
 {
     std::string words;
     for (CLI::App* app = deepest(const_cast<CLI::App*>(&m_app)); app != nullptr; app = app->get_parent()) {
-        words = app->get_name() + (words.empty() ? "" : " " + words);
+        words.insert(0, words.empty() ? app->get_name() : app->get_name() + " ");
     }
     return words;
 }

@@ -44,7 +44,7 @@ std::string number(double value)
 /** The middle is cut out: names of initiators and of generated groups differ at their ends. */
 std::string shortened(const std::string& text)
 {
-    const std::string whole = printable(text);
+    std::string whole = printable(text);
     if (cutTo(whole, CHARACTERS_IN_BOX) == whole) {
         return whole;
     }

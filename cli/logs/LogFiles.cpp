@@ -7,6 +7,7 @@
 #include <tessel/DeviceManager.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <regex>
 #include <tuple>
@@ -36,9 +37,10 @@ std::map<std::string, std::vector<std::string>> logFilesIn(const std::string& di
         }
     }
     std::sort(found.begin(), found.end());
+    const std::string folder = (std::filesystem::path(directory) / "").string();
     std::map<std::string, std::vector<std::string>> files;
     for (const auto& [date, part, kind, name] : found) {
-        files[kind].push_back(directory + (directory.back() == '/' ? "" : "/") + name);
+        files[kind].push_back(folder + name);
     }
     return files;
 }

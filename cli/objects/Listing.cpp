@@ -1,5 +1,6 @@
 #include "objects/Listing.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace tesselctl {
@@ -36,10 +37,10 @@ void refuseQuery(const Context& context, const std::vector<Option>& filters, con
     for (const auto& filter : filters) {
         names.push_back(filter.name);
     }
-    for (const auto& name : names) {
-        if (context.has(name)) {
-            throw UsageError(name + " does not go with " + source + ", which names one object at most");
-        }
+    const auto given =
+        std::find_if(names.begin(), names.end(), [&](const std::string& name) { return context.has(name); });
+    if (given != names.end()) {
+        throw UsageError(*given + " does not go with " + source + ", which names one object at most");
     }
 }
 

@@ -42,7 +42,7 @@ std::string Table::part(const std::vector<TableLine>& lines)
     for (const auto& line : lines) {
         table.addLine(nullptr, line);
     }
-    const std::string text = table.text();
+    std::string text = table.text();
     for (size_t i = 0; i < m_titles.size(); ++i) {
         const auto width = scols_column_get_width(scols_table_get_column(table.get(), i));
         m_columns[i].width = std::max(m_columns[i].width, static_cast<double>(width));

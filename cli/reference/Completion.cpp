@@ -72,7 +72,7 @@ std::string valueCases()
     std::string text;
     for (const auto& [code, options] : names) {
         const std::string alternatives = joined({options.begin(), options.end()}, " | ");
-        text += "        " + alternatives + ") " + code + "return ;;\n";
+        text.append("        ").append(alternatives).append(") ").append(code).append("return ;;\n");
     }
     return text;
 }

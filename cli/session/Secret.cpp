@@ -40,7 +40,7 @@ std::string askSecret(const std::string& question)
 {
     std::array<char, 4096> typed{};
     const char* answer = readpassphrase(question.c_str(), typed.data(), typed.size(), RPP_REQUIRE_TTY);
-    const std::string secret = answer == nullptr ? "" : answer;
+    std::string secret = answer == nullptr ? "" : answer;
     explicit_bzero(typed.data(), typed.size());
     if (answer == nullptr && errno == ENOTTY) {
         throw UsageError(

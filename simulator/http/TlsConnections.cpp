@@ -6,7 +6,7 @@ namespace arraysim {
 namespace {
 
 /** The HTTP library bounds the lines of a head, but not their number. */
-constexpr std::size_t LARGEST_HEAD = 256 * 1024;
+constexpr std::size_t LARGEST_HEAD = 256UL * 1024;
 
 } // namespace
 
@@ -112,7 +112,7 @@ void TlsConnections::reset(const SSL* connection)
     const auto found = m_open.find(connection);
     if (found != m_open.end()) {
         const sockaddr none{AF_UNSPEC, {}};
-        ::connect(found->second.descriptor, &none, sizeof none);
+        static_cast<void>(::connect(found->second.descriptor, &none, sizeof none));
     }
 }
 

@@ -56,7 +56,7 @@ void release(World& world, const std::string& poolId, unsigned long long sectors
 
 std::string addPool(World& world, const std::string& name, unsigned long long sectors)
 {
-    const std::string id = world.nextId(Type::STORAGE_POOL);
+    std::string id = world.nextId(Type::STORAGE_POOL);
     World::Transaction transaction(world);
     world.put(Type::STORAGE_POOL, pool(id.c_str(), name.c_str(), sectors));
     transaction.commit();

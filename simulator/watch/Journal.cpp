@@ -11,7 +11,7 @@ namespace arraysim {
 namespace {
 
 constexpr std::size_t KEPT_ENTRIES = 50000;
-constexpr std::size_t KEPT_BYTES = 64 * 1024 * 1024;
+constexpr std::size_t KEPT_BYTES = 64UL * 1024 * 1024;
 
 std::size_t sizeOf(const JournalEntry& entry)
 {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* HIDDEN = "***";
 constexpr std::size_t LONGEST_SHOWN = 4096;
-constexpr std::size_t LONGEST_READ = 64 * 1024;
+constexpr std::size_t LONGEST_READ = 64UL * 1024;
 
 /** The members of bodies and the keys of filters that are known, and those of them whose values are shown. */
 struct Known
