@@ -33,6 +33,7 @@ hide "$lun"
 same "a disk that was brought back, and died, is told" "$(told)" "$dead removable"
 same "and is there still" "$(told)" "$dead removable"
 tesselctl tidy
+# shellcheck disable=SC2217 # it only holds the disk open
 sleep 30 <"/dev/$dead" &
 opener=$!
 same "one in use stays" "$(told --remove)" "$dead kept"

@@ -10,6 +10,7 @@ failed=0
 command -v "$compiler" >/dev/null || { echo "$compiler is not installed"; exit 1; }
 
 compile() { # standard, source text, further options
+    # shellcheck disable=SC2086 # options
     printf '%s\n' "$2" | "$compiler" -std="$1" -Wall -Wextra -Wpedantic -Werror -I"$include" -x c++ $3 -
 }
 
