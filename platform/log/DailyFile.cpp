@@ -105,9 +105,8 @@ DailyFile::~DailyFile()
     close();
 }
 
-int DailyFile::prepare(std::chrono::system_clock::time_point time)
+int DailyFile::prepare(const Date& date)
 {
-    const Date date = Date::of(time);
     if (m_descriptor >= 0 && date == m_date && stillThere() &&
         (!m_place.limits.areSet() || m_process == getpid())) {
         return 0;
@@ -115,9 +114,9 @@ int DailyFile::prepare(std::chrono::system_clock::time_point time)
     return open(date);
 }
 
-int DailyFile::write(std::chrono::system_clock::time_point time, std::string_view record)
+int DailyFile::write(const Date& date, std::string_view record)
 {
-    if (const int error = prepare(time)) {
+    if (const int error = prepare(date)) {
         return error;
     }
     return m_place.limits.areSet() ? appendWithin(record) : append(record);

@@ -31,11 +31,11 @@ public:
     DailyFile(const DailyFile&) = delete;
     DailyFile& operator=(const DailyFile&) = delete;
 
-    /** Opens the file of that time's day if need be; 0, or the errno value of the directory tried last. */
-    int prepare(std::chrono::system_clock::time_point time);
+    /** Opens the file of that day if need be; 0, or the errno value of the directory tried last. */
+    int prepare(const Date& date);
 
     /** Appends a record, which ends in a newline; 0, or an errno value when it was not written whole. */
-    int write(std::chrono::system_clock::time_point time, std::string_view record);
+    int write(const Date& date, std::string_view record);
 
     /** Where the open file is; empty when none is. */
     const std::string& directory() const { return m_directory; }

@@ -1,67 +1,64 @@
 #include "DailySink.h"
 
-#include <spdlog/pattern_formatter.h>
-
-#include <functional>
+#include <array>
+#include <charconv>
 
 namespace ovra::log {
 
 namespace {
 
-class LevelFlag final : public spdlog::custom_flag_formatter
+const char* nameOf(spdlog::level::level_enum level)
 {
-public:
-    void format(const spdlog::details::log_msg& record, const tm&, spdlog::memory_buf_t& line) override
-    {
-        const std::string_view name = record.level == spdlog::level::debug  ? "DEBUG"
-                                      : record.level == spdlog::level::warn ? "WARN"
-                                      : record.level == spdlog::level::err  ? "ERROR"
-                                                                            : "INFO";
-        line.append(name.data(), name.data() + name.size());
+    switch (level) {
+    case spdlog::level::debug:
+        return " DEBUG ";
+    case spdlog::level::warn:
+        return " WARN ";
+    case spdlog::level::err:
+        return " ERROR ";
+    default:
+        return " INFO ";
     }
+}
 
-    std::unique_ptr<spdlog::custom_flag_formatter> clone() const override
-    {
-        return std::make_unique<LevelFlag>();
-    }
-};
-
-/** A number that is kept: the kernel is not asked for each line. */
-class ProcessFlag final : public spdlog::custom_flag_formatter
+void append(std::string& line, char before, size_t number)
 {
-public:
-    explicit ProcessFlag(const int& number) : m_number(number) {}
-
-    void format(const spdlog::details::log_msg&, const tm&, spdlog::memory_buf_t& line) override
-    {
-        const std::string text = std::to_string(m_number);
-        line.append(text.data(), text.data() + text.size());
-    }
-
-    std::unique_ptr<spdlog::custom_flag_formatter> clone() const override
-    {
-        return std::make_unique<ProcessFlag>(m_number);
-    }
-
-private:
-    const int& m_number;
-};
+    std::array<char, 24> text = {before};
+    line.append(text.data(), std::to_chars(text.data() + 1, text.data() + text.size(), number).ptr);
+}
 
 } // namespace
 
-DailySink::DailySink(const std::string& pattern, const int& process, std::string prefix, Place place)
-    : m_file(std::move(prefix), std::move(place))
+DailySink::DailySink(const int& process, std::string prefix, Place place)
+    : m_process(process), m_formatter("%Y-%m-%d %H:%M:%S", spdlog::pattern_time_type::local, ""),
+      m_file(std::move(prefix), std::move(place))
 {
-    auto formatter = std::make_unique<spdlog::pattern_formatter>();
-    formatter->add_flag<LevelFlag>('K').add_flag<ProcessFlag>('P', std::cref(process)).set_pattern(pattern);
-    set_formatter(std::move(formatter));
 }
 
-void DailySink::sink_it_(const spdlog::details::log_msg& record)
+std::string& DailySink::begin(const spdlog::details::log_msg& record)
 {
-    spdlog::memory_buf_t line;
-    formatter_->format(record, line);
-    m_lastError = m_file.write(record.time, {line.data(), line.size()});
+    const auto second = std::chrono::floor<std::chrono::seconds>(record.time);
+    if (second != m_second || m_secondText.empty()) {
+        spdlog::memory_buf_t text;
+        m_formatter.format(record, text);
+        m_secondText.assign(text.data(), text.size());
+        m_date = Date::of(record.time);
+        m_second = second;
+    }
+    constexpr size_t ALL_DIGITS = 1000; // so that those in front stand there too
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(record.time - second);
+    m_line = m_secondText;
+    append(m_line, '.', ALL_DIGITS + static_cast<size_t>(milliseconds.count()));
+    m_line.erase(m_secondText.size() + 1, 1);
+    append(m_line, ' ', static_cast<size_t>(m_process));
+    append(m_line, ' ', record.thread_id);
+    return m_line += nameOf(record.level);
+}
+
+void DailySink::end()
+{
+    m_line += '\n';
+    m_lastError = m_file.write(m_date, m_line);
 }
 
 } // namespace ovra::log

@@ -3,30 +3,37 @@
 
 #include "DailyFile.h"
 
-#include <spdlog/details/null_mutex.h>
-#include <spdlog/sinks/base_sink.h>
+#include <spdlog/details/log_msg.h>
+#include <spdlog/pattern_formatter.h>
+
+#include <string>
 
 namespace ovra::log {
 
-/** Formats records and appends each of them to the file of its day. Not thread-safe: its owner locks. */
-class DailySink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex>
+/** Lines that begin with time, process, thread and level, in the file of their day. Not thread-safe. */
+class DailySink
 {
 public:
-    /**
-     * @param pattern spdlog's, where %K is the level in capitals.
-     * @param process the number that %P writes; outlives the sink.
-     */
-    DailySink(const std::string& pattern, const int& process, std::string prefix, Place place);
+    /** @param process the number that the lines tell; outlives the sink. */
+    DailySink(const int& process, std::string prefix, Place place);
 
-    /** Result of the last record: 0, or an errno value when it was not written whole. */
+    /** A line that is begun with what a record tells beside its text; the rest is put behind it. */
+    std::string& begin(const spdlog::details::log_msg& record);
+    /** Writes that line. */
+    void end();
+
+    /** Result of the last line: 0, or an errno value when it was not written whole. */
     int lastError() const { return m_lastError; }
 
     DailyFile& file() { return m_file; }
 
 private:
-    void sink_it_(const spdlog::details::log_msg& record) override;
-    void flush_() override {}
-
+    const int& m_process;
+    spdlog::pattern_formatter m_formatter;
+    std::chrono::system_clock::time_point m_second{}; ///< of the line, with what is asked once for it:
+    std::string m_secondText;
+    Date m_date;
+    std::string m_line; ///< its memory serves the next one
     DailyFile m_file;
     int m_lastError = 0;
 };

@@ -3,6 +3,7 @@
 #include <ovra/text/Utf8.h>
 
 #include <algorithm>
+#include <array>
 
 namespace ovra::log {
 
@@ -17,11 +18,21 @@ void appendBytes(std::string& line, std::string_view bytes)
     }
 }
 
-/// How many characters the text begins with that nothing is done to, whatever they are within: nearly all
-/// there are.
-size_t lengthOfPlain(std::string_view text)
+/// Whether nothing is done to a character, whatever it is within but a word: nearly all there are.
+constexpr std::array<bool, 256> PLAIN = [] {
+    std::array<bool, 256> plain = {};
+    for (size_t byte = ' '; byte < 0x7F; ++byte) {
+        plain[byte] = byte != '\\' && byte != '"';
+    }
+    return plain;
+}();
+
+/// How many of them the text begins with.
+size_t lengthOfPlain(std::string_view text, Within within)
 {
-    const auto isPlain = [](char c) { return c > ' ' && c < '\x7F' && c != '\\' && c != '"'; };
+    const auto isPlain = [within](char character) {
+        return PLAIN[static_cast<unsigned char>(character)] && (character != ' ' || within != Within::Word);
+    };
     return static_cast<size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
 }
 
@@ -69,7 +80,7 @@ void appendEscaped(std::string& line, std::string_view text, Within within)
         line += '-';
     }
     while (!text.empty()) {
-        const size_t plain = lengthOfPlain(text);
+        const size_t plain = lengthOfPlain(text, within);
         line.append(text.data(), plain);
         text.remove_prefix(plain);
         if (text.empty()) {

@@ -13,18 +13,16 @@ namespace ovra::log {
 
 namespace {
 
-constexpr const char* RUN_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %n %v";
-constexpr const char* INTERFACE_PATTERN = "%Y-%m-%d %H:%M:%S.%e %P %t %K %v";
 constexpr std::uint64_t MIB = 1024UL * 1024;
 // What is asked for by who has not found this library's own file: it is a part of the program itself.
 constexpr const char* NOWHERE = "/logs/";
 constexpr const char* SYSTEM_CONFIGURATION = "/etc/ovra/Tessel_API.ini";
-constexpr size_t USUAL_RECORD = 300; // characters of an interface record
 constexpr std::string_view OWN_NAME = "Ovra-Log-API";
 
-constexpr std::array<const char*, std::tuple_size_v<InterfaceRecord>> FIELD_NAMES = {
-    "product",     "type",  "protocol", "operation", "source",   "target",
-    "transaction", "start", "end",      "result",    "extension"};
+/// What stands in front of each value of an interface record, behind the one before.
+constexpr std::array<std::string_view, std::tuple_size_v<InterfaceRecord>> BEFORE_VALUES = {
+    "product=\"",        "\" type=\"",  "\" protocol=\"", "\" operation=\"", "\" source=\"",   "\" target=\"",
+    "\" transaction=\"", "\" start=\"", "\" end=\"",      "\" result=\"",    "\" extension=\""};
 
 /// Makes it when the library is loaded at the latest, so that no child is forked while it is half made. Where
 /// there is no memory yet, whoever logs first makes it.
@@ -120,7 +118,7 @@ void LogService::run(spdlog::level::level_enum level, std::string_view product, 
     if (!m_logs || level < m_configuration.level) {
         return;
     }
-    write(m_logs->run, level, escaped(product, Within::Word), escaped(text, Within::Text));
+    writeRun(level, product, text);
     tellAboutDirectory();
     tellAboutDrops();
 }
@@ -131,14 +129,13 @@ void LogService::interfaceCall(spdlog::level::level_enum level, const InterfaceR
     if (!m_logs || !m_configuration.hasInterfaceLog) {
         return;
     }
-    std::string text;
-    text.reserve(USUAL_RECORD);
-    for (size_t i = 0; i < record.size(); ++i) {
-        text.append(i == 0 ? "" : " ").append(FIELD_NAMES[i]).append("=\"");
-        appendEscaped(text, record[i], Within::Quotes);
-        text += '"';
-    }
-    write(m_logs->interface, level, "", text);
+    write(m_logs->interface, level, [&](std::string& line) {
+        for (size_t i = 0; i < record.size(); ++i) {
+            line += BEFORE_VALUES[i];
+            appendEscaped(line, record[i], Within::Quotes);
+        }
+        line += '"';
+    });
 }
 
 int LogService::audit(std::string_view record)
@@ -147,7 +144,7 @@ int LogService::audit(std::string_view record)
     if (!m_logs || record.find('\n') != std::string_view::npos) {
         return -1;
     }
-    const int error = m_logs->audit.write(m_clock(), std::string(record).append("\n"));
+    const int error = m_logs->audit.write(Date::of(m_clock()), std::string(record).append("\n"));
     if (error != 0) {
         noteDrop(error);
     }
@@ -168,9 +165,8 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
                          m_userDirectory,
                          m_configuration.retentionDays,
                          {m_configuration.mostMibPerDay * MIB, m_configuration.mostMib * MIB}};
-    m_logs.reset(new Logs{{RUN_PATTERN, m_process, PREFIXES[0], place},
-                          {INTERFACE_PATTERN, m_process, PREFIXES[1], place},
-                          {PREFIXES[2], place}});
+    m_logs.reset(
+        new Logs{{m_process, PREFIXES[0], place}, {m_process, PREFIXES[1], place}, {PREFIXES[2], place}});
     for (const std::string& problem : m_configuration.problems) {
         warn(std::string(configuration).append(": ").append(problem));
     }
@@ -178,24 +174,32 @@ void LogService::open(const std::string& iniFile, const std::string& directory)
 
 int LogService::prepare()
 {
-    if (m_logs->run.file().prepare(m_clock()) != 0) {
+    if (m_logs->run.file().prepare(Date::of(m_clock())) != 0) {
         return -1;
     }
     tellAboutDirectory();
     return 0;
 }
 
-void LogService::write(DailySink& sink, spdlog::level::level_enum level, std::string_view product,
-                       std::string_view text)
+template <class AppendText>
+void LogService::write(DailySink& sink, spdlog::level::level_enum level, AppendText appendText)
 {
-    spdlog::details::log_msg record({product.data(), product.size()}, level, {text.data(), text.size()});
-    record.time = m_clock();
+    spdlog::details::log_msg record(m_clock(), {}, {}, level, {});
     record.thread_id = static_cast<size_t>(threadNumber(m_process));
-    sink.log(record);
-    if (sink.lastError() == 0) {
-        return;
+    appendText(sink.begin(record));
+    sink.end();
+    if (sink.lastError() != 0) {
+        noteDrop(sink.lastError());
     }
-    noteDrop(sink.lastError());
+}
+
+void LogService::writeRun(spdlog::level::level_enum level, std::string_view product, std::string_view text)
+{
+    write(m_logs->run, level, [&](std::string& line) {
+        appendEscaped(line, product, Within::Word);
+        line += ' ';
+        appendEscaped(line, text, Within::Text);
+    });
 }
 
 void LogService::noteDrop(int error)
@@ -207,7 +211,7 @@ void LogService::noteDrop(int error)
 
 void LogService::warn(const std::string& text)
 {
-    write(m_logs->run, spdlog::level::warn, OWN_NAME, escaped(text, Within::Text));
+    writeRun(spdlog::level::warn, OWN_NAME, text);
 }
 
 void LogService::tellAboutDirectory()

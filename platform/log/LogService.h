@@ -71,8 +71,9 @@ private:
     void open(const std::string& iniFile, const std::string& directory);
     int prepare();
     void noteDirectory();
-    void write(DailySink& sink, spdlog::level::level_enum level, std::string_view product,
-               std::string_view text);
+    template <class AppendText>
+    void write(DailySink& sink, spdlog::level::level_enum level, AppendText appendText);
+    void writeRun(spdlog::level::level_enum level, std::string_view product, std::string_view text);
     void warn(const std::string& text);
     void tellAboutDirectory();
     void noteDrop(int error);

@@ -21,6 +21,28 @@ TEST_F(LogServiceTest, ARunLineHasDateProcessThreadLevelProductAndText)
               linesOf(runLog()));
 }
 
+TEST_F(LogServiceTest, EachLineHasItsOwnTime)
+{
+    ASSERT_EQ(0, start());
+    const std::vector<std::pair<const char*, int>> times = {
+        {"2026-11-21 10:20:30", 0},  {"2026-11-21 10:20:30", 7}, {"2026-11-21 10:20:30", 999},
+        {"2026-11-21 10:20:31", 40}, {"2026-11-21 10:20:30", 7}, {"2026-11-21 00:00:00", 0}};
+    const std::vector<std::string> begin = {"10:20:30.000", "10:20:30.007", "10:20:30.999",
+                                            "10:20:31.040", "10:20:30.007", "00:00:00.000"};
+    for (const auto& [local, milliseconds] : times) {
+        setTime(local, milliseconds);
+        service.run(INFO, "p", "line");
+        service.interfaceCall(INFO, {});
+    }
+    for (const auto& file : {runLog(), interfaceLog()}) {
+        const std::vector<std::string> lines = linesOf(file);
+        ASSERT_EQ(begin.size(), lines.size());
+        for (size_t i = 0; i < lines.size(); ++i) {
+            EXPECT_EQ("2026-11-21 " + begin[i] + " ", lines[i].substr(0, 24)) << file;
+        }
+    }
+}
+
 TEST_F(LogServiceTest, AnInterfaceRecordNamesItsElevenFields)
 {
     ASSERT_EQ(0, start());
