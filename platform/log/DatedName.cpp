@@ -99,9 +99,8 @@ std::optional<DatedName> parseName(std::string_view prefix, std::string_view nam
     if (!date || name.size() == shortest) {
         return date ? std::optional<DatedName>({*date, 1}) : std::nullopt;
     }
-    const std::string_view digits = name.substr(prefix.size() + DATE_FORM.size(), name.size() - shortest);
-    unsigned part = 0;
-    std::from_chars(digits.data() + 1, digits.data() + digits.size(), part); // 0 or 1 makes no such name
+    unsigned part = 0; // 0 or 1 makes no such name
+    std::from_chars(name.data() + prefix.size() + DATE_FORM.size() + 1, name.data() + name.size(), part);
     return datedName(prefix, *date, part) == name ? std::optional<DatedName>({*date, part}) : std::nullopt;
 }
 

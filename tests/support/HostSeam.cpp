@@ -253,7 +253,8 @@ int HostSeam::ioctl(int fd, unsigned long request, void* argument)
     const std::lock_guard<std::mutex> lock(m_mutex);
     SeamDisk& disk = disks.at(name);
     const bool isStandard = inquiry->cmdp[1] == 0 && !disk.standard.empty();
-    if (disk.ioctlResult != 0 || (disk.pages.empty() && !isStandard)) {
+    const bool isLimited = inquiry->timeout != 0; // else a disk that is silent would hold its caller for ever
+    if (!isLimited || disk.ioctlResult != 0 || (disk.pages.empty() && !isStandard)) {
         return failWith(EIO);
     }
     const std::vector<unsigned char> bytes = isStandard ? disk.standard : take(disk.pages, {});

@@ -108,6 +108,7 @@ TEST_F(AttachAndDetach, WhatAnAttachOfTheOldKindShowsIsDetachedUnasked)
     const Json::Value done = cli.json(detach()).json();
     EXPECT_TRUE(done["wasVisible"].asBool()) << done;
     EXPECT_EQ(done["lunGroups"][0]["id"], luns);
+    EXPECT_EQ(done["lunGroups"][0]["name"], "lungroup_1700000000");
     EXPECT_EQ(done["otherHostGroups"].size(), 0U);
     EXPECT_EQ(seen(host), 0U);
     expect(0, {"lungroup", "show", luns});

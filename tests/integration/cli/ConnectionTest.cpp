@@ -190,8 +190,10 @@ TEST_F(CliTest, AnAdoptedSessionIsUsedAndLeftOpen)
     EXPECT_FALSE(outcome.json()["milliseconds"].isMember("login"));
     EXPECT_EQ(array.counters()["sessions"].asInt(), 1);
 
-    cli.environment["TESSEL_TOKEN"] = client.token;
     cli.environment["TESSEL_COOKIE"] = client.cookie;
+    EXPECT_THAT(expect(2, {"port", "eth", "list", "--device-id", client.deviceId}).err,
+                HasSubstr("needs its token"));
+    cli.environment["TESSEL_TOKEN"] = client.token;
     expect(0, {"port", "eth", "list", "--device-id", client.deviceId});
     array.dropSessions();
     EXPECT_THAT(expect(1, {"ping", "--device-id", client.deviceId}).err, HasSubstr("the session is over"));
@@ -211,7 +213,13 @@ TEST_F(CliTest, FingerprintShowsTheCertificateAndThePinThatTrustsIt)
     EXPECT_EQ(shown["pin"].asString(), array.pinnedKey());
     EXPECT_TRUE(shown["inForce"].asBool());
     EXPECT_FALSE(shown["verified"].asBool());
-    EXPECT_EQ(shown["sha256"].asString().size(), 95U);
+    const std::string certificate =
+        "openssl s_client -connect " + place + " </dev/null 2>/dev/null | openssl x509 -noout ";
+    EXPECT_EQ(Cli().shell(certificate + "-fingerprint -sha256").out,
+              "sha256 Fingerprint=" + shown["sha256"].asString() + "\n");
+    EXPECT_EQ(Cli().shell(certificate + "-dates -dateopt iso_8601 | tr ' ' T").out,
+              "notBefore=" + shown["validFrom"].asString() + "\nnotAfter=" + shown["validUntil"].asString() +
+                  "\n");
     EXPECT_TRUE(Cli().json({"fingerprint", place, "--ca-file", array.caFile()}).json()["verified"].asBool());
     const Outcome text = Cli().run({"fingerprint", place});
     for (const char* part : {"subject", "issuer", "valid until", "SHA-256"}) {

@@ -44,6 +44,38 @@ TEST_F(HostTest, DoctorNamesAMissingToolAndItsPackage)
     EXPECT_THAT(expect(1, {"doctor"}).out, HasSubstr("failure  tool lsscsi"));
 }
 
+TEST_F(HostTest, DoctorTellsOfEachToolThatIsMissingWhetherItIsNeeded)
+{
+    std::filesystem::remove_all(folder.path() + "/bin");
+    const Outcome outcome = cli.json({"doctor"});
+    for (const char* const tool :
+         {"rescan-scsi-bus.sh", "sg_inq", "lsscsi", "timeout", "ls", "grep", "which"}) {
+        EXPECT_EQ(checkOf(outcome, std::string("tool ") + tool)["verdict"], "failure") << tool;
+    }
+    EXPECT_EQ(checkOf(outcome, "tool multipath")["verdict"], "warning");
+}
+
+TEST_F(HostTest, DoctorTellsWhichNamesUdevHasMade)
+{
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "/dev/disk/by-id")["found"], "1 names of disks");
+    const std::filesystem::path names = folder.path() + "/dev/disk/by-id";
+    std::filesystem::rename(names / "scsi-3600", names / "ata-3600");
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "/dev/disk/by-id")["found"], "there, without SCSI disks yet");
+    folder.write("dev/disk/by-id/wwn-0x3600", "");
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "/dev/disk/by-id")["found"], "2 names of disks");
+    std::filesystem::remove_all(names);
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "/dev/disk/by-id")["verdict"], "warning");
+}
+
+TEST_F(HostTest, DoctorTellsByWhatTheArrayIsTrusted)
+{
+    cli.environment["OVRA_REST_CA_FILE"] = "";
+    EXPECT_EQ(checkOf(cli.json({"doctor"}), "trust")["found"], "the certificates of this system");
+    const std::string pin = "sha256//" + std::string(43, 'A') + "=";
+    EXPECT_EQ(checkOf(cli.json({"doctor", "--pin", pin}), "trust")["found"], "a pinned key");
+    EXPECT_EQ(checkOf(cli.json({"doctor", "--insecure"}), "trust")["verdict"], "warning");
+}
+
 TEST_F(HostTest, DoctorRecognisesTheRescanScriptThatRemovesHealthyDisks)
 {
     stub("rescan-scsi-bus.sh", "sg_inq | grep Device_type=");

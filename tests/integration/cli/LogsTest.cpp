@@ -33,7 +33,8 @@ TEST_F(LogsCommand, ShowsTheDirectoryAndTheNewestFileOfEachKind)
         EXPECT_THAT(found["newest"][kind].asString(), HasSubstr(found["directory"].asString()));
     }
     EXPECT_FALSE(cli.json({"logs", "--log", "audit"}).json()["newest"].isMember("run"));
-    EXPECT_THAT(expect(0, {"logs"}).out, HasSubstr(found["newest"]["run"].asString()));
+    EXPECT_THAT(expect(0, {"logs"}).out,
+                HasSubstr("\nrun        " + found["newest"]["run"].asString() + "\n"));
 }
 
 TEST_F(LogsCommand, FollowsOverANewPartAndANewDay)

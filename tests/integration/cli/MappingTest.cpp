@@ -167,6 +167,8 @@ TEST_F(MappingTest, SnapshotsAttachAsLunsDoAndDetachFromEveryHost)
 {
     const std::string snapshot = array.createSnapshot(lun, "snap");
     expect(0, {"attach", "snapshot", snapshot, "--initiator", iqn});
+    EXPECT_THAT(expect(4, {"attach", "snapshot", "99", "--initiator", iqn}).err,
+                HasSubstr("no snapshot with the ID '99'"));
     EXPECT_EQ(cli.json({"snapshot", "list", "--host", host}).json()[0]["ID"], snapshot);
     const Outcome gone = cli.json({"detach", "snapshot", snapshot, "--all-hosts"});
     ASSERT_EQ(gone.exitCode, 0) << gone;

@@ -131,6 +131,14 @@ TEST_F(CliTest, AThinLunBeginsWithTheInitialSizeAskedFor)
                                        "--type", "thin", "--initial-size", "1M"})
                                  .json();
     EXPECT_EQ(some["ALLOCCAPACITY"].asUInt64(), 1048576U);
+    const std::string group = make({"lungroup", "create", "--name", "g"});
+    const std::string thick =
+        make({"lun", "create", "--name", "c", "--pool", "0", "--size", "1M", "--type", "thick"});
+    expect(0, {"lungroup", "add", group, "--lun", thick});
+    expect(0, {"lungroup", "add", group, "--lun", none["ID"].asString()});
+    const Json::Value listed = cli.json({"lun", "list", "--group", group, "--type", "thick"}).json();
+    ASSERT_EQ(listed.size(), 1U);
+    EXPECT_EQ(listed[0]["ID"], thick);
 }
 
 TEST_F(CliTest, ANameCannotSteerTheTerminal)

@@ -127,6 +127,7 @@ TEST_F(RescanPrograms, AreFoundAsTheShellFindsThem)
     install("second/other", "");
     EXPECT_EQ(findInPath("other", path()), root / "second/other");
     EXPECT_EQ(findInPath("other", ""), "");
+    EXPECT_EQ(presenceOf("tool", (root / "second/other").string()), Presence::ABSENT); // a file is no folder
 }
 
 TEST_F(RescanPrograms, ThatDoNotFitEachOtherRescanWithoutRemoval)
