@@ -66,19 +66,19 @@ def measured(tests, output, pool):
     known = {}
     if os.path.exists(path):
         with open(path, encoding="utf-8") as file:
-            saved = json.load(file)
-        known = saved["tests"] if saved["stamp"] == tree.stamp(output) else {}
-    new = [test for test in tests if test.name not in known]
-    known.update({test.name: [state, test.seconds, test.reached] for test, state in zip(new, pool.map(judge.measure, new))})
+            known = json.load(file)
+    new = [test for test in tests if known.get(test.name, [0])[0] != tree.stamp(output, test)]
+    for test, state in zip(new, pool.map(judge.measure, new)):
+        known[test.name] = [tree.stamp(output, test), state, test.seconds, test.reached]
     with open(path, "w", encoding="utf-8") as file:
-        json.dump({"stamp": tree.stamp(output), "tests": {name: one for name, one in known.items() if one[0] != "failed"}}, file)
+        json.dump({name: one for name, one in known.items() if one[1] != "failed"}, file)
     for test in tests:
-        state, test.seconds, test.reached = known[test.name]
+        _, state, test.seconds, test.reached = known[test.name]
         if state == "failed":
             raise tree.BuildError("does not pass without a mutant: %s" % test.name)
         if state == "hung":
             print("mutate: takes too long, and is left out: %s" % test.name)
-    return [test for test in tests if known[test.name][0] == "passed"]
+    return [test for test in tests if known[test.name][1] == "passed"]
 
 
 def main():

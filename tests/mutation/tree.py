@@ -1,5 +1,6 @@
 """A copy of this checkout with every mutant in it, and the programs and tests that are built of it."""
 
+import glob
 import json
 import os
 import re
@@ -78,10 +79,15 @@ class Test:
         self.reached = []  # numbers of mutants
 
 
-def stamp(output):
-    """Changes when something is built."""
-    log = os.stat(os.path.join(output, ".ninja_log"))
-    return [log.st_mtime_ns, log.st_size]
+def _time_of(path):
+    return os.stat(path).st_mtime_ns if os.path.isfile(path) else 0
+
+
+def stamp(output, test):
+    """Changes when what the test runs is built anew."""
+    libraries = glob.glob(os.path.join(output, "lib", "*.so*"))
+    programs = [os.path.join(output, "bin", name) for name in ("tesselctl", "tessel-arraysim")]
+    return max(map(_time_of, libraries + programs + [part for part in test.command if part.startswith(output)]), default=0)
 
 
 def tests_of(output, targets):
@@ -89,4 +95,4 @@ def tests_of(output, targets):
     shown = subprocess.run(["ctest", "--test-dir", output, "--show-only=json-v1"], check=True, capture_output=True,
                            text=True).stdout
     return [Test(entry) for entry in json.loads(shown)["tests"]
-            if any(os.path.basename(part) in targets for part in entry.get("command", [])[:1])]
+            if any(os.path.basename(part) in targets for part in entry.get("command", []))]
