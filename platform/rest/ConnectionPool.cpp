@@ -87,8 +87,7 @@ void makeHandles(Connection& connection)
 
 void CurlCleanup::operator()(CURL* handle) const
 {
-    const SigpipeGuard guard;
-    curl_easy_cleanup(handle);
+    curl_easy_cleanup(handle); // sends nothing: the connection is the multi handle's
 }
 
 void MultiCleanup::operator()(CURLM* multi) const
