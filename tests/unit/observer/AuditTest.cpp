@@ -66,7 +66,19 @@ TEST(Audit, SaysInOneLineWhoShowedWhatToWhomAndWhen)
     EXPECT_EQ(value["array"], "192.0.2.7:8088");
     EXPECT_EQ(value["done"], true);
     EXPECT_EQ(value["seconds"], 0.25);
+    EXPECT_EQ(value["code"], 0);
     EXPECT_FALSE(value.isMember("what"));
+    EXPECT_FALSE(value.isMember("lockSeconds"));
+}
+
+TEST(Audit, TellsOfTheWaitForTheLockAndOfTheFailure)
+{
+    OperationEvent event = shown();
+    event.code = 1077949006;
+    event.lockSeconds = 1.5;
+    const Json::Value value = parsed(auditLine(event));
+    EXPECT_EQ(value["code"], 1077949006);
+    EXPECT_EQ(value["lockSeconds"], 1.5);
 }
 
 TEST(Audit, SaysOfAStepWhichCallItBelongsTo)
