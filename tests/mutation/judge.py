@@ -15,8 +15,9 @@ TIMES = 10  # that a test may take of its own time with a mutant
 MOST_SECONDS = 60.0  # of tests, those that reach the fewest mutants first; who is not seen by then has survived
 
 
-def _end(process, folder):
-    """With all that it has started, also in sessions of their own: the folder's name is in what they were given."""
+def _end(process, folder, mutant):
+    """With all that it has started, also in sessions of their own: the folder or the mutant is in what they were given."""
+    marks = [folder.encode()] + ([b"MUTANT=" + mutant.encode() + b"\0"] if mutant != "0" else [])
     try:
         os.killpg(process.pid, signal.SIGKILL)
     except ProcessLookupError:
@@ -25,7 +26,8 @@ def _end(process, folder):
         for what in ("environ", "cmdline"):
             try:
                 with open("/proc/%s/%s" % (number, what), "rb") as file:
-                    if folder.encode() in file.read():
+                    given = file.read()
+                    if any(mark in given for mark in marks):
                         os.kill(int(number), signal.SIGKILL)
             except OSError:  # it is gone
                 pass
@@ -44,7 +46,7 @@ def run(test, limit, **variables):
         except subprocess.TimeoutExpired:
             state = "hung"
         if state != "passed":
-            _end(process, folder)
+            _end(process, folder, variables["MUTANT"])
             process.wait()
     return state
 
