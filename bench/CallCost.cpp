@@ -8,11 +8,13 @@
 #include <cstdlib>
 #include <stdexcept>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): those of the C library
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
 void* __libc_realloc(void* memory, size_t size);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 std::atomic<unsigned long> allocations{0};

@@ -49,6 +49,7 @@ TEST_F(Handshakes, AreOneAtMostForEachOf64ThreadsWithAManagerOfItsOwn)
         arrays.push_back(std::make_unique<Sdk>(server[0]));
     }
     std::vector<std::thread> threads;
+    threads.reserve(THREADS);
     for (const auto& array : arrays) {
         threads.emplace_back([&array] {
             for (int call = 0; call < 10; ++call) {

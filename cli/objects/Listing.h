@@ -161,6 +161,7 @@ Command listCommand(const ObjectKind& kind, const std::vector<Source<Record, Que
         const auto read = [&](Query& page) { return source->read(context.session(), id, page); };
         const auto use = [&](const std::vector<Record>& page, size_t soFar) {
             std::vector<Row> rows;
+            rows.reserve(page.size());
             for (const auto& record : page) {
                 rows.push_back(fieldsOf(record));
             }
