@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 using namespace ovra::tessel;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -291,6 +292,35 @@ TEST_F(ProofOfADisk, WaitsForAPathThatItsMapHasNotYet)
         onKernel = nullptr;
     };
     EXPECT_EQ(proved(), "/dev/dm-3");
+}
+
+TEST_F(ProofOfADisk, HandsOutNoMapThatWentWhileItWasWaitedFor)
+{
+    addTwoPaths();
+    addMap({"sdc"});
+    options.mapSeconds = 60;
+    onKernel = [&] {
+        std::filesystem::remove_all(seam.root + "/sys/block/sdc/holders/dm-3");
+        std::filesystem::remove_all(seam.root + "/sys/block/dm-3");
+        onKernel = nullptr;
+    };
+    EXPECT_THAT(proved(), AnyOf("/dev/sdc", "/dev/sdaa"));
+}
+
+TEST_F(ProofOfADisk, RefusesAPathThatIsAnotherDiskWhenTheMapHasCome)
+{
+    addTwoPaths();
+    KernelMap map;
+    map.paths = {"sdc", "sdaa"};
+    map.isSuspended = true;
+    add(map);
+    options.mapSeconds = 60;
+    onKernel = [&] {
+        seam.write("/sys/block/dm-3/dm/suspended", "0\n");
+        seam.addDisk("sdaa", OTHER_WWN);
+        onKernel = nullptr;
+    };
+    EXPECT_THAT(proved(), HasSubstr("by now; call again"));
 }
 
 TEST_F(ProofOfADisk, RefusesPathsInTheMapOfAnotherDisk)

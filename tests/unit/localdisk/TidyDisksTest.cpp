@@ -340,6 +340,17 @@ TEST_F(TidyingDisks, KeepsWhatDoesNotAnswer)
     EXPECT_THAT(tidy(), ElementsAre("sdc kept: it does not answer"));
 }
 
+TEST_F(TidyingDisks, KeepsADiskOfWhichNothingIsKnown)
+{
+    KernelDisk unknown;
+    unknown.known = "";
+    add(unknown);
+    loseNumber("sdc");
+    EXPECT_THAT(tidy(),
+                ElementsAre("sdc kept: nothing is mapped at its number, and what it was is not known"));
+    EXPECT_TRUE(isThere("sdc"));
+}
+
 TEST_F(TidyingDisks, KeepsADiskOfAnotherArrayWhateverIsTheMatter)
 {
     addDead();
@@ -436,10 +447,12 @@ TEST_F(TidyingDisks, EndsEarlyAndGoesOnLater)
 {
     addDead();
     addDead("sdd", "1:0:0:2");
-    options.most = 1;
-    EXPECT_THAT(tidy(), ElementsAre(HasSubstr("sdc removed")));
+    addDead("sde", "1:0:0:3");
+    options.most = 2;
+    EXPECT_THAT(tidy(), ElementsAre(HasSubstr("sdc removed"), HasSubstr("sdd removed")));
     EXPECT_FALSE(result.isComplete);
-    EXPECT_THAT(tidy(), ElementsAre(HasSubstr("sdd removed")));
+    EXPECT_THAT(tidy(), ElementsAre(HasSubstr("sde removed")));
+    EXPECT_TRUE(result.isComplete);
 }
 
 TEST_F(TidyingDisks, ThrowsWhenTheArrayCannotBeAskedAndRemovesNothing)
