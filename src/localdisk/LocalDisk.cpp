@@ -1,10 +1,15 @@
-#include "localdisk/LocalDiskState.h"
+#include "localdisk/HeldDisk.h"
 #include "localdisk/Release.h"
 #include "session/Log.h"
 
 #include <utility>
 
 namespace ovra::tessel {
+
+struct LocalDisk::State : HeldDisk
+{
+    using HeldDisk::HeldDisk;
+};
 
 LocalDisk::LocalDisk(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 LocalDisk::LocalDisk(LocalDisk&& other) noexcept = default;

@@ -1,5 +1,5 @@
-#ifndef LOCALDISK_LOCALDISKSTATE_H
-#define LOCALDISK_LOCALDISKSTATE_H
+#ifndef LOCALDISK_HELDDISK_H
+#define LOCALDISK_HELDDISK_H
 
 #include "localdisk/DiskJob.h"
 #include "localdisk/Proof.h"
@@ -14,10 +14,10 @@
 namespace ovra::tessel {
 
 /** One object of the array at this host: how its disk is found, and what was proved of it. */
-struct LocalDisk::State
+struct HeldDisk
 {
-    State(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
-          const LocalDiskOptions& options);
+    HeldDisk(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
+             const LocalDiskOptions& options);
 
     /** Shows the object to this host, and finds its disk. */
     void attach();

@@ -1,4 +1,4 @@
-#include "localdisk/LocalDiskState.h"
+#include "localdisk/HeldDisk.h"
 
 #include "localdisk/Finding.h"
 #include "observer/Steps.h"
@@ -7,14 +7,14 @@
 
 namespace ovra::tessel {
 
-LocalDisk::State::State(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
-                        const LocalDiskOptions& options)
+HeldDisk::HeldDisk(CDeviceManager& manager, const StorageObject& volume, const HostInitiator& host,
+                   const LocalDiskOptions& options)
     : job(manager, volume, options), initiator(host)
 {
     job.requireNoKorvex();
 }
 
-void LocalDisk::State::attach()
+void HeldDisk::attach()
 {
     show();
     const Ways ways = waysOf(job, initiator, hostID);
@@ -23,12 +23,12 @@ void LocalDisk::State::attach()
         job, [&] { return find(ways); }, Sizes::GROWN);
 }
 
-void LocalDisk::State::show()
+void HeldDisk::show()
 {
     hostID = ensureVisible(*job.manager, job.volume, initiator, job.options.access).hostID;
 }
 
-std::vector<disk::ScsiDisk> LocalDisk::State::find(const Ways& ways)
+std::vector<disk::ScsiDisk> HeldDisk::find(const Ways& ways)
 {
     std::vector<disk::ScsiDisk> ours = lookForOurs(job, ways.all).ours;
     if (ours.size() < ways.online.size()) {
@@ -38,7 +38,7 @@ std::vector<disk::ScsiDisk> LocalDisk::State::find(const Ways& ways)
     return ours;
 }
 
-void LocalDisk::State::look(Sizes sizes)
+void HeldDisk::look(Sizes sizes)
 {
     hostID = hostID.empty() ? hostOf(job, initiator) : hostID;
     const Ways ways = waysOf(job, initiator, hostID);
@@ -57,7 +57,7 @@ void LocalDisk::State::look(Sizes sizes)
         sizes);
 }
 
-void LocalDisk::State::tellFound(Observation& seen) const
+void HeldDisk::tellFound(Observation& seen) const
 {
     seen.names(kinds::HOST, hostID);
     seen.found(proved.path);
