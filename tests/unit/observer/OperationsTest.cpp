@@ -1,6 +1,8 @@
 // Every operation that the headers export reaches an observer, with the objects that its arguments name.
 
 #include "Recorder.h"
+
+#include "observer/Observers.h"
 #include "unit/handlers/HandlerTest.h"
 #include "unit/host/ScannerTest.h"
 
@@ -342,6 +344,18 @@ TEST_F(Observed, TellsWhoHasLoggedInAndNotWhoHasAdoptedASession)
     manager.useConnection("192.0.2.8", 443, "D1", "T", "C");
     EXPECT_EQ(told(getLun)->calls("getLun").at(0).user, "");
     EXPECT_EQ(told(getLun)->calls("getLun").at(0).array, "192.0.2.8:443");
+    const Row login{"loginDevice",
+                    [](M m) { m.loginDevice("192.0.2.9", 8088, "operator", "x", USERTYPE_LOCAL); }, ""};
+    EXPECT_EQ(told(login)->calls("loginDevice").at(0).user, "operator");
+}
+
+TEST(ObservedSessions, GoWithTheirDeviceManager)
+{
+    CDeviceManager* const gone = CDeviceManager::getInstance(0, 0);
+    gone->useConnection("192.0.2.8", 443, "D1", "T", "C");
+    EXPECT_EQ(sessions::of(gone).array, "192.0.2.8:443");
+    CDeviceManager::releaseInstance(gone);
+    EXPECT_EQ(sessions::of(gone).array, "") << "another one may come to stand there";
 }
 
 TEST_F(Observed, TellsNoSecretOfAnyOperationNorOfItsFailureWhateverTheArraySays)
@@ -384,6 +398,7 @@ TEST_F(Observed, TellsOfAFailureThatTheOperationKeepsToItself)
     const OperationEvent refused = told(add)->calls("addLunToLunGroup").at(0);
     EXPECT_FALSE(refused.isDone);
     EXPECT_EQ(refused.code, 1077949004);
+    EXPECT_EQ(refused.what, "the array refused it, error code 1077949004");
     platform.reply(Reply::noAnswer(28));
     EXPECT_EQ(told(add)->calls("addLunToLunGroup").at(0).code, 28);
 
