@@ -98,7 +98,8 @@ public:
         for (const auto& [what, count] : trouble.done()) {
             std::printf("%s: %u\n", what.c_str(), count);
         }
-        return isSound(before, after) & areSound();
+        const bool isAsBefore = isSound(before, after);
+        return areSound() && isAsBefore;
     }
 
 private:
