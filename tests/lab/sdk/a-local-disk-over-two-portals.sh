@@ -26,7 +26,7 @@ same "the host's disks are as they were" "$(host_disks)" "$before"
 
 expect "multipathd" multipath_start
 expect "attached" attach "$lun"
-same "as a map" "$path" "/dev/mapper/3$wwn"
+same "as a map" "$(map_of "$path")" "3$wwn"
 same "of both paths: $paths" "$(ls "/sys/block/$(multipath_node "$wwn")/slaves" | wc -l)" 2
 pattern "$lun" | dd of="$path" bs=1M iflag=fullblock oflag=direct status=none
 mkfs.ext4 -q "$path" && mkdir -p /run/lab/mapped && mount "$path" /run/lab/mapped
@@ -56,7 +56,7 @@ rmdir "$(target_dir)/np/127.0.0.2:3260"
 ss -K dst 127.0.0.2 >/dev/null
 expect "the second portal is down" wait_for 60 is "$away" FAILED
 expect "attached over the first: $(cat /run/lab/attached)" attach "$lun"
-same "as the map, whose other path is told as what it is" "$path $(grep -o 'blocked\|transport-offline' <<<"$paths" | wc -l)" "/dev/mapper/3$wwn 1"
+same "as the map, whose other path is told as what it is" "$(map_of "$path") $(grep -o 'blocked\|transport-offline' <<<"$paths" | wc -l)" "3$wwn 1"
 pattern "$lun" | dd of="$path" bs=1M iflag=fullblock oflag=direct status=none
 expect "it is written" content "$path" "$lun"
 expect "released" sdk disk-release-lun "$lun"
@@ -64,7 +64,7 @@ same "map and paths are gone" "$(maps)" 0
 same "the host's disks are as they were" "$(host_disks)" "$before"
 
 expect "attached with a portal down" attach "$lun"
-same "as a map" "$path" "/dev/mapper/3$wwn"
+same "as a map" "$(map_of "$path")" "3$wwn"
 multipathd disablequeueing maps >/dev/null
 expect "what is the map's queues" dmsetup message "3$wwn" 0 queue_if_no_path
 echo 0 >"$(target_dir)/enable"

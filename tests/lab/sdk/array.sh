@@ -29,6 +29,9 @@ run_log() { cat $sdk_lib/logs/Tessel_run_* | tail -n +"$(($(cat /run/lab/log.see
 # disk_name PATH: "sdc" of /dev/disk/by-id/../../sdc.
 disk_name() { basename "$1"; }
 
+# map_of PATH: the name of the map that is handed out, by its name or, where udev is late with that, by its node.
+map_of() { dmsetup info --columns --noheadings -o name "$1"; }
+
 # fill DISK SEED, holds DISK SEED: a megabyte that tells which disk it was written to.
 pattern() { { yes "this is disk $1" || true; } 2>/dev/null | head -c 1M; }
 fill() { pattern "$2" | dd of="/dev/$1" bs=1M iflag=fullblock oflag=direct status=none; }
