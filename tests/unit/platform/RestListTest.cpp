@@ -98,7 +98,7 @@ const std::string BAD[] = {
     R"({"data":[{"ID":"1"}],"error":[]})",
     R"(["data":[{"ID":"1"}]])",
     R"("data":[{"ID":"1"}])",
-    std::string("{\"data\":[{\"ID\":\"1\0\"}],", 24) + NO_ERROR + "}",
+    std::string("{\"data\":[{\"ID\":\"1\0\"}],", 22) + NO_ERROR + "}",
     std::string("{\"data\":[\0],", 12) + NO_ERROR + "}",
 };
 
