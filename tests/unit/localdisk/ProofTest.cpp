@@ -52,6 +52,15 @@ protected:
         map.paths = std::move(paths);
         add(map);
     }
+    /** Of two paths. */
+    void addSuspendedMap()
+    {
+        addTwoPaths();
+        KernelMap map;
+        map.paths = {"sdc", "sdaa"};
+        map.isSuspended = true;
+        add(map);
+    }
     /** What the shell makes of what multipath answers: whether a map is coming, or is not. */
     void claim(std::deque<int> isComing, int isNone = 1, int isKnownToUdev = 0)
     {
@@ -157,21 +166,13 @@ TEST_F(ProofOfADisk, RefusesAReadOnlyPath)
 
 TEST_F(ProofOfADisk, RefusesAMapThatIsNotReady)
 {
-    addTwoPaths();
-    KernelMap map;
-    map.paths = {"sdc", "sdaa"};
-    map.isSuspended = true;
-    add(map);
+    addSuspendedMap();
     EXPECT_THAT(proved(), HasSubstr(std::string("the map 3") + WWN + " is not ready after 0 s"));
 }
 
 TEST_F(ProofOfADisk, WaitsForAMapThatIsNotReady)
 {
-    addTwoPaths();
-    KernelMap map;
-    map.paths = {"sdc", "sdaa"};
-    map.isSuspended = true;
-    add(map);
+    addSuspendedMap();
     options.mapSeconds = 60;
     onKernel = [&] { seam.write("/sys/block/dm-3/dm/suspended", "0\n"); };
     EXPECT_EQ(proved(), "/dev/dm-3");
@@ -309,11 +310,7 @@ TEST_F(ProofOfADisk, HandsOutNoMapThatWentWhileItWasWaitedFor)
 
 TEST_F(ProofOfADisk, RefusesAPathThatIsAnotherDiskWhenTheMapHasCome)
 {
-    addTwoPaths();
-    KernelMap map;
-    map.paths = {"sdc", "sdaa"};
-    map.isSuspended = true;
-    add(map);
+    addSuspendedMap();
     options.mapSeconds = 60;
     onKernel = [&] {
         seam.write("/sys/block/dm-3/dm/suspended", "0\n");
