@@ -56,9 +56,10 @@ public:
                 take(line);
             }
             compare();
+            m_isWhole = m_steps != 0;
         });
         m_scheduler.run();
-        return m_isSame && m_steps != 0;
+        return m_isSame && m_isWhole;
     }
 
 private:
@@ -185,6 +186,7 @@ private:
     std::string m_step;
     std::set<std::string> m_seen; ///< after it
     unsigned m_steps = 0;
+    bool m_isWhole = false; ///< it has come to the end
     bool m_isSame = true;
 };
 
