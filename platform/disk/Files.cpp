@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <limits.h>
 #include <memory>
@@ -47,22 +48,56 @@ void requireAbsent(const std::string& path, int error)
     throw Unreadable(path + " cannot be read: " + std::generic_category().message(error));
 }
 
-std::string firstLine(const std::string& content)
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+File openFile(const std::string& path)
 {
-    return content.substr(0, content.find('\n'));
+    return {std::fopen(path.c_str(), "re"), std::fclose};
+}
+
+/** Of the states of thousands of disks: one read of each, where the end of a file would take two more. */
+std::optional<std::string> readLine(const std::string& path)
+{
+    char room[4096]; // what an attribute has at most
+    const File file = openFile(path);
+    if (!file) {
+        return std::nullopt;
+    }
+    std::setvbuf(file.get(), room, _IOFBF, sizeof(room));
+    char* text = nullptr;
+    size_t size = 0;
+    const ssize_t length = getdelim(&text, &size, '\n', file.get());
+    const std::unique_ptr<char, void (*)(void*)> line(text, std::free);
+    if (length < 0) {
+        return std::feof(file.get()) != 0 ? std::make_optional<std::string>() : std::nullopt;
+    }
+    const bool isWhole = text[length - 1] == '\n';
+    return std::string(text, static_cast<size_t>(length) - (isWhole ? 1 : 0));
+}
+
+/** What was read of a path, or nothing where it is absent. */
+std::string there(const std::string& path, std::optional<std::string> (*read)(const std::string&))
+{
+    errno = 0;
+    std::optional<std::string> text = read(path);
+    if (!text) {
+        requireAbsent(path, errno);
+    }
+    return text.value_or(std::string());
 }
 
 } // namespace
 
 std::optional<std::string> readFile(const std::string& path)
 {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"), std::fclose);
+    const File file = openFile(path);
     if (!file) {
         return std::nullopt;
     }
+    std::setvbuf(file.get(), nullptr, _IONBF, 0); // a few bytes, once: memory for more is not worth it
     std::string content;
     char piece[4096];
-    for (size_t size = 1; size != 0;) {
+    for (size_t size = sizeof(piece); size == sizeof(piece);) {
         size = std::fread(piece, 1, sizeof(piece), file.get());
         content.append(piece, size);
     }
@@ -76,7 +111,7 @@ std::string contentOf(const std::string& path)
 
 std::string valueOf(const std::string& path)
 {
-    return firstLine(contentOf(path));
+    return readLine(path).value_or(std::string());
 }
 
 bool writeFile(const std::string& path, const std::string& text)
@@ -109,17 +144,12 @@ std::vector<std::string> namesIn(const std::string& directory)
 
 std::string contentThere(const std::string& path)
 {
-    errno = 0;
-    std::optional<std::string> content = readFile(path);
-    if (!content) {
-        requireAbsent(path, errno);
-    }
-    return content.value_or(std::string());
+    return there(path, &readFile);
 }
 
 std::string valueThere(const std::string& path)
 {
-    return firstLine(contentThere(path));
+    return there(path, &readLine);
 }
 
 std::vector<std::string> namesThere(const std::string& directory)

@@ -31,7 +31,7 @@ std::string placeOf(const char* path)
 {
     const HostSeam* const seam = HostSeam::active();
     const std::string name = path;
-    for (const char* const folder : {"/sys/", "/proc/", "/dev/disk/"}) {
+    for (const char* const folder : {"/sys/", "/proc/", "/dev/disk/", "/dev/mapper/"}) {
         if (seam != nullptr && name.compare(0, std::strlen(folder), folder) == 0) {
             return seam->root + name;
         }
@@ -215,6 +215,10 @@ int semctl(int id, int number, int command, ...) noexcept
     const long value = va_arg(arguments, long);
     va_end(arguments);
     HostSeam* const seam = HostSeam::active();
+    if (seam != nullptr && number != 0) { // each set has one semaphore
+        errno = EINVAL;
+        return -1;
+    }
     return seam != nullptr ? seam->semctl(id, command, value)
                            : next("semctl", &semctl)(id, number, command, value);
 }

@@ -85,6 +85,7 @@ public:
     int semaphoreValue = 0;
     int nextSemaphoreId = 41;
     int otherSets = 0; ///< private ones that exist
+    int mostSets = 32000;
     bool semgetFails = false;
     bool semctlFails = false;
     std::deque<int> semopErrors; ///< errno of the next calls

@@ -112,6 +112,11 @@ size_t fread(void* bytes, size_t size, size_t count, FILE* stream)
     return failsCall(EIO, INTERRUPTIBLE) ? 0 : next("fread", &fread)(bytes, size, count, stream);
 }
 
+ssize_t getdelim(char** line, size_t* size, int delimiter, FILE* stream)
+{
+    return failsCall(EIO, INTERRUPTIBLE) ? -1 : next("getdelim", &getdelim)(line, size, delimiter, stream);
+}
+
 ssize_t read(int fd, void* bytes, size_t size)
 {
     return failsCall(EIO, INTERRUPTIBLE) ? -1 : next("read", &read)(fd, bytes, size);

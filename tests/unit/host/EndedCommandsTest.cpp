@@ -8,6 +8,7 @@
 #include <tessel/Calls.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -157,6 +158,24 @@ TEST_F(ACommandOfACall, EndsWhenItsTimeIsUp)
         EXPECT_EQ(ended.why, FailureKind::TIMED_OUT);
     }
     EXPECT_TRUE(isNobodyLeft());
+}
+
+TEST_F(ACommandOfACall, IsStoppedBeforeItIsEndedSoThatItStartsNothingMeanwhile)
+{
+    static std::atomic<bool> wasStopped{false}; // a child of this process
+    struct sigaction noting = {};
+    struct sigaction before = {};
+    noting.sa_flags = SA_SIGINFO | SA_RESTART;
+    noting.sa_sigaction = [](int, siginfo_t* told, void*) {
+        wasStopped = wasStopped || told->si_code == CLD_STOPPED;
+    };
+    sigaction(SIGCHLD, &noting, &before);
+    for (int i = 0; i < 50 && !wasStopped; ++i) { // one that gets no processor meanwhile dies unstopped
+        cancelled([] { runCommand("echo up >&9; exec sleep 600"); });
+    }
+    EXPECT_TRUE(isEachCollected());
+    sigaction(SIGCHLD, &before, nullptr);
+    EXPECT_TRUE(wasStopped);
 }
 
 TEST_F(ACommandOfACall, LeavesWhatTheProgramItselfHasStarted)

@@ -18,7 +18,9 @@ class ScannedHost : public ScannerTest
 public:
     ScannedHost()
     {
-        const std::string stale = byIdLine("scsi-3" + std::string(OTHER_WWN), "sdc");
+        const std::string other = byIdLine("scsi-3" + std::string(OTHER_WWN), "sdb"); // asked ahead of sdc
+        const std::string stale = other + byIdLine("scsi-3" + std::string(OTHER_WWN), "sdc");
+        seam.addDisk("sdb", OTHER_WWN);
         seam.addDisk("sdc", WWN);
         seam.write("/sys/class/scsi_device/1:0:0:1/device/block/sdc/dev", "8:0\n");
         seam.link("/dev/disk/by-id/scsi-3" + std::string(WWN), "../../sdc");

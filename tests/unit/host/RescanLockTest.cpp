@@ -37,6 +37,16 @@ TEST_F(RescanLock, ThatIsMadeNeverGetsTheIdZero)
     EXPECT_EQ(seam.otherSets, 0);
 }
 
+TEST_F(RescanLock, IsMadeAsTheLastSetThatTheHostCanHave)
+{
+    seam.semaphoreId = -1;
+    seam.nextSemaphoreId = 0;
+    seam.mostSets = 1;
+    EXPECT_EQ(lock.InitLock(), 0);
+    EXPECT_EQ(seam.semaphoreId, 1);
+    EXPECT_EQ(seam.otherSets, 0);
+}
+
 TEST_F(RescanLock, IsLeftAsItIsWhenItExists)
 {
     seam.semaphoreValue = 0;
@@ -113,6 +123,14 @@ TEST_F(RescanLock, ReleasedTwiceIsOneNotTwo)
     EXPECT_EQ(count("semctl: 41 SETVAL 1"), 2u);
 }
 
+TEST_F(RescanLock, WithTheIdZeroIsReleasedByAThreadThatHasNotTakenIt)
+{
+    seam.semaphoreId = 0;
+    seam.semaphoreValue = 0;
+    EXPECT_EQ(lock.ReleaseLock(), 0);
+    EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
 TEST_F(RescanLock, ThatCannotBeReleasedIsSaidSo)
 {
     seam.semctlFails = true;
@@ -153,6 +171,15 @@ TEST_F(RescanLock, IsGivenBackByTheIdThatItWasTakenWithWhenItCannotBeFound)
     EXPECT_EQ(seam.semaphoreValue, 1);
     EXPECT_EQ(platform.lines("warn: The rescan lock could only be given back by").size(), 1u);
     EXPECT_EQ(lock.ReleaseLock(), -1) << "it is no longer held";
+}
+
+TEST_F(RescanLock, ThatWasFreedFromOutsideIsNotGivenToTwoWhenItIsGivenBackByItsId)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    seam.semaphoreValue = 1;
+    seam.semgetFails = true;
+    EXPECT_EQ(lock.ReleaseLock(), 0);
+    EXPECT_EQ(seam.semaphoreValue, 1);
 }
 
 TEST_F(RescanLock, IsGivenBackByAddingToItWhenItCannotBeSet)
@@ -213,6 +240,9 @@ TEST_F(Construction, WithoutKorvexIsSetUpAllTheSame)
     EXPECT_FALSE(g_korvexInstalled);
     EXPECT_EQ(g_scannerInitialised, 1);
     EXPECT_THAT(platform.lines("info: has"), ElementsAre());
+    setenv("PATH", std::string(5000, 'x').c_str(), 1); // cannot be looked through, and need not be
+    EXPECT_TRUE(ovra::tessel::mayRemoveDevices()) << "the shell has told";
+    setenv("PATH", "/nonexistent", 1);
 }
 
 TEST_F(Construction, IsTriedAgainAfterTheLockCouldNotBeMade)
@@ -250,10 +280,9 @@ TEST_F(Construction, IsDoneWholeByAThreadThatIsCancelled)
     EXPECT_EQ(g_scannerInitialised, 1);
 }
 
-/** Two removals in a process where nobody has looked for Korvex yet; ends with 0 when no disk was removed. */
-[[noreturn]] void removeWithoutALook(const std::string& path)
+/** Two removals in a process where nobody has looked for Korvex yet. @return whether no disk was removed */
+bool spareADiskWithoutALook()
 {
-    setenv("PATH", path.c_str(), 1);
     RecordingPlatform::get().replyWith([](const SentRequest&) {
         return Reply::object(R"({"ID":"7","WWN":")" + std::string(WWN) + R"("})");
     });
@@ -266,8 +295,13 @@ TEST_F(Construction, IsDoneWholeByAThreadThatIsCancelled)
     std::string id = "7";
     made.scanLunBeforeDetach(id);
     made.scanSnapshotBeforeDetach(id);
-    const bool isSpared = commands().empty() && count("info: Korvex installed,No need to delete device") == 2;
-    _exit(isSpared ? 0 : 1);
+    return commands().empty() && count("info: Korvex installed,No need to delete device") == 2;
+}
+
+[[noreturn]] void endWithoutALook(const std::string& path)
+{
+    setenv("PATH", path.c_str(), 1);
+    _exit(spareADiskWithoutALook() ? 0 : 1);
 }
 
 TEST(ScannerWithoutALock, DoesNotTakeKorvexForAbsent)
@@ -277,7 +311,7 @@ TEST(ScannerWithoutALock, DoesNotTakeKorvexForAbsent)
     std::ofstream(program) << "#!/bin/sh\n";
     chmod(program.c_str(), 0755);
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // runs the program anew
-    EXPECT_EXIT(removeWithoutALook(folder), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(endWithoutALook(folder), testing::ExitedWithCode(0), "");
     std::filesystem::remove_all(folder);
 }
 

@@ -138,6 +138,19 @@ TEST_F(DeviceInUse, IsNamedThroughAChainOfHolders)
                                     "dm-1 is mounted on /my data"));
 }
 
+TEST_F(DeviceInUse, IsNamedOnceThroughTwoHoldersOfOneVolume)
+{
+    // A mirror of a logical volume has two halves on the disk; the device mapper stacks them again.
+    write("sys/block/sda/holders/dm-1", "");
+    write("sys/block/sda/holders/dm-2", "");
+    write("sys/block/dm-1/holders/dm-3", "");
+    write("sys/block/dm-2/holders/dm-3", "");
+    write("sys/block/dm-3/dev", "253:3\n");
+    write("proc/self/mountinfo", "40 22 253:3 / /data rw - ext4 /dev/dm-3 rw\n");
+    EXPECT_THAT(uses(), testing::UnorderedElementsAre("sda is held by dm-1", "sda is held by dm-2",
+                                                      "dm-1 is held by dm-3", "dm-3 is mounted on /data"));
+}
+
 TEST_F(DeviceInUse, IsMountedByTheNameOfItsMap)
 {
     write("sys/block/sda/holders/dm-1", "");
