@@ -105,18 +105,18 @@ DailyFile::~DailyFile()
     close();
 }
 
-int DailyFile::prepare(const Date& date)
+int DailyFile::prepare(const Date& date, bool isLookedAt)
 {
-    if (m_descriptor >= 0 && date == m_date && stillThere() &&
+    if (m_descriptor >= 0 && date == m_date && (!isLookedAt || stillThere()) &&
         (!m_place.limits.areSet() || m_process == getpid())) {
         return 0;
     }
     return open(date);
 }
 
-int DailyFile::write(const Date& date, std::string_view record)
+int DailyFile::write(const Date& date, std::string_view record, bool isLookedAt)
 {
-    if (const int error = prepare(date)) {
+    if (const int error = prepare(date, isLookedAt)) {
         return error;
     }
     return m_place.limits.areSet() ? appendWithin(record) : append(record);

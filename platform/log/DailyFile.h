@@ -32,10 +32,13 @@ public:
     DailyFile& operator=(const DailyFile&) = delete;
 
     /** Opens the file of that day if need be; 0, or the errno value of the directory tried last. */
-    int prepare(const Date& date);
+    int prepare(const Date& date, bool isLookedAt = true);
 
-    /** Appends a record, which ends in a newline; 0, or an errno value when it was not written whole. */
-    int write(const Date& date, std::string_view record);
+    /**
+     * Appends a record, which ends in a newline; 0, or an errno value when it was not written whole.
+     * @param isLookedAt whether the file may have been removed since the last record: it is made again then.
+     */
+    int write(const Date& date, std::string_view record, bool isLookedAt = true);
 
     /** Where the open file is; empty when none is. */
     const std::string& directory() const { return m_directory; }

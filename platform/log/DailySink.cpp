@@ -1,11 +1,12 @@
 #include "DailySink.h"
 
-#include <array>
-#include <charconv>
-
 namespace ovra::log {
 
 namespace {
+
+/// Who removes a file that is written to loses lines of the past; of the next ones those of this time at
+/// most.
+constexpr auto BETWEEN_LOOKS = std::chrono::milliseconds(20);
 
 const char* nameOf(spdlog::level::level_enum level)
 {
@@ -19,12 +20,6 @@ const char* nameOf(spdlog::level::level_enum level)
     default:
         return " INFO ";
     }
-}
-
-void append(std::string& line, char before, size_t number)
-{
-    std::array<char, 24> text = {before};
-    line.append(text.data(), std::to_chars(text.data() + 1, text.data() + text.size(), number).ptr);
 }
 
 } // namespace
@@ -45,20 +40,27 @@ std::string& DailySink::begin(const spdlog::details::log_msg& record)
         m_date = Date::of(record.time);
         m_second = second;
     }
-    constexpr size_t ALL_DIGITS = 1000; // so that those in front stand there too
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(record.time - second);
-    m_line = m_secondText;
-    append(m_line, '.', ALL_DIGITS + static_cast<size_t>(milliseconds.count()));
-    m_line.erase(m_secondText.size() + 1, 1);
-    append(m_line, ' ', static_cast<size_t>(m_process));
-    append(m_line, ' ', record.thread_id);
-    return m_line += nameOf(record.level);
+    if (m_process != m_originProcess || record.thread_id != m_originThread) {
+        m_originProcess = m_process;
+        m_originThread = record.thread_id;
+        m_originText = " " + std::to_string(m_process) + " " + std::to_string(record.thread_id);
+    }
+    const auto milliseconds =
+        std::chrono::duration_cast<std::chrono::milliseconds>(record.time - second).count();
+    const auto digit = [milliseconds](int unit) { return static_cast<char>('0' + milliseconds / unit % 10); };
+    m_time = record.time;
+    m_line.assign(m_secondText).append({'.', digit(100), digit(10), digit(1)});
+    return m_line.append(m_originText).append(nameOf(record.level));
 }
 
 void DailySink::end()
 {
     m_line += '\n';
-    m_lastError = m_file.write(m_date, m_line);
+    const bool isLookedAt = m_time < m_lookedAt || m_time - m_lookedAt >= BETWEEN_LOOKS;
+    if (isLookedAt) {
+        m_lookedAt = m_time;
+    }
+    m_lastError = m_file.write(m_date, m_line, isLookedAt);
 }
 
 } // namespace ovra::log

@@ -33,7 +33,12 @@ private:
     std::chrono::system_clock::time_point m_second{}; ///< of the line, with what is asked once for it:
     std::string m_secondText;
     Date m_date;
-    std::string m_line; ///< its memory serves the next one
+    int m_originProcess = 0; ///< of the line, with the thread, and what it says of them:
+    size_t m_originThread = 0;
+    std::string m_originText;
+    std::chrono::system_clock::time_point m_time{};     ///< of the line
+    std::chrono::system_clock::time_point m_lookedAt{}; ///< when the file was
+    std::string m_line;                                 ///< its memory serves the next one
     DailyFile m_file;
     int m_lastError = 0;
 };

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace ovra::log {
 
@@ -27,13 +29,34 @@ constexpr std::array<bool, 256> PLAIN = [] {
     return plain;
 }();
 
+/// Whether all of eight characters are: they are looked at as one number.
+bool areEightPlain(const char* text, Within within)
+{
+    constexpr std::uint64_t ONES = 0x0101010101010101;
+    constexpr std::uint64_t HIGHEST = ONES << 7;
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, text, sizeof(eight));
+    const auto isOneBelow = [](std::uint64_t bytes, std::uint64_t bound) {
+        return (bytes - ONES * bound) & ~bytes & HIGHEST;
+    };
+    const auto isOne = [&](unsigned char wanted) { return isOneBelow(eight ^ (ONES * wanted), 1); };
+    const std::uint64_t found = (eight & HIGHEST) | isOneBelow(eight, within == Within::Word ? '!' : ' ') |
+                                isOne(0x7F) | isOne('\\') | isOne('"');
+    return found == 0;
+}
+
 /// How many of them the text begins with.
 size_t lengthOfPlain(std::string_view text, Within within)
 {
+    size_t eights = 0;
+    while (text.size() - eights >= 8 && areEightPlain(text.data() + eights, within)) {
+        eights += 8;
+    }
     const auto isPlain = [within](char character) {
         return PLAIN[static_cast<unsigned char>(character)] && (character != ' ' || within != Within::Word);
     };
-    return static_cast<size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
+    const auto rest = std::find_if_not(text.begin() + eights, text.end(), isPlain);
+    return static_cast<size_t>(rest - text.begin());
 }
 
 void appendSingle(std::string& line, char character, Within within)

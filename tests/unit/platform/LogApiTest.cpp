@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <sstream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -91,6 +92,20 @@ TEST_F(LogApi, FallsBackToTheStateDirectoryOfTheUser)
     EXPECT_EQ(1U, namesIn(folder / "state/ovra/logs").size());
 }
 
+/** Its number; it has ended. */
+pid_t childThatLogs()
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        Log_Run_Info("p", "child");
+        _exit(0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(0, status);
+    return child;
+}
+
 TEST_F(LogApi, AChildForkedWhileOtherThreadsLogCanLogItself)
 {
 #ifdef __SANITIZE_ADDRESS__
@@ -105,20 +120,31 @@ TEST_F(LogApi, AChildForkedWhileOtherThreadsLogCanLogItself)
     });
     constexpr long CHILDREN = 20;
     for (int i = 0; i < CHILDREN; ++i) {
-        const pid_t child = fork();
-        if (child == 0) {
-            Log_Run_Info("p", "child");
-            _exit(0);
-        }
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(0, status);
+        childThatLogs();
     }
     stop = true;
     writer.join();
     LogFini("p");
     const std::vector<std::string> texts = textsOfToday();
     EXPECT_EQ(CHILDREN, std::count(texts.begin(), texts.end(), "INFO p child"));
+}
+
+TEST_F(LogApi, ALineOfAForkedChildNamesTheChild)
+{
+    ASSERT_EQ(0, LogInit("p", "", nullptr, logs().c_str()));
+    Log_Run_Info("p", "parent");
+    const pid_t child = childThatLogs();
+    LogFini("p");
+    std::vector<std::string> processes;
+    for (const std::string& name : namesIn(logs())) {
+        for (const std::string& line : linesOf(logs() / name)) {
+            std::istringstream words(line);
+            std::string date;
+            std::string time;
+            words >> date >> time >> processes.emplace_back();
+        }
+    }
+    EXPECT_EQ((std::vector<std::string>{std::to_string(getpid()), std::to_string(child)}), processes);
 }
 
 TEST_F(LogApi, ChildrenThatAreForkedWhileManyThreadsLogTearNothingUnderALimit)

@@ -179,10 +179,27 @@ TEST_F(LogFiles, AreMadeAgainWhenTheyWereRemoved)
     ASSERT_EQ(0, start());
     run("lost");
     std::filesystem::remove_all(logs());
+    now += std::chrono::milliseconds(20);
     run("kept");
     ASSERT_EQ(1U, linesOf(runLog()).size());
     EXPECT_EQ("INFO p kept", withoutOrigin(linesOf(runLog())[0]));
     EXPECT_EQ(0U, service.dropped());
+}
+
+TEST_F(LogFiles, AreLookedForOnceInTwentyMillisecondsAndAtOnceForTheAudit)
+{
+    ASSERT_EQ(0, start());
+    run("lost");
+    service.audit("{}");
+    std::filesystem::remove_all(logs());
+    now += std::chrono::milliseconds(19);
+    run("lost too");
+    EXPECT_FALSE(std::filesystem::exists(runLog()));
+    EXPECT_EQ(0, service.audit("{}"));
+    EXPECT_EQ(1U, linesOf(logs() / "Tessel_audit_2026-11-21.log").size());
+    now -= std::chrono::seconds(1); // a clock that is set back
+    run("kept");
+    EXPECT_EQ(1U, linesOf(runLog()).size());
 }
 
 TEST_F(LogFiles, ALinkInTheirPlaceIsNotFollowed)
@@ -229,6 +246,26 @@ TEST_F(LogFiles, WithoutRoomLinesAreCountedAndTheProcessGoesOn)
     EXPECT_EQ(10U, lines[1].size());
     EXPECT_EQ("INFO p fits again", withoutOrigin(lines[2]));
     EXPECT_EQ(0U, withoutOrigin(lines[3]).find("WARN Ovra-Log-API 2 lines could not be written ("));
+    run("and again");
+    EXPECT_EQ(5U, linesOf(runLog()).size()) << "told once";
+}
+
+TEST_F(LogFiles, AnAuditLineWithoutRoomIsCountedToo)
+{
+    ASSERT_EQ(0, start());
+    const std::string line(4000, 'x'); // longer than what tells of it
+    ASSERT_EQ(0, service.audit(line));
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit narrow = before;
+    narrow.rlim_cur = 4100;
+    setrlimit(RLIMIT_FSIZE, &narrow);
+    EXPECT_EQ(-1, service.audit(line));
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(1U, service.dropped());
+    const std::vector<std::string> lines = linesOf(runLog());
+    ASSERT_EQ(1U, lines.size());
+    EXPECT_EQ(0U, withoutOrigin(lines[0]).find("WARN Ovra-Log-API 1 lines could not be written ("));
 }
 
 TEST_F(LogFiles, ALineThatWasCutShortLeavesNothingInTheNextDaysFile)

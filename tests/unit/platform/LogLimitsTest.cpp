@@ -107,6 +107,20 @@ TEST_F(LogLimits, OfAllTakeTheOldestDayFirst)
     EXPECT_FALSE(std::filesystem::exists(runLog("2026-11-19")));
 }
 
+TEST_F(LogLimits, LeaveTodaysFileAlsoWhereADayToComeHasMoreParts)
+{
+    writeFile(logs() / "Tessel_run_2026-11-22_1000.log", std::string(MIB / 16 * 15, '\n'));
+    limit("max_mib = 1\n");
+    ASSERT_EQ(0, start());
+    run("kept");
+    service.stop("product");
+    writeFile(logs() / "Tessel_run_2026-11-22_1001.log", std::string(MIB / 16 * 15, '\n'));
+    ASSERT_EQ(0, start());
+    service.interfaceCall(INFO, {}); // a file that is begun needs room
+    run("again");
+    EXPECT_EQ("INFO p kept", withoutOrigin(linesOf(runLog()).front()));
+}
+
 TEST_F(LogLimits, AreKeptByAFileThatHasGrownBeforeThereWereAny)
 {
     writeFile(runLog(), std::string(3 * MIB, '\n'));

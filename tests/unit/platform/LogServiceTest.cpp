@@ -101,6 +101,7 @@ TEST_F(LogServiceTest, TellsTheDirectoryThatIsReallyInUse)
     EXPECT_EQ(state(), service.directory());
     std::filesystem::remove_all(state());
     writeFile(state(), "");
+    now += std::chrono::milliseconds(20);
     service.run(INFO, "p", "nowhere to be written");
     EXPECT_STREQ("", service.directory());
     EXPECT_EQ(logs(), first) << "a text that was told before has changed";
