@@ -58,13 +58,11 @@ void startCrypto()
     }
 }
 
-/// Whether a handle keeps a pointer into the header lines of its last answer, which are gone: where the first
-/// line of the next one goes on from none, libcurl before 8.2 writes to it.
-bool keepsLastHeader()
-{
-    constexpr unsigned MENDED = 0x080200;
-    return curl_version_info(CURLVERSION_NOW)->version_num < MENDED;
-}
+/// Before, a handle keeps a pointer into the header lines of its last answer, which are gone: where the first
+/// line of the next one goes on from none, libcurl writes to it.
+constexpr unsigned KEEPS_NO_LAST_HEADER = 0x080200;
+/// Seen by `bench/counts`: what OpenSSL sends goes through libcurl, which asks for no SIGPIPE.
+constexpr unsigned SENDS_WITHOUT_SIGNAL = 0x075801;
 
 /// What is missing of the two; the first keeps the connection.
 void makeHandles(Connection& connection)
@@ -111,7 +109,11 @@ ConnectionPool& ConnectionPool::instance()
     return processWide<ConnectionPool>();
 }
 
-ConnectionPool::ConnectionPool() : m_keepsLastHeader(keepsLastHeader()), m_most(mostIdle())
+ConnectionPool::ConnectionPool() : ConnectionPool(curl_version_info(CURLVERSION_NOW)->version_num) {}
+
+ConnectionPool::ConnectionPool(unsigned curlVersion)
+    : m_keepsLastHeader(curlVersion < KEEPS_NO_LAST_HEADER),
+      m_sendsWithoutSignal(curlVersion >= SENDS_WITHOUT_SIGNAL), m_most(mostIdle())
 {
     startCrypto();
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) {
@@ -153,9 +155,7 @@ void ConnectionPool::giveBack(Connection connection)
     IdleList node = makeNode();
     node.front() = Idle{std::move(connection), Clock::now()};
     IdleList surplus; // closed after the lock was released
-    const pid_t self = getpid();
     const std::lock_guard<std::mutex> lock(libraryMutex());
-    leaveToParent(self);
     const Connection& given = node.front().connection;
     if (given.owner != m_owner) {
         m_parents.splice(m_parents.end(), node);

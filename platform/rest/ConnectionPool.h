@@ -57,6 +57,9 @@ public:
     /** Gives a connection back for the next request. */
     void giveBack(Connection connection);
 
+    /** Whether nothing raises SIGPIPE that is sent on a connection which is there. */
+    bool sendsWithoutSignal() const { return m_sendsWithoutSignal; }
+
     /** Closes the idle connections; those in use are closed when they are given back. */
     void clear();
 
@@ -73,11 +76,14 @@ private:
     using IdleList = std::list<Idle>;
     using Lists = std::map<std::string, IdleList>;
 
+    explicit ConnectionPool(unsigned curlVersion);
+
     IdleList makeNode();
     void leaveToParent(pid_t self);
     void takeSurplus(IdleList& given, IdleList& surplus);
 
-    const bool m_keepsLastHeader;   ///< of libcurl's handles: each serves one request
+    const bool m_keepsLastHeader; ///< of libcurl's handles: each serves one request
+    const bool m_sendsWithoutSignal;
     Lists m_idle;                   ///< by key; oldest first
     IdleList m_spare;               ///< nodes without a connection
     size_t m_count = 0;             ///< of all idle ones

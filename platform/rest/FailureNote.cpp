@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 
@@ -29,13 +30,14 @@ std::string reasonOf(int error)
     return std::system_category().message(error);
 }
 
-/// "error:0A00010B:SSL routines::wrong version number" holds the number.
-unsigned long tlsErrorIn(const char* text)
+/// "error:0A00010B:SSL routines::wrong version number" holds the number. Words before it may end in "error:"
+/// too.
+unsigned long tlsErrorIn(std::string_view text)
 {
-    constexpr const char* MARK = "error:";
+    constexpr std::string_view MARK = "error:";
     constexpr int HEXADECIMAL = 16;
-    const char* const found = strstr(text, MARK);
-    return found == nullptr ? 0 : strtoul(found + strlen(MARK), nullptr, HEXADECIMAL);
+    const size_t found = text.rfind(MARK);
+    return found == text.npos ? 0 : strtoul(text.data() + found + MARK.size(), nullptr, HEXADECIMAL);
 }
 
 std::string caFileProblem(const std::string& file)

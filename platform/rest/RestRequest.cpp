@@ -30,7 +30,7 @@ public:
 bool RestRequest::Impl::build(HttpRequest& request, const std::optional<ServerAddress>& server,
                               const std::string& path, REST_REQUEST_MODE_E mode) const
 {
-    if (badHeader || !server || path.empty() || path.front() != '/') {
+    if (badHeader || !server || path[0] != '/') { // none of an empty one either
         return false;
     }
     request.server = *server;

@@ -5,6 +5,7 @@
 #include "TransferOptions.h"
 
 #include <cstring>
+#include <optional>
 
 namespace ovra::rest {
 
@@ -59,7 +60,8 @@ CURLcode Transfer::attempt(Reuse reuse)
 {
     forgetAnswer();
     HeaderList headers(m_request);
-    Connection connection = ConnectionPool::instance().take(connectionKey(m_request.server, m_settings));
+    ConnectionPool& pool = ConnectionPool::instance();
+    Connection connection = pool.take(connectionKey(m_request.server, m_settings));
     CURL* const handle = connection.handle.get();
     const auto elapsed = std::chrono::steady_clock::now() - m_started;
     if (!connection.isSet) { // once: the key tells the server and the trust
@@ -74,7 +76,12 @@ CURLcode Transfer::attempt(Reuse reuse)
     setOption(handle, CURLOPT_FRESH_CONNECT, fresh ? 1L : 0L);
     setCallbacks(handle);
 
+    std::optional<SigpipeGuard> guard;
+    if (fresh || !pool.sendsWithoutSignal()) {
+        guard.emplace();
+    }
     const CURLcode code = drive(connection);
+    guard.reset();
     long newConnections = 0;
     curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &newConnections);
     m_reused = m_sendings > 1 || newConnections == 0;
@@ -88,7 +95,7 @@ CURLcode Transfer::attempt(Reuse reuse)
     }
     forgetRequest(handle);
     if (code == CURLE_OK) {
-        ConnectionPool::instance().giveBack(std::move(connection));
+        pool.giveBack(std::move(connection));
     }
     return code;
 }
@@ -97,7 +104,6 @@ CURLcode Transfer::attempt(Reuse reuse)
 CURLcode Transfer::drive(Connection& connection)
 {
     constexpr int LONGEST_WAIT_MS = 1000;
-    const SigpipeGuard guard;
     CURLM* const multi = connection.multi.get();
     CURLMcode failure = curl_multi_add_handle(multi, connection.handle.get());
     CURLcode code = m_call.verdict();

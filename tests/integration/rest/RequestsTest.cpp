@@ -79,6 +79,15 @@ TEST_F(RestRequests, AddedHeadersAreSentWithoutOuterBlanks)
     EXPECT_NE(std::string::npos, head.find("\r\nCookie: a=b; c=d\r\n"));
 }
 
+TEST_F(RestRequests, AHeaderWithoutANameIsNotSent)
+{
+    MisbehavingServer server;
+    RestRequest request;
+    request.HeaderAddProperty(static_cast<HTTP_HEADER_E>(9), "value");
+    EXPECT_EQ(REST_BAD_REQUEST, send(request, server.url(), "/x", REST_GET).result);
+    EXPECT_EQ(0U, server.accepts());
+}
+
 TEST_F(RestRequests, AHeaderValueCannotAddALine)
 {
     MisbehavingServer server;

@@ -8,11 +8,26 @@
 namespace tessel_test {
 namespace {
 
-class RestWarnings : public RestFixture
+/** The environment is read once, when it is first asked for: before the fixture that sets the trust. */
+struct FaultyEnvironment
+{
+    FaultyEnvironment() { setenv("OVRA_REST_TIMEOUT_S", "soon", 1); }
+};
+
+class RestWarnings : private FaultyEnvironment, public RestFixture
 {
 };
 
-TEST_F(RestWarnings, TheOptOutIsLoggedOnceAndSecretsAreNot)
+size_t count(const std::string& text, const std::string& part)
+{
+    size_t times = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++times;
+    }
+    return times;
+}
+
+TEST_F(RestWarnings, OfTheEnvironmentAndTheOptOutAreLoggedOnceAndSecretsAreNot)
 {
     const Folder folder;
     ASSERT_EQ(0, LogInit("rest_tests", "", nullptr, folder.path().c_str()));
@@ -33,10 +48,10 @@ TEST_F(RestWarnings, TheOptOutIsLoggedOnceAndSecretsAreNot)
         std::ifstream file(entry.path());
         log.append(std::istreambuf_iterator<char>(file), {});
     }
-    const size_t warning = log.find(" WARN Ovra-Rest-API servers are not verified");
-    EXPECT_NE(std::string::npos, warning);
-    EXPECT_EQ(std::string::npos, log.find("Ovra-Rest-API", log.find("Ovra-Rest-API") + 1));
-    EXPECT_EQ(std::string::npos, log.find("secret"));
+    EXPECT_EQ(1U, count(log, " WARN Ovra-Rest-API OVRA_REST_TIMEOUT_S is not a number of seconds"));
+    EXPECT_EQ(1U, count(log, " WARN Ovra-Rest-API servers are not verified"));
+    EXPECT_EQ(2U, count(log, "Ovra-Rest-API"));
+    EXPECT_EQ(0U, count(log, "secret"));
 }
 
 } // namespace

@@ -4,9 +4,12 @@
 #include <ovra/log/LogAPI.h>
 
 #include <gtest/gtest.h>
+#include <openssl/crypto.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -178,6 +181,22 @@ TEST(Settings, TheOptOutIsWarnedOfOnce)
     warnAboutSettings(settings);
     ASSERT_EQ(1U, warnings().size());
     EXPECT_EQ(0U, warnings().at(0).find("Ovra-Rest-API: servers are not verified"));
+}
+
+/// Handlers run last first: this one behind that of OpenSSL, if it had one.
+void tellWhetherTlsIsThere()
+{
+    _exit(OPENSSL_init_crypto(0, nullptr) == 1 ? 0 : 1);
+}
+
+TEST(LibraryDeathTest, KeepsOpenSslAtTheEndOfAProcessAlsoWhereTheProgramStartsItFirst)
+{
+    const auto end = [] {
+        atexit(tellWhetherTlsIsThere);
+        OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr);
+        exit(0);
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

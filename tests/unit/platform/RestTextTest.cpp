@@ -1,3 +1,4 @@
+#include <FailureNote.h>
 #include <HeaderLines.h>
 #include <JsonBody.h>
 #include <RequestTarget.h>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 
 namespace ovra::rest {
 namespace {
@@ -69,6 +71,14 @@ TEST(HeaderValues, WithALineEndOrNulCannotBeSent)
     EXPECT_FALSE(isSendableHeaderValue("a\rb"));
     EXPECT_FALSE(isSendableHeaderValue("a\n"));
     EXPECT_FALSE(isSendableHeaderValue(std::string_view("a\0", 2)));
+}
+
+TEST(FailureNotes, SayNothingOfASystemThatSaidNothing)
+{
+    const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(curl_easy_init(), curl_easy_cleanup);
+    noteTransfer(handle.get(), CURLE_COULDNT_CONNECT, false, "nobody is there", {});
+    EXPECT_STREQ("nobody is there", failureNote().text);
+    EXPECT_EQ(REST_NOT_CONNECTED, failureNote().phase);
 }
 
 TEST(JsonStrings, AreEscapedSoThatTheyReadBackTheSame)
