@@ -97,8 +97,8 @@ using CredentialsSource = std::function<bool(Credentials& credentials)>;
  * Opens a session that the array has ended again. An operation whose request the array refuses then asks by a
  * keep-alive whether the session is over; if so it logs in with what the source gives, at the same address,
  * and repeats the request once if it was a read. Any other request is not sent again, and its operation fails
- * as it would have; the next one has a session. A login that fails is not tried again before one that
- * succeeds.
+ * as it would have; the next one has a session. Credentials that the array refuses are not tried again before
+ * a login that succeeds, or the next call of this: the account might be locked.
  *
  * Goes with the device manager. The source is called by the thread of the operation, under no lock.
  * @param manager of the array.

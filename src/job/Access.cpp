@@ -55,9 +55,7 @@ AccessResult changing(const char* call, CDeviceManager& manager, const StorageOb
             seen.names(object, initiator);
             checkArguments(object, initiator, call);
             const AccessMap map(manager, object, initiator, options);
-            AccessResult result = steps(map);
-            seen.names(kinds::HOST, result.hostID);
-            return result;
+            return steps(map);
         });
     });
 }

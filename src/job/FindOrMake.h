@@ -3,6 +3,7 @@
 
 #include "job/AccessNames.h"
 #include "job/Tries.h"
+#include "session/LastFailure.h"
 
 #include <exception>
 #include <functional>
@@ -30,11 +31,16 @@ struct Making
 class LastError
 {
 public:
-    void keep() { m_error = std::current_exception(); }
+    void keep()
+    {
+        m_error = std::current_exception();
+        m_noteAgain = rememberedFailure(); // others of this thread come before it is thrown
+    }
     /** @param otherwise the message when nothing was thrown. */
     [[noreturn]] void rethrow(const std::string& otherwise) const
     {
         if (m_error) {
+            m_noteAgain();
             std::rethrow_exception(m_error);
         }
         throw OvraAPIException(otherwise);
@@ -42,6 +48,7 @@ public:
 
 private:
     std::exception_ptr m_error;
+    std::function<void()> m_noteAgain;
 };
 
 template <class Record>

@@ -98,6 +98,7 @@ void setCredentials(CDeviceManager& manager, CredentialsSource source)
 {
     changeOptions(manager, [&](ManagerOptions& options) {
         options.credentials = source ? std::make_shared<CredentialsSource>(std::move(source)) : nullptr;
+        options.areCredentialsRefused = false;
     });
 }
 

@@ -96,14 +96,14 @@ FailureClass classOf(int result) noexcept
 {
     static const RestFailure nothing = {};
     const RestFailure& last = RestLastFailure != nullptr ? RestLastFailure() : nothing;
-    const bool isTold = last.result == result && result != 0;
+    const bool isTold = last.result == result;
     const Row* const row = std::find_if(std::begin(ROWS), std::end(ROWS), [&](const Row& each) {
         return each.result == result && (each.detail == Detail::ANY || (isTold && fits(each, last)));
     });
-    FailureClass found = row != std::end(ROWS)
-                             ? FailureClass{row->kind, row->reason, row->canTryAgain, false, ""}
-                             : FailureClass{Kind::NOT_REACHABLE, Reason::OTHER, AGAIN, false, ""};
-    found.mayBeDone = found.kind == Kind::UNREADABLE_ANSWER;
+    FailureClass found =
+        row != std::end(ROWS)
+            ? FailureClass{row->kind, row->reason, row->canTryAgain, row->kind == Kind::UNREADABLE_ANSWER, ""}
+            : FailureClass{Kind::NOT_REACHABLE, Reason::OTHER, AGAIN, false, ""};
     if (isTold) {
         found.mayBeDone = last.phase == REST_SENT;
         found.transport = last.text;

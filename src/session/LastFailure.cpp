@@ -47,6 +47,21 @@ thread_local bool t_isForgotten = true; ///< a success came behind it
 thread_local bool t_isKept = false;
 thread_local unsigned t_depth = 0;
 
+/** What was noted when it is made. */
+struct Remembered
+{
+    Noted noted = t_noted;
+    bool isForgotten = t_isForgotten;
+    bool isKept = t_isKept;
+
+    void again() const noexcept
+    {
+        t_noted = noted;
+        t_isForgotten = isForgotten;
+        t_isKept = isKept;
+    }
+};
+
 void begin(FailureKind kind, std::string_view operation, std::string_view message) noexcept
 {
     t_isForgotten = false;
@@ -194,15 +209,16 @@ void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept
     }
 }
 
+std::function<void()> rememberedFailure()
+{
+    return [now = Remembered()] { now.again(); };
+}
+
 void asideOfFailure(const std::function<void()>& aside)
 {
-    const Noted noted = t_noted;
-    const bool isForgotten = t_isForgotten;
-    const bool isKept = t_isKept;
+    const Remembered before;
     aside();
-    t_noted = noted;
-    t_isForgotten = isForgotten;
-    t_isKept = isKept;
+    before.again();
 }
 
 Failure lastFailure()

@@ -48,6 +48,9 @@ void noteThrown(const OvraAPIException& thrown, FailureKind kind) noexcept;
 /** Notes that a call ended for want of memory; how far it had come is not known. */
 void noteLackOfMemory() noexcept;
 
+/** What makes the last failure of this thread the last one again, for who throws it later. */
+std::function<void()> rememberedFailure();
+
 /** Does what may fail by itself, and leaves the last failure as it was. */
 void asideOfFailure(const std::function<void()>& aside);
 

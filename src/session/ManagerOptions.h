@@ -17,7 +17,7 @@ struct ManagerOptions
     int cancelDescriptor = -1;
     std::shared_ptr<const void> event; ///< keeps the descriptor open
     std::shared_ptr<const CredentialsSource> credentials;
-    bool areCredentialsRefused = false; ///< since the last login that succeeded
+    bool areCredentialsRefused = false; ///< by the array, since it took some, or others were set
 };
 
 /** Of a device manager; null when it was given nothing. Thread-safe; what is had stays as it is. */

@@ -237,13 +237,11 @@ void Operation::failed()
     try {
         throw;
     } catch (const OvraAPIExceptionWithErrCode& e) {
-        noteThrown(e, FailureKind::REFUSED);
         record(e.getErrCode());
         tellEnd(e.getErrCode(), refusalOf(e.getErrCode()));
         throw;
     } catch (const OvraAPIException& e) {
         const int result = t_failure != RESULT_SUCCESS ? t_failure : RESULT_BAD_ARGUMENT;
-        noteThrown(e, FailureKind::HOST);
         record(result);
         tellEnd(result, e.what());
         throw;

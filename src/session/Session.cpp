@@ -5,6 +5,7 @@
 #include <ovra/rest/UserManager.h>
 
 #include <cstring>
+#include <optional>
 
 using namespace ovra::tessel;
 
@@ -139,14 +140,17 @@ bool isRefused(const Answer& answer)
            (answer.reason() == 0 && answer.code(description) != 0);
 }
 
-bool loginAgain(CDeviceManager& manager, const std::string& ip, unsigned int port,
-                const CredentialsSource& source)
+/** Whether the array opened a session; nothing where the source gave no credentials. */
+std::optional<bool> loginAgain(CDeviceManager& manager, const std::string& ip, unsigned int port,
+                               const CredentialsSource& source)
 {
     Credentials credentials;
-    bool isOpen = false;
+    std::optional<bool> isOpen;
     try {
-        isOpen = source(credentials) &&
-                 manager.loginDevice(ip, port, credentials.userName, credentials.password, credentials.scope);
+        if (source(credentials)) {
+            isOpen =
+                manager.loginDevice(ip, port, credentials.userName, credentials.password, credentials.scope);
+        }
     } catch (...) { // of the source: there are no credentials then
         COMMLOG(OS_LOG_WARN, "The source of the credentials for another login failed.");
     }
@@ -207,11 +211,12 @@ bool CDeviceManagerImpl::opensAgain(const Answer& refused)
     if (!isRefused(session.send(REST_GET, "/server/logininfo"))) {
         return false; // it was refused for what it asks
     }
-    const bool isOpen = loginAgain(*this, m_ip, m_port, *options->credentials);
-    if (!isOpen && lastFailure().kind == FailureKind::REFUSED) { // tried again it might lock the account
+    const std::optional<bool> isOpen = loginAgain(*this, m_ip, m_port, *options->credentials);
+    const bool areRefused = isOpen == false && lastFailure().kind == FailureKind::REFUSED;
+    if (areRefused) { // tried again they might lock the account
         changeOptions(*this, [](ManagerOptions& changed) { changed.areCredentialsRefused = true; });
     }
-    return isOpen;
+    return isOpen.value_or(false);
 }
 
 bool CDeviceManagerImpl::logoutDevice()

@@ -1,7 +1,9 @@
 """tesselctl tidy against an array. Usage: tessel-arraysim --run python3 tidy_command_test.py TESSELCTL DOCS-TESTS"""
 
 import json
+import os
 import sys
+import tempfile
 import unittest
 
 PROGRAM, SUPPORT = sys.argv[1:3]
@@ -43,6 +45,10 @@ class TidyCommand(unittest.TestCase):
         told = json.loads(done.stdout)
         self.assertEqual(told["removed"], 1)
         self.assertEqual([entry["verdict"] for entry in told["objects"]], ["removed", "kept"])
+        kept = told["objects"][1]
+        self.assertEqual((kept["type"], kept["name"]), ("host group", "hostgroup_payroll"))
+        self.assertEqual(kept["reason"], "its name is not one that an attach makes")
+        self.assertEqual(self.array.control("GET", "/objects/hostgroup/" + kept["id"])["data"]["NAME"], kept["name"])
         self.assertEqual(told["disks"], [])
         self.assertTrue(told["complete"])
         self.assertEqual(self.groups(), ["hostgroup_payroll"])
@@ -55,6 +61,23 @@ class TidyCommand(unittest.TestCase):
         self.assertEqual(done.returncode, 3, done.stderr)
         self.assertIn("removes host group", done.stdout)
         self.assertIn("(hostgroup_1700000000): left by an attach", done.stdout)
+
+    def test_says_nothing_of_disks_where_there_are_none(self):
+        with tempfile.TemporaryDirectory() as tools:
+            korvex = os.path.join(tools, "kxRescan")
+            with open(korvex, "w", encoding="ascii") as file:
+                file.write("#!/bin/sh\n")
+            os.chmod(korvex, 0o755)
+            done = self.array.run(PROGRAM, "tidy", "--host", self.host, PATH=tools + ":" + os.environ["PATH"])
+        there = any(os.path.isdir(kind) and os.listdir(kind) for kind in ("/sys/class/iscsi_session", "/sys/class/fc_host"))
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual("Korvex is installed" in done.stderr, there, done.stderr)
+
+    def test_tells_an_initiator_of_no_host(self):
+        self.array.create("iscsi_initiator", ID=INITIATOR + "2")
+        done = self.tidy("tidy", "--initiator", INITIATOR + "2")
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr, f"tesselctl: the initiator {INITIATOR}2 belongs to no host\n")
 
     def test_refuses_two_hosts_and_no_objects(self):
         self.assertEqual(self.tidy("tidy", "--host", self.host, "--initiator", INITIATOR).returncode, 2)

@@ -6,8 +6,11 @@
 #include <gtest/gtest.h>
 #include <ovra/rest/RestSettings.h>
 
+#include <arpa/inet.h>
 #include <chrono>
+#include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 
 using ovra::tessel::FailureKind;
 using ovra::tessel::FailureReason;
@@ -172,4 +175,31 @@ TEST_F(TransportOfAnArray, HoldsInThreadsThatWorkAtOnce)
     for (std::thread& thread : threads) {
         thread.join();
     }
+}
+
+TEST_F(TransportOfAnArray, ThatEndsWithinTheHandshakeIsNotTakenForOneWithoutTls)
+{
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof(address);
+    auto* const any = reinterpret_cast<sockaddr*>(&address);
+    ASSERT_EQ(bind(listener, any, size), 0);
+    ASSERT_EQ(listen(listener, 8), 0);
+    ASSERT_EQ(getsockname(listener, any, &size), 0);
+    std::thread peer([&] {
+        for (int fd = accept(listener, nullptr, nullptr); fd >= 0; fd = accept(listener, nullptr, nullptr)) {
+            char hello[4096];
+            EXPECT_GT(read(fd, hello, sizeof(hello)), 0);
+            close(fd);
+        }
+    });
+    EXPECT_FALSE(
+        one.sdk.array().loginDevice("127.0.0.1", ntohs(address.sin_port), "admin", "s", USERTYPE_LOCAL));
+    EXPECT_EQ(lastFailure().reason, FailureReason::CONNECTION_ENDED);
+    EXPECT_TRUE(lastFailure().canTryAgain);
+    shutdown(listener, SHUT_RDWR);
+    peer.join();
+    close(listener);
 }

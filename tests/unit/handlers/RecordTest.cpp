@@ -2,6 +2,8 @@
 
 #include "unit/handlers/RecordTest.h"
 
+#include <tessel/Fields.h>
+
 #include <algorithm>
 
 namespace {
@@ -178,6 +180,47 @@ TEST_F(HandlerTest, ASpeedThatIsNoNumberReadsAs0)
         EXPECT_EQ(handlers::fcPort(manager).getFCPort("1").RUNSPEED, speed.second) << speed.first;
         EXPECT_EQ(handlers::fcoePort(manager).getFCoEPort("1").RUNSPEED, speed.second) << speed.first;
     }
+}
+
+/** The names of the fields that hold a value. */
+template <class Record>
+std::vector<std::string> fieldsThatAreSet(const Record& record)
+{
+    std::vector<std::string> names;
+    for (const RecordField& field : fieldsOf(record)) {
+        if (field.isSet) {
+            names.push_back(field.name);
+        }
+    }
+    return names;
+}
+
+TEST(FieldsOfARecord, AreSetWhereTheyHoldMoreThanTheirDefault)
+{
+    HostMO host;
+    EXPECT_THAT(fieldsThatAreSet(host), testing::IsEmpty()) << "0 of a code and 100 of a system are unset";
+    host.PARENTTYPE = MO_HOSTGROUP;
+    host.OPERATIONSYSTEM = 0;
+    EXPECT_THAT(fieldsThatAreSet(host), testing::ElementsAre("PARENTTYPE", "OPERATIONSYSTEM"));
+    EXPECT_THAT(fieldsThatAreSet(LunGroupMO()), testing::ElementsAre("GROUPTYPE")) << "any number is a value";
+    IscsiInitiatorMO initiator;
+    initiator.USECHAP = true;
+    for (const RecordField& field : fieldsOf(initiator)) {
+        EXPECT_TRUE(field.kind != RecordField::FLAG ||
+                    field.value == (field.name == "USECHAP" ? "true" : "false"));
+    }
+}
+
+TEST(FieldsOfARecord, NeverHoldASecretNorWhetherThereIsOne)
+{
+    IscsiInitiatorMO initiator;
+    initiator.CHAPPASSWORD = "secret";
+    unsigned secrets = 0;
+    for (const RecordField& field : fieldsOf(initiator)) {
+        secrets += field.isSecret ? 1 : 0;
+        EXPECT_TRUE(!field.isSecret || (field.value.empty() && !field.isSet)) << field.name;
+    }
+    EXPECT_EQ(secrets, 4U);
 }
 
 TEST_F(HandlerTest, InitiatorFieldsThatAreMissingKeepTheirDefaults)

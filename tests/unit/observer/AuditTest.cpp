@@ -10,6 +10,7 @@
 #include <tessel/Audit.h>
 #include <tessel/Exception.h>
 
+#include <dlfcn.h>
 #include <filesystem>
 #include <sched.h>
 #include <sstream>
@@ -98,6 +99,38 @@ TEST(Audit, SaysOfAStepWhichCallItBelongsTo)
 TEST(Audit, IsRefusedWhereTheLogLibraryHasNone)
 {
     EXPECT_THROW(auditFile(), OvraAPIException) << "the recording libraries have no audit log";
+}
+
+namespace {
+
+bool g_hasNoLibraries = false;
+
+/** Ends with 0 when the journal's library, which cannot be opened, is named. */
+[[noreturn]] void askForTheJournalWithoutItsLibrary()
+{
+    g_hasNoLibraries = true;
+    try {
+        auditJournal();
+    } catch (const OvraAPIException& refused) {
+        _exit(refused.what() == std::string("Exception:this host has no libsystemd.so.0! auditJournal") ? 0
+                                                                                                        : 1);
+    }
+    _exit(2);
+}
+
+} // namespace
+
+// In the place of the C library's.
+extern "C" void* dlopen(const char* name, int mode) noexcept
+{
+    const auto own = reinterpret_cast<void* (*)(const char*, int)>(dlsym(RTLD_NEXT, "dlopen"));
+    return g_hasNoLibraries ? nullptr : own(name, mode);
+}
+
+TEST(Audit, IsRefusedWhereTheHostHasNoJournal)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // runs the program anew: one that has loaded it keeps it
+    EXPECT_EXIT(askForTheJournalWithoutItsLibrary(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Audit, ReachesTheJournalWithAFieldForEachMember)

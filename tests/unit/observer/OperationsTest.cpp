@@ -3,6 +3,7 @@
 #include "Recorder.h"
 
 #include "observer/Observers.h"
+#include "observer/Steps.h"
 #include "unit/handlers/HandlerTest.h"
 #include "unit/host/ScannerTest.h"
 
@@ -358,6 +359,24 @@ TEST(ObservedSessions, GoWithTheirDeviceManager)
     EXPECT_EQ(sessions::of(gone).array, "") << "another one may come to stand there";
 }
 
+TEST(ObservedSessions, HaveTheAddressAsAUrlHasIt)
+{
+    EXPECT_EQ(sessions::named("192.0.2.7", 8088, "").array, "192.0.2.7:8088");
+    EXPECT_EQ(sessions::named("2001:db8::7", 8088, "").array, "[2001:db8::7]:8088");
+    EXPECT_EQ(sessions::named("[2001:db8::7]", 8088, "").array, "[2001:db8::7]:8088");
+}
+
+TEST(ObservedSteps, OutsideOfAnyCallAreToldAsThisThreadsOwn)
+{
+    const Recording recording;
+    tellStep(HostEvent::SCANNED, "/dev/sdc");
+    const OperationEvent& call = recording->steps.at(0).operation;
+    EXPECT_EQ(call.operation, "");
+    EXPECT_EQ(call.process, getpid());
+    EXPECT_EQ(call.thread, gettid());
+    EXPECT_NE(call.start, std::chrono::system_clock::time_point());
+}
+
 TEST_F(Observed, TellsNoSecretOfAnyOperationNorOfItsFailureWhateverTheArraySays)
 {
     for (const Row& row : rows()) {
@@ -418,5 +437,7 @@ TEST_F(Observed, TellsOfTheStepsOfACallBeforeTheCallAndWithItsName)
     ASSERT_GE(recorder->operations.size(), 2U);
     EXPECT_EQ(recorder->operations.back().operation, "addLunToLunGroup");
     EXPECT_EQ(recorder->operations.back().within, "");
-    EXPECT_EQ(recorder->operations[recorder->operations.size() - 2].within, "addLunToLunGroup");
+    const OperationEvent& step = recorder->operations[recorder->operations.size() - 2];
+    EXPECT_EQ(step.within, "addLunToLunGroup");
+    EXPECT_EQ(objectsOf(step), "lun 7") << "by the body that it sends";
 }

@@ -105,6 +105,7 @@ TEST_F(LastFailure, OfALoginTellsArgumentsTransportAndAnswersApart)
 {
     EXPECT_FALSE(login(0));
     EXPECT_EQ(lastFailure().kind, FailureKind::ARGUMENT);
+    EXPECT_FALSE(lastFailure().canTryAgain);
     EXPECT_EQ(failureOfLogin(Reply::noAnswer(60)).kind, FailureKind::NOT_TRUSTED);
     EXPECT_EQ(failureOfLogin(loggedIn({})).kind, FailureKind::UNREADABLE_ANSWER);
     EXPECT_EQ(failureOfLogin(loggedIn({"Set-Cookie: a=b;"}, "{}")).kind, FailureKind::UNREADABLE_ANSWER);
@@ -151,6 +152,8 @@ TEST_F(LastFailure, KeepsTextsOfAnyLengthToAWholeCharacter)
     EXPECT_EQ(lastFailure().description, "x" + longText.substr(0, 1020));
     read(Reply::error(9, longText));
     EXPECT_EQ(lastFailure().description, longText.substr(0, 1023));
+    noteRefusal(9, std::string(5000, '\x80'), "getLun", "no text");
+    EXPECT_EQ(lastFailure().description, "") << "there is no whole one";
 }
 
 TEST_F(LastFailure, IsFoundByItsExceptionBehindASuccessOrAnotherFailure)

@@ -2,6 +2,8 @@
 
 #include "unit/handlers/attach/AttachTest.h"
 
+#include <tessel/Failure.h>
+
 namespace {
 
 using journal::join;
@@ -96,6 +98,8 @@ protected:
         EXPECT_EQ(named().back(), "error: " + text + GetParam().detach);
         EXPECT_EQ(platform.journal().back(), "record! " + GetParam().detach + " 1");
         EXPECT_THAT(platform.lines(journal::leave(GetParam().detach)), IsEmpty());
+        EXPECT_EQ(ovra::tessel::lastFailure().kind, ovra::tessel::FailureKind::ARGUMENT);
+        EXPECT_EQ(ovra::tessel::lastFailure().message, text + GetParam().detach);
     }
 };
 
