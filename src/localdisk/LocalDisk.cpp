@@ -103,7 +103,6 @@ void LocalDisk::verify() const
 {
     m_state->told("LocalDisk::verify", [this](Observation&) {
         State now = *m_state;
-        now.isHeld = false;
         now.job.read();
         now.look(Sizes::PROVED);
         if (now.proved.path != path()) {

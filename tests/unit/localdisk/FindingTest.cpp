@@ -1,6 +1,7 @@
 #include "KernelDisks.h"
 
 #include "localdisk/Finding.h"
+#include "unit/observer/Recorder.h"
 
 #include <atomic>
 #include <filesystem>
@@ -369,9 +370,12 @@ TEST_F(FindingADisk, StopsAtADiskOfAnotherArrayWithItsWwn)
     platform.replyWith(
         [](const SentRequest&) { return Reply::object(std::string(R"({"ID":"9","WWN":")") + WWN + "\"}"); });
     add(KernelDisk());
+    const Recording recording;
     EXPECT_THAT(failure([&] {
                     manager->useConnection("127.0.0.1", 8088, "210123", "token", "cookie");
                     findDisks(DiskJob(*manager, StorageObject::lun("9"), options), ways, [] {});
                 }),
                 HasSubstr("it is a disk of another array; nothing was changed"));
+    EXPECT_THAT(recording->stepLines(), testing::ElementsAre("refused "));
+    EXPECT_THAT(recording->steps.at(0).what, HasSubstr("/dev/sdc has its WWN, and is number 7"));
 }

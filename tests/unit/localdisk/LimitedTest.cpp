@@ -9,9 +9,12 @@
 #include <condition_variable>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace ovra::tessel;
 using std::chrono::seconds;
@@ -122,4 +125,17 @@ TEST(AWriteWithALimit, TellsWhyItFailed)
               "/nonexistent/delete: No such file or directory");
     EXPECT_EQ(writeWithin(seconds(60), "/dev/full", "1"), "/dev/full: No space left on device");
     EXPECT_EQ(writeWithin(seconds(60), "/dev/null", "1"), "");
+}
+
+TEST(AWriteWithALimit, TellsWhatDoesNotAnswer)
+{
+    const std::string file = "/tmp/answers-not-" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); // keeps who opens it for writing until somebody reads
+    EXPECT_EQ(writeWithin(seconds(1), file, "1"), file + " does not answer");
+    const int reader = open(file.c_str(), O_RDWR | O_CLOEXEC);
+    char written = '\0';
+    EXPECT_EQ(read(reader, &written, 1), 1);
+    EXPECT_EQ(written, '1');
+    close(reader);
+    unlink(file.c_str());
 }

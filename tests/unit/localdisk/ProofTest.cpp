@@ -1,88 +1,13 @@
-#include "KernelDisks.h"
+#include "ProofOfADisk.h"
 
-#include "localdisk/Proof.h"
-#include "localdisk/Sight.h"
-
-#include <deque>
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <unistd.h>
 
 using namespace ovra::tessel;
 using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-/** Proves what is found at once; the path, or why there is none. */
-class ProofOfADisk : public LocalDiskTest
-{
-protected:
-    std::string proved(Sizes sizes = Sizes::PROVED)
-    {
-        std::string path;
-        const std::string reason = failure([&] {
-            const DiskJob wanted = job();
-            const Sight sight = lookForOurs(wanted, {"1", "2"});
-            if (!sight.foreign.empty()) {
-                wanted.fail(sight.foreign.front());
-            }
-            if (sight.ours.empty()) {
-                wanted.fail("none");
-            }
-            path = prove(
-                       wanted, [&] { return sight.ours; }, sizes)
-                       .path;
-        });
-        return reason.empty() ? path : reason;
-    }
-
-    void addTwoPaths()
-    {
-        add(KernelDisk());
-        KernelDisk second;
-        second.name = "sdaa";
-        second.address = "2:0:0:1";
-        add(second);
-    }
-    void addMap(std::vector<std::string> paths)
-    {
-        KernelMap map;
-        map.paths = std::move(paths);
-        add(map);
-    }
-    /** Of two paths. */
-    void addSuspendedMap()
-    {
-        addTwoPaths();
-        KernelMap map;
-        map.paths = {"sdc", "sdaa"};
-        map.isSuspended = true;
-        add(map);
-    }
-    /** What the shell makes of what multipath answers: whether a map is coming, or is not. */
-    void claim(std::deque<int> isComing, int isNone = 1, int isKnownToUdev = 0)
-    {
-        m_folder = std::filesystem::temp_directory_path() / ("proof-" + std::to_string(getpid()));
-        std::filesystem::create_directories(m_folder);
-        std::ofstream(m_folder / "multipath") << "#!/bin/sh\n";
-        std::filesystem::permissions(m_folder / "multipath", std::filesystem::perms::owner_all);
-        setenv("PATH", m_folder.c_str(), 1);
-        for (const std::string name : {"sdc", "sdaa"}) {
-            seam.exits("timeout 5 udevadm wait --initialized=true --timeout=5 /dev/" + name +
-                           " >/dev/null 2>&1",
-                       {isKnownToUdev});
-            const std::string answer =
-                "answer=$(timeout 5 multipath -u /dev/" + name + " 2>/dev/null); case $?$answer in ";
-            seam.exits(answer + "0*=?1?) exit 0;; esac; exit 1", isComing);
-            seam.exits(answer + "0*=?0?|1|1D*) exit 0;; esac; exit 1", {isNone});
-        }
-    }
-    ~ProofOfADisk() override { std::filesystem::remove_all(m_folder); }
-
-    std::filesystem::path m_folder;
-};
+using testing::UnorderedElementsAre;
 
 TEST_F(ProofOfADisk, HandsOutTheDisk)
 {
@@ -108,6 +33,7 @@ TEST_F(ProofOfADisk, TakesADeadPathOfItsMapForItsOwn)
     add(dead);
     addMap({"sdc", "sdaa", "sdd"});
     EXPECT_EQ(proved(), "/dev/dm-3");
+    EXPECT_THAT(handedOut.disks, UnorderedElementsAre("sdc", "sdaa", "sdd")) << "also the dead one";
 }
 
 TEST_F(ProofOfADisk, RefusesAForeignPathInTheMap)
@@ -167,7 +93,8 @@ TEST_F(ProofOfADisk, RefusesAReadOnlyPath)
 TEST_F(ProofOfADisk, RefusesAMapThatIsNotReady)
 {
     addSuspendedMap();
-    EXPECT_THAT(proved(), HasSubstr(std::string("the map 3") + WWN + " is not ready after 0 s"));
+    EXPECT_THAT(proved(), HasSubstr(std::string("the map 3") + WWN +
+                                    " is not ready after 0 s; multipathd status and its log say why! "));
 }
 
 TEST_F(ProofOfADisk, WaitsForAMapThatIsNotReady)
@@ -295,6 +222,15 @@ TEST_F(ProofOfADisk, WaitsForAPathThatItsMapHasNotYet)
     EXPECT_EQ(proved(), "/dev/dm-3");
 }
 
+TEST_F(ProofOfADisk, PausesWhileUdevHasNotNamedTheMap)
+{
+    addTwoPaths();
+    addMap({"sdc", "sdaa"});
+    options.mapSeconds = 60;
+    EXPECT_EQ(proved(), "/dev/dm-3");
+    EXPECT_GE(platform.lines("usleep: ").size(), 4U) << "a pause takes a second, udev gets five";
+}
+
 TEST_F(ProofOfADisk, HandsOutNoMapThatWentWhileItWasWaitedFor)
 {
     addTwoPaths();
@@ -366,6 +302,23 @@ TEST_F(ProofOfADisk, ReadsTheSizesOfAGrownLunAgain)
     add(small);
     EXPECT_THAT(proved(Sizes::GROWN), HasSubstr("has 1048576 bytes")) << "the kernel keeps the old size";
     EXPECT_EQ(written("/sys/block/sdc/device/rescan"), "1");
+}
+
+TEST_F(ProofOfADisk, ResizesTheMapOfAGrownLun)
+{
+    addTwoPaths();
+    KernelMap small;
+    small.paths = {"sdc", "sdaa"};
+    small.bytes = MIB;
+    add(small);
+    seam.onSystem = [&](const std::string&) {
+        seam.write("/sys/block/dm-3/size", std::to_string(BYTES / 512) + "\n");
+    };
+    EXPECT_EQ(proved(Sizes::GROWN), "/dev/dm-3");
+    EXPECT_THAT(commands(), ElementsAre("system: timeout 5 multipathd resize map 3" + std::string(WWN) +
+                                        " >/dev/null 2>&1"));
+    EXPECT_EQ(proved(Sizes::GROWN), "/dev/dm-3");
+    EXPECT_EQ(commands().size(), 1U) << "one of the right size is left alone";
 }
 
 TEST_F(ProofOfADisk, DoesWithoutNames)

@@ -206,3 +206,29 @@ TEST_F(ReleaseOfADisk, LetsAMapThatIsUsedGoWhenItsUserEndsWhereForced)
     EXPECT_THAT(platform.journal(), testing::Contains(HasSubstr("fail_if_no_path")))
         << "its user waits for nothing";
 }
+
+TEST_F(ReleaseOfADisk, TellsWhichDiskTheKernelKeeps)
+{
+    add(KernelDisk());
+    seam.onUsleep = [this] { ++seam.clock; };
+    std::filesystem::remove(seam.root + "/sys/devices/1:0:0:1/delete");
+    EXPECT_THAT(released(), HasSubstr("/dev/sdc stays: /sys/class/scsi_device/1:0:0:1/device/delete: No such "
+                                      "file or directory; call again to go on from there"));
+}
+
+TEST_F(ReleaseOfADisk, LeavesAMapThatHoldsAnotherDisk)
+{
+    add(KernelDisk());
+    KernelDisk foreign;
+    foreign.name = "sdd";
+    foreign.address = "1:0:0:2";
+    foreign.known = foreign.now = OTHER_WWN;
+    add(foreign);
+    KernelMap map;
+    map.paths = {"sdc", "sdd"};
+    add(map);
+    EXPECT_THAT(released(),
+                HasSubstr(" holds what is not it: /dev/sdd is another disk; the map and its paths "
+                          "stay"));
+    EXPECT_TRUE(isThere("sdc") && isThere("sdd"));
+}

@@ -3,6 +3,7 @@
 #include "localdisk/Removal.h"
 
 #include <filesystem>
+#include <unistd.h>
 
 using namespace ovra::tessel;
 using testing::ElementsAre;
@@ -77,6 +78,14 @@ TEST_F(RemovalOfADisk, HasAUseInAMountOfTheMapsPartition)
     EXPECT_THAT(uses(), IsEmpty()) << "the partition alone goes with the map";
     seam.files["/proc/self/mountinfo"] += "40 22 253:5 / /data rw shared:9 - xfs /dev/dm-5 rw\n";
     EXPECT_THAT(uses(), ElementsAre("dm-5 is mounted on /data"));
+}
+
+TEST_F(RemovalOfADisk, HasAUseInAMountOfTheMapThatHasNoPathLeft)
+{
+    addMapped();
+    remove("sdc");
+    seam.files["/proc/self/mountinfo"] += "40 22 253:3 / /data rw shared:9 - xfs /dev/dm-3 rw\n";
+    EXPECT_THAT(uses(), ElementsAre("dm-3 is mounted on /data"));
 }
 
 TEST_F(RemovalOfADisk, HasAUseInAProcessThatHasItOpen)
@@ -156,6 +165,12 @@ TEST_F(RemovalOfADisk, LetsAMapWithoutPathsFailWhatWaitsForOne)
     EXPECT_EQ(commands().front(), std::string("system: timeout 5 dmsetup message 3") + WWN +
                                       " 0 fail_if_no_path >/dev/null 2>&1");
     EXPECT_EQ(commands().size(), 6U) << "five tries, since udev may have it open for a moment";
+    options.stepSeconds = 600;
+    failure([&] { removeMap(job(), *map()); });
+    EXPECT_EQ(commands().size(), 12U) << "and no more where there is time";
+    options.stepSeconds = 2;
+    failure([&] { removeMap(job(), *map()); });
+    EXPECT_LE(commands().size(), 16U) << "nor beyond its time: a pause takes a second";
 }
 
 TEST_F(RemovalOfADisk, GivesNoCommandANameThatIsNoWord)
@@ -163,5 +178,45 @@ TEST_F(RemovalOfADisk, GivesNoCommandANameThatIsNoWord)
     addMapped();
     seam.write("/sys/block/dm-3/dm/name", "a;reboot\n");
     EXPECT_THAT(failure([&] { removeMap(job(), *map()); }), HasSubstr("remove it by hand"));
+    EXPECT_THAT(commands(), IsEmpty());
+}
+
+TEST_F(RemovalOfADisk, IsDoneWhereItHasGoneMeanwhile)
+{
+    add(KernelDisk());
+    const auto disk = disks().front();
+    EXPECT_EQ(removeDisk(job(), disk,
+                         [&] {
+                             remove("sdc");
+                             return "";
+                         }),
+              "");
+    EXPECT_THAT(platform.lines("info: Removing"), IsEmpty());
+}
+
+TEST_F(RemovalOfADisk, HasAUseWhereItCannotBeTold)
+{
+    add(KernelDisk());
+    seam.files.erase("/proc/swaps");
+    seam.write("/proc/swaps/none", ""); // a directory, which cannot be read
+    EXPECT_THAT(uses(), ElementsAre("whether sdc is in use cannot be told, /proc/swaps cannot be read"));
+}
+
+TEST_F(RemovalOfADisk, WritesBackAFileSystemOfSeveralDisksByItsMount)
+{
+    add(KernelDisk());
+    const std::string point = "/nowhere/" + std::to_string(getpid());
+    seam.files["/proc/self/mountinfo"] += "40 22 0:45 / " + point + " rw shared:9 - btrfs /dev/sdc rw\n";
+    EXPECT_THAT(failure([&] { writeBack(job(), disks(), LIMIT, false); }),
+                HasSubstr(point + " cannot be written back: "));
+    EXPECT_EQ(failure([&] { writeBack(job(), disks(), LIMIT, true); }), "");
+    EXPECT_THAT(platform.lines("warn: data not yet written to "), ElementsAre(HasSubstr(point)));
+}
+
+TEST_F(RemovalOfADisk, LeavesAMapToItsUsersWhoseNameNoCommandCanBeGiven)
+{
+    addMapped();
+    seam.write("/sys/block/dm-3/dm/name", "a;reboot\n");
+    removeMapLater(job(), *map());
     EXPECT_THAT(commands(), IsEmpty());
 }

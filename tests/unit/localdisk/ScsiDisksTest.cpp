@@ -66,6 +66,20 @@ TEST_F(DisksOfTheKernel, AreNotTakenForAbsentWhereTheyCannotBeRead)
     EXPECT_THAT(disk::scsiDisksOf({"1"}), testing::SizeIs(1));
 }
 
+TEST_F(DisksOfTheKernel, HaveValuesOfOneLineEach)
+{
+    seam.write("/sys/value", "running\nmore\n");
+    EXPECT_EQ(disk::valueOf("/sys/value"), "running");
+    seam.write("/sys/value", "running");
+    EXPECT_EQ(disk::valueThere("/sys/value"), "running") << "without an end";
+    seam.write("/sys/value", "");
+    EXPECT_EQ(disk::valueThere("/sys/value"), "");
+    seam.write("/sys/folder/value", "x");
+    EXPECT_EQ(disk::valueOf("/sys/folder"), "");
+    EXPECT_THROW(disk::valueThere("/sys/folder"), disk::Unreadable) << "is there, and cannot be read";
+    EXPECT_THROW(disk::contentThere("/sys/folder"), disk::Unreadable);
+}
+
 TEST_F(DisksOfTheKernel, AreNoMapsAndNoPartitions)
 {
     add(KernelDisk());

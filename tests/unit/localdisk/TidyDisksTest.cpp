@@ -1,6 +1,7 @@
 #include "KernelDisks.h"
 
 #include "host/Korvex.h"
+#include "localdisk/DeadDisks.h"
 
 #include <tessel/Tidy.h>
 
@@ -259,6 +260,21 @@ TEST_F(TidyingDisks, RemovesADiskThatUdevNamesAfterAnotherOnceUdevIsAtRest)
     EXPECT_THAT(tidy(), ElementsAre(HasSubstr("sdc removed: it is number 7 of the array now")));
 }
 
+TEST_F(TidyingDisks, KnowsTheNamesOfAnotherByEachOfUdevsLinks)
+{
+    add(KernelDisk());
+    shown = {"7"};
+    options.isDryRun = true;
+    seam.exits(SETTLED, {0});
+    for (const char* const kind : {"scsi-3", "wwn-0x"}) {
+        const std::string link = std::string("/dev/disk/by-id/") + kind + OTHER_WWN;
+        seam.link(link, "../../sdc");
+        EXPECT_THAT(tidy(), ElementsAre(HasSubstr("sdc removable: it is number 7 of the array now"))) << kind;
+        std::filesystem::remove(seam.root + link);
+    }
+    EXPECT_THAT(tidy(), IsEmpty());
+}
+
 TEST_F(TidyingDisks, LeavesADiskWhoseNamesUdevWasAboutToMend)
 {
     add(KernelDisk());
@@ -348,6 +364,11 @@ TEST_F(TidyingDisks, KeepsADiskOfWhichNothingIsKnown)
     loseNumber("sdc");
     EXPECT_THAT(tidy(),
                 ElementsAre("sdc kept: nothing is mapped at its number, and what it was is not known"));
+    EXPECT_TRUE(isThere("sdc"));
+    remove("sdc");
+    unknown.now = OTHER_WWN; // it answers, and is not known to have been another
+    add(unknown);
+    EXPECT_THAT(tidy(), IsEmpty());
     EXPECT_TRUE(isThere("sdc"));
 }
 
@@ -470,6 +491,53 @@ TEST_F(TidyingDisks, ThrowsWhenTheArrayCannotBeAskedAndRemovesNothing)
 TEST_F(TidyingDisks, NeedsTheHost)
 {
     EXPECT_EQ(failure([&] { tidyDisks(*manager, ""); }), "Exception:hostID is empty! tidyDisks");
+}
+
+TEST_F(TidyingDisks, TakesAnInitiatorThatTheArrayDoesNotKnowForAnothers)
+{
+    addDead();
+    platform.replyWith([&](const SentRequest& request) {
+        return request.path.find("/iscsi_initiator/") == 0 ? Reply::error(1077936859, "none")
+                                                           : answerOf(request.path);
+    });
+    EXPECT_THAT(tidy(), IsEmpty());
+    EXPECT_TRUE(isThere("sdc"));
+}
+
+TEST_F(TidyingDisks, KeepsADiskWhoseObjectIsShownAndTellsNoWwn)
+{
+    addDead();
+    addHealthy();
+    shown = {"7", "8"};
+    array["7"] = "no WWN!";
+    EXPECT_THAT(tidy(), ElementsAre("sdc kept: the array shows it to this host, but nothing is mapped at its "
+                                    "number"));
+}
+
+TEST_F(TidyingDisks, KeepsAMapThatHoldsNoScsiDisk)
+{
+    addDead();
+    seam.write("/sys/block/loop7/size", "8\n");
+    KernelMap map;
+    map.paths = {"sdc", "loop7"};
+    add(map);
+    const DiskJob host(*manager, "3", options.steps);
+    EXPECT_EQ(DeadDisks(host, ways).doubtAbout(*ovra::disk::scsiDisk("sdc")),
+              "its map 3" + std::string(WWN) + " holds what is no SCSI disk, loop7");
+    EXPECT_THAT(tidy(), ElementsAre(HasSubstr("has the path loop7, which stays")));
+}
+
+TEST_F(TidyingDisks, EndsWhereWhoIsToldSaysSoAndNeedsNobodyToTell)
+{
+    addDead();
+    addDead("sdd", "1:0:0:2");
+    const TidyResult first = tidyDisks(*manager, "3", options, [](const DiskTidyFinding&) { return false; });
+    EXPECT_EQ(first.removed, 1U);
+    EXPECT_FALSE(first.isComplete);
+    options.most = 0;
+    const TidyResult rest = tidyDisks(*manager, "3", options);
+    EXPECT_EQ(rest.removed, 1U);
+    EXPECT_TRUE(rest.isComplete);
 }
 
 } // namespace
