@@ -84,7 +84,8 @@ LunGroupList groupsTowards(Session& session, const Attachable& object, const std
     LunGroupList groups;
     for (const auto& group : patiently([&] { return object.groups(session, id); })) {
         bool isSeen = false;
-        if (group.NAME.compare(0, OWN.size(), OWN) != 0) { // a LUN of a cluster is in one of every host
+        const bool isOfAnother = group.NAME.compare(0, OWN.size(), OWN) == 0 && !isOwnName(group.NAME, host);
+        if (!isOfAnother) { // a LUN of a cluster is in one of every host
             forEachHostGroup(session, group.ID, [&](const HostGroupMO& hosts) {
                 isSeen = isSeen || holds(session, hosts, host);
             });
@@ -129,8 +130,7 @@ std::string tellEffect(Session& session, const LunGroupList& groups, const std::
         text += "taken out of " + printable(label("LUN group", group)) + "\n";
     }
     for (const auto& group : groups) {
-        const auto others = host.empty() || isOwnName(group.NAME, host) ? std::vector<std::string>()
-                                                                        : othersOn(session, group.ID, host);
+        const auto others = host.empty() ? std::vector<std::string>() : othersOn(session, group.ID, host);
         for (const auto& other : others) {
             result["otherHostGroups"].append(validUtf8(other));
             text += "gone too for " + printable(other) + "\n";

@@ -15,7 +15,8 @@ using LunGroupList = std::vector<ovra::tessel::NamedObject>;
 /** Whether a LUN group or host group has a name that ensureVisible gives to those of one host. */
 bool isOwnName(const std::string& name, const std::string& host);
 
-/** The LUN groups of others, not named by ensureVisible, through which the host sees the object. */
+/** The LUN groups through which the host sees the object, but for those that ensureVisible made for others.
+ */
 LunGroupList groupsTowards(Session& session, const Attachable& object, const std::string& id,
                            const std::string& host);
 

@@ -7,7 +7,6 @@
 namespace tesselctl {
 namespace {
 
-using ovra::tessel::FailureKind;
 using SdkFailure = ovra::tessel::Failure;
 
 /** The message without the name of the operation behind it. */
@@ -25,7 +24,7 @@ std::string withoutOperation(const SdkFailure& failure)
 Outcome sdkOutcome(const SdkFailure& failure)
 {
     Outcome outcome;
-    outcome.hasArrayCode = failure.kind == FailureKind::REFUSED && failure.code != 0;
+    outcome.hasArrayCode = failure.code != 0;
     if (outcome.hasArrayCode) {
         outcome.arrayCode = failure.code;
         outcome.exitCode = ExitCode::ARRAY_ERROR;

@@ -59,9 +59,6 @@ void Parser::addOption(CLI::App& app, const Option& option)
     added->required(option.required);
     takeChoice(*added, option.choices);
     added->type_name(option.valueName);
-    if (!option.valueName.empty()) {
-        added->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-    }
 }
 
 void Parser::add(const Command& command)
@@ -99,7 +96,7 @@ Values Parser::values() const
     Values values;
     const auto take = [&](const Given& given) {
         if (given.option->count() > 0) {
-            values.set(given.name, given.option->results().empty() ? "true" : given.option->results().back());
+            values.set(given.name, given.option->results().back());
         }
     };
     for (const auto& given : m_globals) {

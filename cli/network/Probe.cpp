@@ -133,8 +133,7 @@ Probe probe(const ArrayAddress& address, const std::string& caFile, long timeout
                                                        : std::string(": ") + std::strerror(errno));
     }
     shakeHands(result, *context, descriptor, address);
-    if (!caProblem.empty()) {
-        result.verified = false;
+    if (!caProblem.empty()) { // then nothing was trusted
         result.trustProblem = caProblem;
     }
     return result;

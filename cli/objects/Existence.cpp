@@ -77,14 +77,4 @@ void requireThere(Session& session, const Named& object)
              [&](const std::string& id) { return Read{idOf(session, object.first, id)}; });
 }
 
-bool isThere(Session& session, const Named& object)
-{
-    try {
-        requireThere(session, object);
-        return true;
-    } catch (const NotFound&) {
-        return false;
-    }
-}
-
 } // namespace tesselctl

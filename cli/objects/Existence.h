@@ -51,9 +51,6 @@ using Named = std::pair<std::string, std::string>;
 /** Throws NotFound where the array has no such object. */
 void requireThere(Session& session, const Named& object);
 
-/** Whether the array has the object; an answer that does not tell is thrown. */
-bool isThere(Session& session, const Named& object);
-
 /** Does some work with objects; when the array refuses it, looks whether they are there at all. */
 template <class Work>
 auto withObjects(Session& session, const std::vector<Named>& objects, Work work) -> decltype(work())

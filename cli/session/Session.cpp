@@ -108,7 +108,7 @@ bool Session::close()
     // Called for a signal it meets a login under way: without an answer in time there is nothing to log out
     // of.
     const std::unique_lock<std::timed_mutex> lock(m_change, LOGIN_PATIENCE);
-    const bool logOut = m_open && !m_adopted;
+    const bool logOut = m_open; // an adopted one never is
     m_open = false;
     return !logOut || m_manager->logoutDevice();
 }

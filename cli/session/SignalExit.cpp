@@ -58,8 +58,7 @@ void awaitSignal(const std::function<void()>& lastWork)
     }
     silence();
     lastWork();
-    std::signal(signal, SIG_DFL);
-    kill(getpid(), signal);
+    kill(getpid(), signal); // its handler was for once
     pause();
 }
 

@@ -151,6 +151,17 @@ TEST_F(AttachAndDetach, WhatTheHostSeesThroughAGroupOfSomebodyElseTooLeavesItsOw
     expect(0, {"lungroup", "show", lunGroup});
 }
 
+TEST_F(AttachAndDetach, AGroupThatShowsItOnTwoWaysIsNamedOnce)
+{
+    bindAll();
+    const std::string hosts = showToOthers(lunGroup);
+    expect(0, {"hostgroup", "add", hosts, "--host", host});
+    const std::string told = expect(1, detach()).err;
+    const std::string group = "LUN group " + lunGroup + " (luns), which no attach has made";
+    EXPECT_THAT(told, HasSubstr(group));
+    EXPECT_EQ(told.find(group), told.rfind(group)) << told;
+}
+
 TEST_F(AttachAndDetach, AnOwnGroupThatSomebodyShowsToOthersKeepsTheLunWithoutForce)
 {
     expect(0, attach());
@@ -160,7 +171,8 @@ TEST_F(AttachAndDetach, AnOwnGroupThatSomebodyShowsToOthersKeepsTheLunWithoutFor
                 AllOf(HasSubstr("other hosts may lose it: those of host group " + others + " (others)"),
                       Not(HasSubstr("no attach has made"))));
     EXPECT_EQ(ownGroup(), own) << "it stays";
-    expect(0, detach({"--force"}));
+    EXPECT_THAT(expect(0, detach({"--force"})).out,
+                HasSubstr("gone too for host group " + others + " (others)\n"));
     EXPECT_EQ(seen(host), 0U);
 }
 
@@ -200,6 +212,9 @@ TEST_F(AttachAndDetach, AnInitiatorWithoutAHostGetsOneAtItsAttachAndSeesNothingB
             .asString();
     EXPECT_EQ(array.record("host", made)["IP"], "192.0.2.7");
     EXPECT_EQ(seen(made), 1U);
+    make({"initiator", "iscsi", "create", iqnOf("elsewhere")});
+    const Json::Value other = cli.json({"attach", "lun", lun, "--initiator", iqnOf("elsewhere")}).json();
+    EXPECT_EQ(array.record("host", other["hostId"].asString())["IP"], "") << "not that of this host";
 }
 
 TEST_F(AttachAndDetach, WorkOnWhileTheArrayIsBusy)

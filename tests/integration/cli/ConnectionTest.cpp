@@ -1,9 +1,11 @@
 #include "Cli.h"
 #include "support/ArrayClient.h"
+#include "support/MisbehavingServer.h"
 
 #include <algorithm>
 #include <filesystem>
 
+using tessel_test::MisbehavingServer;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -14,10 +16,32 @@ TEST_F(CliTest, PingLogsInKeepsAliveAndLogsOut)
     const Outcome outcome = cli.json({"ping"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome;
     for (const char* step : {"login", "keep-alive", "logout"}) {
-        EXPECT_GE(outcome.json()["milliseconds"][step].asDouble(), 0.0) << step;
+        EXPECT_TRUE(outcome.json()["milliseconds"][step].isDouble()) << step;
     }
+    array.addFault(R"({"method":"DELETE","path":"/sessions","action":"delay","delayMs":100})");
+    EXPECT_GE(cli.json({"ping"}).json()["milliseconds"]["logout"].asDouble(), 100.0);
     EXPECT_EQ(array.counters()["sessions"].asInt(), 0) << "the session is closed";
     EXPECT_THAT(expect(0, {"ping"}).out, HasSubstr("keep-alive"));
+}
+
+TEST_F(CliTest, PingTellsALogoutThatTheArrayRefuses)
+{
+    array.addErrorFault("DELETE", "/sessions", 1077000001);
+    const Outcome outcome = expect(1, {"ping"});
+    EXPECT_THAT(outcome.err, HasSubstr("did not accept the logout: injected fault (error code 1077000001"));
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(CliTest, ThePlaceOfTheUserIsSentAsAsked)
+{
+    const auto scopeOf = [&](const Words& words) {
+        array.clearJournal();
+        cli.run(words);
+        return array.journal()[0]["body"].asString();
+    };
+    EXPECT_THAT(scopeOf({"ping"}), HasSubstr("\"scope\":0"));
+    EXPECT_THAT(scopeOf({"ping", "--scope", "local"}), HasSubstr("\"scope\":0"));
+    EXPECT_THAT(scopeOf({"ping", "--scope", "domain"}), HasSubstr("\"scope\":1"));
 }
 
 TEST_F(CliTest, AFailedCommandLogsOutToo)
@@ -39,6 +63,16 @@ TEST_F(MappingTest, AReaderThatHasEnoughEndsTheListAndTheSession)
         EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
         EXPECT_LT(array.requests("GET", "/lun/{id}"), 350UL) << "the rest is not read";
     }
+}
+
+TEST_F(MappingTest, AReaderThatHasEnoughIsToldToACallerThatIgnoresTheSignalToo)
+{
+    array.bulkLuns(350, lunGroup);
+    const Outcome outcome =
+        cli.shell("set -o pipefail; trap '' PIPE; exec 3>&1; { tesselctl lun list --group " + lunGroup +
+                  "; echo ended $? >&3; } | head -2 >/dev/null");
+    EXPECT_EQ(outcome.out, "ended 141\n");
+    EXPECT_EQ(array.counters()["sessions"].asInt(), 0);
 }
 
 TEST_F(CliTest, AnOutputThatTakesNothingIsAFailure)
@@ -76,6 +110,18 @@ TEST_F(CliTest, MessagesNameTheLogDirectoryThatIsReallyInUse)
     EXPECT_THAT(cli.run({"doctor"}).out, HasSubstr("log directory: " + used + "\n"));
 }
 
+TEST_F(CliTest, WithoutAPlaceForLogsTheyAreNotShownAndTheDoctorSaysSo)
+{
+    const Folder folder;
+    const std::string library = "libOvraLogAPI.so.1";
+    std::filesystem::copy_file(std::string(TESSEL_LIBRARIES) + "/" + library, folder.path() + "/" + library);
+    folder.write("Tessel_API.ini", "[files]\ndirectory = /proc/none\n", 0644);
+    cli.environment["LD_LIBRARY_PATH"] = folder.path();
+    cli.environment["HOME"] = cli.environment["XDG_STATE_HOME"] = "/proc/none";
+    EXPECT_THAT(expect(1, {"logs"}).err, HasSubstr("no log directory can be written"));
+    EXPECT_THAT(cli.run({"doctor"}).out, HasSubstr("warning  log directory: none can be written\n"));
+}
+
 class OtherCodes : public MappingTest
 {
 protected:
@@ -100,7 +146,7 @@ TEST_F(OtherCodes, OfAnArrayDecideNothing)
     cli.environment["TESSEL_COOKIE"] = client.cookie;
     array.dropSessions();
     EXPECT_THAT(expect(3, {"lun", "show", lun, "--device-id", client.deviceId}).err,
-                HasSubstr("log in again"));
+                HasSubstr("; the keep-alive fails too: if the session is over, log in again"));
 }
 
 TEST_F(CliTest, OptionsOverrideTheEnvironmentAndAPasswordFileThePassword)
@@ -166,8 +212,11 @@ INSTANTIATE_TEST_SUITE_P(Connection, Trusting, ::testing::ValuesIn(TRUSTS),
 TEST_F(CliTest, AFailedLoginTellsWhatToDo)
 {
     EXPECT_THAT(expect(1, {"ping", "--array", "127.0.0.1:1"}).err, HasSubstr("cannot be reached"));
-    const std::string noTls = "127.0.0.1:" + std::to_string(array.controlPort());
-    EXPECT_THAT(expect(1, {"ping", "--array", noTls}).err, HasSubstr("does not speak TLS"));
+    MisbehavingServer::Options options;
+    options.plainHttp = true;
+    const MisbehavingServer noTls(options);
+    EXPECT_THAT(expect(1, {"ping", "--array", "127.0.0.1:" + std::to_string(noTls.port())}).err,
+                HasSubstr("does not speak TLS"));
     cli.environment["TESSEL_PASSWORD"] = "Wrong-password-1";
     const Outcome refused = expect(1, {"ping"});
     EXPECT_THAT(refused.err, HasSubstr("refused the login of admin"));
@@ -198,35 +247,10 @@ TEST_F(CliTest, AnAdoptedSessionIsUsedAndLeftOpen)
     array.dropSessions();
     EXPECT_THAT(expect(1, {"ping", "--device-id", client.deviceId}).err, HasSubstr("the session is over"));
     EXPECT_THAT(expect(3, {"port", "eth", "list", "--device-id", client.deviceId}).err,
-                HasSubstr("log in again"));
+                HasSubstr("; the keep-alive fails too: if the session is over, log in again"));
     array.kill();
     EXPECT_THAT(expect(1, {"port", "eth", "list", "--device-id", client.deviceId}).err,
                 HasSubstr("cannot be reached"));
-}
-
-TEST_F(CliTest, FingerprintShowsTheCertificateAndThePinThatTrustsIt)
-{
-    const std::string place = array.ip() + ":" + std::to_string(array.port());
-    const Outcome outcome = Cli().json({"fingerprint", place});
-    ASSERT_EQ(outcome.exitCode, 0) << outcome;
-    const Json::Value shown = outcome.json();
-    EXPECT_EQ(shown["pin"].asString(), array.pinnedKey());
-    EXPECT_TRUE(shown["inForce"].asBool());
-    EXPECT_FALSE(shown["verified"].asBool());
-    const std::string certificate =
-        "openssl s_client -connect " + place + " </dev/null 2>/dev/null | openssl x509 -noout ";
-    EXPECT_EQ(Cli().shell(certificate + "-fingerprint -sha256").out,
-              "sha256 Fingerprint=" + shown["sha256"].asString() + "\n");
-    EXPECT_EQ(Cli().shell(certificate + "-dates -dateopt iso_8601 | tr ' ' T").out,
-              "notBefore=" + shown["validFrom"].asString() + "\nnotAfter=" + shown["validUntil"].asString() +
-                  "\n");
-    EXPECT_TRUE(Cli().json({"fingerprint", place, "--ca-file", array.caFile()}).json()["verified"].asBool());
-    const Outcome text = Cli().run({"fingerprint", place});
-    for (const char* part : {"subject", "issuer", "valid until", "SHA-256"}) {
-        EXPECT_THAT(text.out, HasSubstr(part));
-    }
-    EXPECT_THAT(text.out, HasSubstr("--pin " + array.pinnedKey()));
-    EXPECT_EQ(Cli().run({"fingerprint", "127.0.0.1:1"}).exitCode, 1);
 }
 
 TEST_F(CliTest, AnErrorOfTheArrayEndsWithCode3AndItsCode)

@@ -213,6 +213,19 @@ TEST_F(DiskTest, ListLeavesOutTheDisksOfOtherArraysAndAsksAboutFewOfThem)
     EXPECT_LE(reads, 10U);
 }
 
+TEST_F(DiskTest, ListKnowsATargetByTheLunThatIsShownThereBehindManyThatAreGone)
+{
+    showLun();
+    addSession("3", iqn);
+    for (unsigned i = 0; i < 10; ++i) {
+        addPath(std::string("sdb") + static_cast<char>('a' + i), "3", i,
+                wwn.substr(0, 24) + "0000006" + std::to_string(i));
+    }
+    addPath("sdz", "3", 20, wwn);
+    const Json::Value disks = list();
+    ASSERT_EQ(disks.size(), 11U) << disks;
+}
+
 TEST_F(DiskTest, ListTellsSnapshots)
 {
     showLun();

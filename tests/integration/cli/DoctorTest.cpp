@@ -1,5 +1,7 @@
 #include "HostFixture.h"
 
+#include <linux/capability.h>
+#include <sys/prctl.h>
 #include <sys/sem.h>
 
 using ::testing::HasSubstr;
@@ -53,6 +55,24 @@ TEST_F(HostTest, DoctorTellsOfEachToolThatIsMissingWhetherItIsNeeded)
         EXPECT_EQ(checkOf(outcome, std::string("tool ") + tool)["verdict"], "failure") << tool;
     }
     EXPECT_EQ(checkOf(outcome, "tool multipath")["verdict"], "warning");
+}
+
+TEST_F(HostTest, WithoutEitherRightNothingIsScannedAndTheDoctorSaysWhich)
+{
+    for (const int right : {CAP_SYS_ADMIN, CAP_SYS_RAWIO}) {
+        cli.prepare = [right] {
+            if (unshare(CLONE_NEWIPC) != 0 || prctl(PR_CAPBSET_DROP, right) != 0) {
+                _exit(126);
+            }
+        };
+        const bool isAdmin = right == CAP_SYS_ADMIN;
+        const Outcome told = cli.json({"doctor"});
+        EXPECT_EQ(told.exitCode, 1);
+        EXPECT_EQ(checkOf(told, "right CAP_SYS_ADMIN")["verdict"], isAdmin ? "failure" : "ok");
+        EXPECT_EQ(checkOf(told, "right CAP_SYS_RAWIO")["verdict"], isAdmin ? "ok" : "failure");
+        EXPECT_THAT(expect(1, {"scan", "lun", lun}).err,
+                    HasSubstr("the scan writes sysfs and sends SCSI commands"));
+    }
 }
 
 TEST_F(HostTest, DoctorTellsWhichNamesUdevHasMade)

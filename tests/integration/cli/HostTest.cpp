@@ -140,6 +140,22 @@ TEST_F(HostTest, ADetachThatIsRefusedRemovesNoDevices)
     EXPECT_FALSE(diskIsThere());
 }
 
+TEST_F(HostTest, ADetachThatIsRefusedForAnOwnGroupThatOthersSeeRemovesNoDevices)
+{
+    expect(0, {"attach", "lun", lun});
+    const std::string own = cli.json({"lungroup", "list", "--lun", lun, "--name", "tessel_host_" + host})
+                                .json()[0]["ID"]
+                                .asString();
+    const std::string others = make({"hostgroup", "create", "--name", "others"});
+    const std::string second = make({"view", "create", "--name", "second"});
+    expect(0, {"view", "add", second, "--lungroup", own});
+    expect(0, {"view", "add", second, "--hostgroup", others});
+    addLunDisk();
+    EXPECT_THAT(expect(1, {"detach", "lun", lun, "--remove-devices"}).err,
+                HasSubstr("other hosts may lose it: those of host group " + others + " (others)"));
+    EXPECT_TRUE(diskIsThere());
+}
+
 TEST_F(HostTest, ADetachThatLeavesDevicesBehindSaysSo)
 {
     expect(0, {"attach", "lun", lun});

@@ -156,6 +156,11 @@ TEST_F(MappingTest, AttachMakesTheLunVisibleAndDetachTakesItAway)
     EXPECT_FALSE(attached.json()["wasVisible"].asBool());
     EXPECT_EQ(cli.json({"lun", "list", "--host", host}).json()[0]["ID"], lun);
     EXPECT_THAT(expect(0, {"attach", "lun", lun, "--initiator", iqn}).out, HasSubstr("already"));
+    const Json::Value again = cli.json({"attach", "lun", lun, "--initiator", iqn}).json();
+    EXPECT_TRUE(again["wasVisible"].asBool());
+    EXPECT_EQ(again["action"], "attach");
+    EXPECT_EQ(again["object"], "LUN");
+    EXPECT_EQ(again["initiator"], iqn);
 
     EXPECT_THAT(expect(0, {"detach", "lun", lun, "--initiator", iqn}).out,
                 HasSubstr("no longer visible to host"));
@@ -195,6 +200,14 @@ TEST_F(MappingTest, AnAttachAfterWhichTheHostSeesNothingIsAFailure)
     const Outcome outcome = expect(1, {"attach", "lun", lun, "--initiator", iqn});
     EXPECT_THAT(outcome.err, HasSubstr("does not see LUN " + lun));
     EXPECT_THAT(outcome.err, HasSubstr("tesselctl explain lun"));
+}
+
+TEST_F(MappingTest, AnAttachThatMeetsNoAnswerIsNotTakenForOneThatTheArrayRefused)
+{
+    array.addFault(R"({"method":"PUT","path":"/mappingview/create_associate","action":"close","count":0})");
+    const Outcome outcome = expect(1, {"attach", "lun", lun, "--initiator", iqn});
+    EXPECT_THAT(outcome.err, HasSubstr("ended the connection without an answer"));
+    EXPECT_THAT(outcome.err, Not(HasSubstr("does not see")));
 }
 
 TEST_F(MappingTest, ADetachAfterWhichTheHostStillSeesItIsAFailure)
@@ -251,7 +264,8 @@ TEST_F(MappingTest, AttachOfWhatTheArrayDoesNotKnowEndsWithCode4)
 {
     expect(4, {"attach", "lun", "99", "--initiator", iqn});
     expect(4, {"attach", "lun", lun, "--initiator", "iqn.no-such"});
-    expect(4, {"detach", "snapshot", "99", "--initiator", iqn});
+    EXPECT_THAT(expect(4, {"detach", "snapshot", "99", "--initiator", iqn}).err,
+                HasSubstr("the array has no snapshot with the ID '99'"));
 }
 
 } // namespace

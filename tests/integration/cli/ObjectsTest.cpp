@@ -73,6 +73,7 @@ TEST_P(ObjectOf, IsCreatedShownAndDeletedInBothForms)
     const Outcome deleted = cli.json(line("delete", {id}));
     EXPECT_EQ(deleted.exitCode, 0) << deleted;
     EXPECT_EQ(deleted.json()["action"], "delete");
+    EXPECT_EQ(deleted.json()["object"], GetParam().title);
     EXPECT_EQ(deleted.json()["id"], id);
     expect(4, line("show", {id}));
 }
@@ -141,6 +142,72 @@ TEST_F(CliTest, AThinLunBeginsWithTheInitialSizeAskedFor)
     EXPECT_EQ(listed[0]["ID"], thick);
 }
 
+TEST_F(CliTest, AThinLunMayHaveItsWholeSizeAtOnceAndOnlyWhatIsGivenIsSent)
+{
+    array.clearJournal();
+    const Json::Value made = cli.json({"lun", "create", "--name", "a", "--pool", "0", "--size", "1M",
+                                       "--type", "thin", "--initial-size", "1M"})
+                                 .json();
+    EXPECT_EQ(made["ALLOCCAPACITY"], made["CAPACITY"]);
+    for (const Json::Value& request : array.journal()) {
+        EXPECT_THAT(request["body"].asString(), Not(HasSubstr("THINCAPACITYUSAGE")));
+    }
+    expect(0, {"lun", "create", "--name", "b", "--pool", "0", "--size", "1M", "--type", "thin",
+               "--usage-threshold", "100"});
+}
+
+TEST_F(CliTest, WhatAHostBelongsToIsSentWithItsType)
+{
+    const std::string group = make({"hostgroup", "create", "--name", "g"});
+    array.clearJournal();
+    make({"host", "create", "--name", "h", "--os", "255", "--hostgroup", group});
+    const std::string sent = array.journal()[1]["body"].asString();
+    EXPECT_THAT(sent, HasSubstr("\"PARENTTYPE\":14"));
+    EXPECT_THAT(sent, HasSubstr("\"PARENTID\":\"" + group + "\""));
+    array.clearJournal();
+    make({"initiator", "iscsi", "create", "iqn.2024-05.org.example:h", "--host", "1"});
+    EXPECT_THAT(array.journal()[1]["body"].asString(), HasSubstr("\"PARENTTYPE\":21"));
+}
+
+TEST_F(MappingTest, AModifiedInitiatorIsNotBoundAnew)
+{
+    const auto sentBy = [&](const Words& more) {
+        Words words = {"initiator", "iscsi", "modify", iqn};
+        words.insert(words.end(), more.begin(), more.end());
+        array.clearJournal();
+        expect(0, words);
+        std::string sent;
+        for (const Json::Value& request : array.journal()) {
+            sent += request["method"] == "PUT" ? request["body"].asString() : "";
+        }
+        return sent;
+    };
+    EXPECT_THAT(sentBy({"--name", "new"}), Not(HasSubstr("PARENTID")));
+    EXPECT_THAT(sentBy({"--name", "newer", "--host", host}), HasSubstr("\"PARENTTYPE\":21"));
+}
+
+TEST_F(MappingTest, AnIdThatNobodyHasIsOfTheFormOfTheOneThatIsMissing)
+{
+    const auto asked = [&](const Words& words) {
+        array.clearJournal();
+        expect(4, words);
+        Words paths;
+        for (const Json::Value& request : array.journal()) {
+            const std::string path = request["path"].asString();
+            if (path.find("_initiator/") != std::string::npos || path.find("/lun/") != std::string::npos) {
+                paths.push_back(path.substr(path.rfind('/') + 1));
+            }
+        }
+        EXPECT_EQ(paths.size(), 2U);
+        return paths.back();
+    };
+    EXPECT_EQ(asked({"lun", "show", "77"}), "4294967294");
+    EXPECT_THAT(asked({"initiator", "fc", "show", "2100001405a0fff0"}),
+                ::testing::MatchesRegex("[0-9a-f]{16}"));
+    EXPECT_THAT(asked({"initiator", "iscsi", "show", "iqn.none"}),
+                ::testing::MatchesRegex("iqn.none[0-9a-f]{8}"));
+}
+
 TEST_F(CliTest, ANameCannotSteerTheTerminal)
 {
     Json::Value fault(Json::objectValue);
@@ -156,6 +223,12 @@ TEST_F(CliTest, ANameCannotSteerTheTerminal)
     EXPECT_THAT(text, HasSubstr("a\\x1B[2Jb"));
     EXPECT_THAT(text, HasSubstr("c\\u{202E}d"));
     EXPECT_EQ(cli.json({"hostgroup", "show", "1"}).json()["NAME"].asString(), "a\x1b[2Jb");
+}
+
+TEST_F(CliTest, AnEmptyIdIsToldWithTheOperationThatTakesNone)
+{
+    EXPECT_THAT(expect(1, {"lun", "show", ""}).err,
+                ::testing::StartsWith("tesselctl: lunID is empty! (getLun); see the run log in "));
 }
 
 TEST_F(CliTest, PortsOfEveryKindAreListedAndShown)
@@ -191,6 +264,14 @@ TEST_F(CliTest, ChapIsSetWithSecretsFromFilesAndStaysWhenOnlyTheNameChanges)
     EXPECT_EQ(renamed.json()["NAME"], "new");
     EXPECT_TRUE(renamed.json()["USECHAP"].asBool());
     EXPECT_EQ(renamed.json()["CHAPNAME"], "user");
+
+    for (const std::string option : {"--chap-name", "--mutual-chap-name"}) {
+        const std::string missing =
+            "a new " + option + " needs its " + option.substr(0, option.rfind('-')) + "-secret-file";
+        EXPECT_THAT(expect(2, {"initiator", "iscsi", "modify", iqn, option, "other"}).err,
+                    HasSubstr(missing));
+    }
+    EXPECT_EQ(cli.json({"initiator", "iscsi", "show", iqn}).json()["CHAPNAME"], "user");
 
     const Outcome off = cli.json({"initiator", "iscsi", "modify", iqn, "--chap", "none"});
     ASSERT_EQ(off.exitCode, 0) << off;

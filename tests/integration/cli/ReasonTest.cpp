@@ -313,5 +313,14 @@ TEST_P(Reasons, AreToldByTheCommandLineInOneLine)
     EXPECT_LE(place.accepts(), 1U) << "nothing is connected to a second time";
 }
 
+TEST(FingerprintOfNobody, IsGivenUpInTime)
+{
+    const Place place = fullQueue();
+    const Outcome outcome =
+        Cli().run({"fingerprint", "127.0.0.1:" + std::to_string(place.port), "--connect-timeout", "1"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("Connection timed out; check the address and the port"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Login, Reasons, ::testing::ValuesIn(REASONS),
                          [](const auto& one) { return std::string(one.param.name); });

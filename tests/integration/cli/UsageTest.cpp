@@ -23,6 +23,16 @@ void PrintTo(const Mistake& one, std::ostream* stream)
 class WrongLine : public ::testing::TestWithParam<Mistake>
 {
 protected:
+    /** The words, with a file that holds a secret where one is to stand. */
+    Words words() const
+    {
+        Words words = GetParam().words;
+        std::replace(words.begin(), words.end(), std::string("<SECRET>"),
+                     folder.write("secret", "twelve-bytes\n"));
+        return words;
+    }
+
+    Folder folder;
     Cli cli;
 };
 
@@ -73,6 +83,39 @@ const Mistake MISTAKES[] = {
     {"ChapWithoutSecret",
      {"initiator", "iscsi", "create", "iqn.x", "--chap", "oneway"},
      "--chap-secret-file"},
+    {"ChapWithoutName",
+     {"initiator", "iscsi", "create", "iqn.x", "--chap", "oneway", "--chap-secret-file", "<SECRET>"},
+     "CHAP needs --chap-name"},
+    {"MutualChapWithoutTheTargetsSecret",
+     {"initiator", "iscsi", "create", "iqn.x", "--chap", "mutual", "--chap-name", "n", "--chap-secret-file",
+      "<SECRET>"},
+     "mutual CHAP needs"},
+    {"MutualDiscoveryWithoutTheTargetsSecret",
+     {"initiator", "iscsi", "create", "iqn.x", "--discovery-chap", "mutual", "--chap-name", "n",
+      "--chap-secret-file", "<SECRET>"},
+     "mutual CHAP needs"},
+    {"SecretWithoutChap",
+     {"initiator", "iscsi", "create", "iqn.x", "--chap-secret-file", "<SECRET>"},
+     "a CHAP secret needs --chap"},
+    {"TimeoutOfMoreThanADay", {"ping", "--timeout", "86401"}, "from 1 to 86400"},
+    {"LimitOfMoreThanADay",
+     {"disk", "attach", "lun", "1", "--initiator", "iqn.x", "--find-seconds", "86401"},
+     "from 0 to 86400"},
+    {"SystemThatThereIsNot", {"host", "create", "--name", "a", "--os", "256"}, "from 0 to 255"},
+    {"MoreThanAll",
+     {"lun", "create", "--name", "a", "--pool", "0", "--size", "1G", "--type", "thin", "--usage-threshold",
+      "101"},
+     "from 0 to 100"},
+    {"InitialSizeAboveTheSize",
+     {"lun", "create", "--name", "a", "--pool", "0", "--size", "1G", "--type", "thin", "--initial-size",
+      "2G"},
+     "--initial-size is more than --size"},
+    {"NoColumns", {"lun", "list", "--host", "1", "--columns", ""}, "--columns names no column"},
+    {"HostAndInitiatorToTidy", {"tidy", "--host", "1", "--initiator", "iqn.x"}, "--host does not go with"},
+    {"HostAndInitiatorToExplain",
+     {"explain", "lun", "1", "--host", "1", "--initiator", "iqn.x"},
+     "--host does not go with --initiator"},
+    {"EmptyName", {"lungroup", "create", "--name", ""}, "--name may not be empty"},
     {"NothingToModify", {"initiator", "iscsi", "modify", "iqn.x"}, "nothing is to be changed"},
     {"PictureAsJson", {"topology", "--host", "1", "--format", "svg", "--output", "json"}, "does not go with"},
     {"EveryHostAndOne", {"detach", "lun", "1", "--all-hosts", "--initiator", "iqn.x"}, "--all-hosts"},
@@ -80,7 +123,7 @@ const Mistake MISTAKES[] = {
 
 TEST_P(WrongLine, EndsWithCode2AndOneLineThatSaysWhatIsWrong)
 {
-    const Outcome text = cli.run(GetParam().words);
+    const Outcome text = cli.run(words());
     EXPECT_EQ(text.exitCode, 2) << text;
     EXPECT_EQ(text.out, "");
     EXPECT_THAT(text.err, HasSubstr(GetParam().message));
@@ -90,13 +133,13 @@ TEST_P(WrongLine, EndsWithCode2AndOneLineThatSaysWhatIsWrong)
 
 TEST_P(WrongLine, IsAJsonObjectWhereJsonIsAskedFor)
 {
-    const Words& words = GetParam().words;
-    const auto form = std::find(words.begin(), words.end(), "--output");
-    if (form != words.end() && *(form + 1) != "json") {
-        EXPECT_EQ(cli.run(words).err.rfind("tesselctl: ", 0), 0U) << "no form, so the error is text";
+    const Words line = words();
+    const auto form = std::find(line.begin(), line.end(), "--output");
+    if (form != line.end() && *(form + 1) != "json") {
+        EXPECT_EQ(cli.run(line).err.rfind("tesselctl: ", 0), 0U) << "no form, so the error is text";
         return;
     }
-    const Outcome json = form == words.end() ? cli.json(words) : cli.run(words);
+    const Outcome json = form == line.end() ? cli.json(line) : cli.run(line);
     EXPECT_EQ(json.exitCode, 2) << json;
     const Json::Value error = json.errorJson()["error"];
     EXPECT_EQ(error["exitCode"].asInt(), 2);

@@ -160,6 +160,8 @@ TEST(Picture, cutsBetweenCharacters)
         name += "\xC3\xA4";
     }
     graph.add({Layer::HOST, "host", "1", name});
+    graph.add({Layer::HOST, "host", "2", name + "z"});
+    EXPECT_THAT(drawSvg(graph), HasSubstr("\xC3\xA4\u2026\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4z<"));
     EXPECT_THAT(drawSvg(graph), HasSubstr(">\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4\u2026\xC3\xA4\xC3\xA4"
                                           "\xC3\xA4\xC3\xA4\xC3\xA4\xC3\xA4<"));
 }

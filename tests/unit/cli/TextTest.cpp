@@ -52,6 +52,7 @@ TEST(Text, ofJsonHasEscapesForWhatSteers)
 TEST(Text, withoutUtf8IsAscii)
 {
     EXPECT_EQ(inLocale("a\x7F\xC3\xA4\xF0\x9F\x92\xBE"), "a\x7F\\u{E4}\\u{1F4BE}");
+    EXPECT_EQ(inLocale("\xC2\x80"), "\\u{80}");
     const Locale locale("C.UTF-8");
     ASSERT_TRUE(locale.isThere());
     EXPECT_EQ(inLocale("a\xC3\xA4"), "a\xC3\xA4");
