@@ -5,6 +5,8 @@
 #include "model/Record.h"
 #include "types/Common.h"
 
+#include <utility>
+
 namespace fs = std::filesystem;
 
 namespace arraysim {
@@ -96,9 +98,7 @@ void IscsiExport::linkChanges(const ObjectKey& owner, const ObjectKey& member)
 
 void IscsiExport::committed()
 {
-    const std::set<ObjectKey> touched = std::move(m_touched);
-    m_touched.clear();
-    for (const ObjectKey& disk : touched) {
+    for (const ObjectKey& disk : std::exchange(m_touched, {})) {
         cameOrWent(disk);
     }
 }

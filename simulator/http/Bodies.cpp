@@ -18,9 +18,6 @@ BodyRead readBody(const httplib::ContentReader& reader, std::string& body)
         }
         return size <= LARGEST_DRAINED;
     });
-    if (size > LARGEST_BODY) {
-        body.clear();
-    }
     if (!whole) {
         return BodyRead::BROKEN;
     }

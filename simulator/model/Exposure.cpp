@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace arraysim {
 namespace {
@@ -87,8 +88,7 @@ void ExposureWatch::linkChanges(const ObjectKey& owner, const ObjectKey& member)
 
 void ExposureWatch::committed()
 {
-    const auto before = std::move(m_before);
-    m_before.clear();
+    const auto before = std::exchange(m_before, {});
     for (const auto& [lun, saw] : before) {
         const std::set<ObjectKey> sees = exposedInitiators(m_world, lun);
         for (const auto& initiator : saw) {

@@ -33,7 +33,7 @@ std::string number(const Field& field, const Json::Value& member)
 
 std::string text(const Field& field, const Json::Value& member)
 {
-    static constexpr unsigned long long LONGEST = 255;
+    constexpr unsigned long long LONGEST = 255;
     if (!member.isString()) {
         invalid(field, "must be a text");
     }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 
 namespace arraysim {
 namespace {
@@ -30,8 +31,7 @@ ListName listName(Type type, const ObjectKey& of)
 
 World::Lock::~Lock()
 {
-    const auto works = std::move(m_world.m_afterwards);
-    m_world.m_afterwards.clear();
+    const auto works = std::exchange(m_world.m_afterwards, {});
     m_held.unlock();
     for (const auto& work : works) {
         work();

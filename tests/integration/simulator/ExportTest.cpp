@@ -333,6 +333,71 @@ TEST_F(SimulatorExport, TheArrayAnswersWhileASnapshotIsCopied)
     EXPECT_EQ(made.get(), "1");
 }
 
+TEST_F(SimulatorExport, ASnapshotThatIsShownWhileItIsCopiedIsSeenOnceItIsWhole)
+{
+    Shown array(config, root / "state");
+    const std::string group = array.groupFor(HOST_A);
+    const std::string lun = array.lun("one");
+    array.link(Type::LUN_GROUP, group, Type::LUN, lun);
+    std::promise<void> gate;
+    const auto made = std::async(std::launch::async, [&] {
+        const auto lock = array.world.lock();
+        array.world.afterwards([&] { gate.get_future().wait(); }); // before the copy, which is begun by then
+        createObject(array.world, objectType(Type::SNAPSHOT), parseBody(R"({"PARENTID":"1","NAME":"copy"})"),
+                     {});
+    });
+    const auto until = [&](const std::function<bool()>& isSo) {
+        for (bool isOver = false; !isOver; std::this_thread::yield()) {
+            const auto lock = array.world.lock();
+            isOver = isSo();
+        }
+    };
+    until([&] { return array.world.find(Type::SNAPSHOT, "1") != nullptr; });
+    const auto shown =
+        std::async(std::launch::async, [&] { array.link(Type::LUN_GROUP, group, Type::SNAPSHOT, "1"); });
+    until([&] { return !array.world.linked({Type::SNAPSHOT, "1"}, Type::LUN_GROUP).empty(); });
+    gate.set_value();
+    shown.wait();
+    EXPECT_THAT(config.seenBy(HOST_A), testing::Contains(array.storeOf("snapshot_1")));
+}
+
+TEST_F(SimulatorExport, ALunThatHasGrownIsShownInItsNewSize)
+{
+    Shown array(config, root / "state");
+    const std::string group = array.groupFor(HOST_A);
+    const std::string lun = array.lun("one");
+    array.link(Type::LUN_GROUP, group, Type::LUN, lun);
+    put(array.file("lun_1"), 4096, "data");
+    array.unlink(Type::LUN_GROUP, group, Type::LUN, lun);
+    {
+        const auto lock = array.world.lock();
+        adjustObject(array.world, objectType(Type::LUN), lun, parseBody(R"({"CAPACITY":4096})"));
+    }
+    array.link(Type::LUN_GROUP, group, Type::LUN, lun);
+    EXPECT_EQ(fs::file_size(array.file("lun_1")), 2U << 20);
+    EXPECT_EQ(get(array.file("lun_1"), 4096, 4), "data");
+}
+
+TEST_F(SimulatorExport, ACopyForASnapshotThatIsGoneIsNotTakenForTheNextOfItsId)
+{
+    DiskFiles files(root / "disks", [](const std::string&) { return false; });
+    const ObjectKey lun(Type::LUN, "1");
+    const ObjectKey snapshot(Type::SNAPSHOT, "1");
+    const auto copy = [&] {
+        return files.beginCopy(lun, snapshot, 6, [](const std::string& why) { ADD_FAILURE() << why; });
+    };
+    const auto first = copy();
+    files.discard(snapshot)();
+    const auto second = copy();
+    std::ofstream(files.fileOf(lun)) << "before";
+    first();
+    EXPECT_FALSE(fs::exists(files.fileOf(snapshot)));
+    std::ofstream(files.fileOf(lun)) << "behind";
+    second();
+    EXPECT_EQ(contents(files.fileOf(snapshot)), "behind");
+    files.awaitCopy(snapshot);
+}
+
 TEST_F(SimulatorExport, ANewDiskTakesNothingOverFromOneThatHadItsId)
 {
     Shown array(config, root / "state");

@@ -32,7 +32,10 @@ TEST_F(SimulatorExposure, WhatInitiatorsBeginAndCeaseToSeeIsLoggedOnceKept)
     for (const auto& lun : luns) {
         EXPECT_THAT(array.log(), HasSubstr(line("exposed", lun)));
     }
-    EXPECT_EQ(array.control("GET", "/exposures").size(), 2U);
+    const Json::Value exposures = array.control("GET", "/exposures");
+    ASSERT_EQ(exposures.size(), 2U);
+    EXPECT_EQ(exposures[0]["type"], 11);
+    EXPECT_EQ(exposures[0]["id"].asString(), luns[0]);
 
     const std::string later = lun("later");
     associate("POST", "/lungroup/associate", group, 11, later);

@@ -79,6 +79,19 @@ TEST_F(SimulatorFault, InvalidJsonAndFreeAnswersArriveWhole)
     EXPECT_EQ(free.text, "<html>");
 }
 
+TEST_F(SimulatorFault, AnErrorHasTheStatusAndTheDescriptionAskedFor)
+{
+    array.addFault(R"({"action":"error","code":77,"status":503,"description":"closed today"})");
+    const Reply closed = client.get("/lun");
+    EXPECT_EQ(closed.status, 503);
+    EXPECT_EQ(closed.description(), "closed today");
+    array.addFault(R"({"action":"error"})");
+    const Reply usual = client.get("/lun");
+    EXPECT_EQ(usual.status, 200);
+    EXPECT_EQ(usual.code(), 1);
+    EXPECT_EQ(usual.description(), "injected fault");
+}
+
 TEST_F(SimulatorFault, ADroppedSessionRefusesTheRequestAndThoseAfterIt)
 {
     array.addFault(R"({"path":"/lun*","action":"dropSession"})");
@@ -238,6 +251,28 @@ TEST(SimulatorLoad, AnArrayCanBeBusyAndSlowFromItsStart)
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
     array.clearFaults();
     EXPECT_EQ(client.login().code(), 0);
+}
+
+TEST(SimulatorLoad, TheBusyRequestsAreThoseOfTheirSeed)
+{
+    const auto answered = [](const tessel_test::ArraySim& array) {
+        ArrayClient client(array);
+        std::vector<int> codes;
+        for (int i = 0; i < 40; ++i) {
+            codes.push_back(client.get("/lun").code());
+        }
+        return codes;
+    };
+    const auto busyFrom = [&](const char* seed) {
+        tessel_test::ArraySimOptions options;
+        options.arguments = {"--busy", "50", "--busy-seed", seed};
+        return answered(tessel_test::ArraySim(options));
+    };
+    const tessel_test::ArraySim other;
+    other.addFault(R"({"action":"error","code":1077949001,"share":50,"seed":7,"count":0})");
+    const std::vector<int> drawn = answered(other);
+    EXPECT_EQ(busyFrom("7"), drawn);
+    EXPECT_NE(busyFrom("8"), drawn);
 }
 
 TEST(SimulatorCodes, ThoseOfItsOwnCanBeOthers)

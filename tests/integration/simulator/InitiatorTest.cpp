@@ -144,6 +144,15 @@ TEST_F(SimulatorInitiator, NamesMustBeInitiatorNames)
             << id;
     }
     EXPECT_EQ(client.post("/iscsi_initiator", R"({"NAME":"n"})").code(), code::MEMBER_MISSING);
+    const auto makeOf = [&](std::size_t size) {
+        return client.post("/iscsi_initiator", R"({"ID":")" + ("iqn." + std::string(size - 4, 'x')) + R"("})")
+            .code();
+    };
+    EXPECT_EQ(makeOf(5), 0);
+    EXPECT_EQ(makeOf(223), 0);
+    EXPECT_EQ(makeOf(224), code::MEMBER_INVALID);
+    EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":"iqn.a+b"})").code(), 0);
+    EXPECT_EQ(client.get("/iscsi_initiator/iqn.a+b").data()["ID"], "iqn.a+b") << "a blank in a query alone";
     EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":"iqn.a/b%2F?x"})").code(), 0);
     EXPECT_EQ(client.get("/iscsi_initiator/iqn.a%2Fb%252F%3Fx").data()["ID"], "iqn.a/b%2F?x");
     EXPECT_EQ(client.post("/iscsi_initiator", R"({"ID":"iqn.a/b%2F?x"})").code(), code::ID_TAKEN);
@@ -152,7 +161,10 @@ TEST_F(SimulatorInitiator, NamesMustBeInitiatorNames)
 TEST_F(SimulatorInitiator, FcInitiatorsAreNamedByTheirWwpnAndBoundLikeIscsiOnes)
 {
     const std::string owner = host("h");
-    EXPECT_EQ(client.post("/fc_initiator", R"({"ID":"21000024ff0000"})").code(), code::MEMBER_INVALID);
+    for (const std::string id : {"21000024ff0000", "21000024ff00000g", "21000024ff00000011"}) {
+        EXPECT_EQ(client.post("/fc_initiator", R"({"ID":")" + id + R"("})").code(), code::MEMBER_INVALID)
+            << id;
+    }
     const Reply made = client.post("/fc_initiator", R"({"ID":"21000024ff000001","PARENTID":")" + owner +
                                                         R"(","PARENTTYPE":21,"NAME":"fc"})");
     ASSERT_EQ(made.code(), 0) << made.text;

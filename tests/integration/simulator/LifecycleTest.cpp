@@ -260,7 +260,9 @@ TEST(SimulatorCommand, BadOptionsEndWithAMessage)
     EXPECT_NE(run("--nonsense").status, 0);
     EXPECT_THAT(run("--port 70000").output, HasSubstr("70000"));
     EXPECT_THAT(run("--state-dir /proc/none/such").output, HasSubstr("cannot make the state directory"));
-    EXPECT_THAT(run("--company-id XYZ").output, HasSubstr("hexadecimal"));
+    for (const std::string id : {"XYZ", "00140", "0014055", "00140A"}) {
+        EXPECT_THAT(run("--company-id " + id).output, HasSubstr("hexadecimal")) << id;
+    }
 }
 
 TEST(SimulatorCommand, EveryErrorCodeIsInTheDocumentation)

@@ -85,6 +85,37 @@ TEST_F(SimulatorLimit, AnEndlessHeadEndsTheConnection)
     EXPECT_EQ(client.get("/lun").code(), 0);
 }
 
+/** Sends a head of so many bytes. @return whether anything was answered */
+bool answersHeadOf(const tessel_test::ArraySim& array, std::size_t size)
+{
+    tessel_test::TlsConnection connection(array);
+    std::string head = "GET / HTTP/1.1\r\nHost: x\r\n";
+    while (head.size() < size) {
+        head += "X: " + std::string(4000, 'x') + "\r\n";
+    }
+    return connection.send(head + "\r\n") && connection.receive();
+}
+
+TEST_F(SimulatorLimit, AHeadHasAQuarterOfAMebibyte)
+{
+    EXPECT_TRUE(answersHeadOf(array, 200 * 1024));
+    EXPECT_FALSE(answersHeadOf(array, 400 * 1024));
+    const std::string filter = "/hostgroup?filter=NAME:" + std::string(7000, 'n');
+    for (int i = 0; i < 50; ++i) { // more than that, but not at once
+        ASSERT_EQ(client.get(filter).code(), 0) << i;
+    }
+    EXPECT_EQ(array.counters()["connections"].asUInt(), 3U);
+}
+
+TEST_F(SimulatorLimit, ABodyOfAMebibyteIsTaken)
+{
+    const std::string head = R"({"NAME":"n","DESCRIPTION":")";
+    const std::string body = head + std::string(MIB - head.size() - 2, 'x') + R"("})";
+    EXPECT_EQ(client.post("/hostgroup", body).code(), code::MEMBER_INVALID) << "read, and too long a text";
+    EXPECT_EQ(sendChunked(array, client, body), 200);
+    EXPECT_EQ(sendChunked(array, client, body + " "), 413);
+}
+
 TEST_F(SimulatorLimit, ABodyWhereNoneBelongsIsNeitherReadNorTakenForARequest)
 {
     const unsigned long before = array.journal().size();
@@ -154,6 +185,7 @@ TEST_F(SimulatorControl, PagesOfOthersAreRefused)
     EXPECT_EQ(status({{"Origin", "http://elsewhere.example"}}, "{}"), 403);
     EXPECT_EQ(status({{"Origin", "null"}}, "{}"), 403);
     EXPECT_EQ(status({{"Origin", "https://" + own}}, "{}"), 403);
+    EXPECT_EQ(status({{"Origin", "file://" + own}}, "{}"), 403) << "as long as that of a page of its own";
     EXPECT_EQ(status({{"Host", "elsewhere.example:" + std::to_string(array.controlPort())}}), 403)
         << "a name of theirs that resolves to this address";
     EXPECT_EQ(client.get("/lun").code(), 0) << "nothing was reset";

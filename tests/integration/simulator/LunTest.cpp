@@ -72,6 +72,11 @@ TEST_F(SimulatorLun, AThinLunTakesOnlyItsInitialAllocationFromThePool)
     EXPECT_EQ(free(), before - 1024);
     EXPECT_EQ(client.del("/lun/" + thin.data()["ID"].asString()).code(), 0);
     EXPECT_EQ(free(), before);
+    EXPECT_EQ(client
+                  .post("/lun", R"({"NAME":"all","PARENTID":"2","CAPACITY":8,"ALLOCTYPE":1,
+        "INITIALALLOCCAPACITY":8})")
+                  .data()["ALLOCCAPACITY"],
+              "8");
 }
 
 TEST_F(SimulatorLun, ALunAboveThePoolsFreeCapacityIsRefusedInWords)
@@ -94,6 +99,7 @@ TEST_F(SimulatorLun, BadMembersAreRefusedAndLeaveNothingBehind)
     EXPECT_EQ(createWith(R"("DESCRIPTION":"no capacity")").code(), code::MEMBER_MISSING);
     EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":2)").code(), code::MEMBER_INVALID);
     EXPECT_EQ(createWith(R"("CAPACITY":1,"INITIALALLOCCAPACITY":1)").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(createWith(R"("CAPACITY":1,"THINCAPACITYUSAGE":1)").code(), code::MEMBER_INVALID);
     EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":1,"INITIALALLOCCAPACITY":2)").code(),
               code::MEMBER_INVALID);
     EXPECT_EQ(createWith(R"("CAPACITY":1,"ALLOCTYPE":1,"THINCAPACITYUSAGE":101)").code(),

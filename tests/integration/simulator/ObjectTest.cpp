@@ -35,6 +35,15 @@ TEST_F(SimulatorObject, NamesAreUniqueWithinOneType)
     EXPECT_EQ(client.post("/lungroup/", R"({"NAME":"other"})").code(), 0);
 }
 
+TEST_F(SimulatorObject, AnIdIsNotChanged)
+{
+    const std::string id = named("/lungroup/", "g");
+    EXPECT_EQ(client.put("/lungroup/" + id, R"({"ID":"7","DESCRIPTION":"d"})").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(client.put("/lungroup/" + id, R"({"ID":")" + id + R"(","DESCRIPTION":"d"})").code(), 0);
+    EXPECT_EQ(client.get("/lungroup/" + id).data()["DESCRIPTION"], "d");
+    EXPECT_EQ(client.get("/lungroup/7").code(), code::OBJECT_MISSING);
+}
+
 TEST_F(SimulatorObject, NamesAreNonEmptyUtf8OfBoundedLength)
 {
     const auto create = [&](const std::string& name) {

@@ -68,6 +68,7 @@ TEST_F(SimulatorQuery, ARangeTakesItsFirstAndLeavesOutItsLast)
     EXPECT_THAT(query("", "&range=%5B2-100%5D").ids(), ElementsAre("3"));
     EXPECT_THAT(query("", "&range=[3-4]").ids(), IsEmpty());
     EXPECT_THAT(query("", "&range=[1-1]").ids(), IsEmpty());
+    EXPECT_EQ(query("", "&range=[1-1]").code(), 0);
     EXPECT_FALSE(query("", "&range=[3-4]").json.isMember("data"));
     EXPECT_THAT(query("filter=ALLOCTYPE:0&", "&range=[1-2]").ids(), ElementsAre("2"));
 }
@@ -85,6 +86,10 @@ TEST_F(SimulatorQuery, MalformedQueriesAreRefused)
         EXPECT_EQ(query("", "&range=" + range).code(), code::QUERY_MALFORMED) << range;
     }
     EXPECT_EQ(client.get("/lun/1?x=1").code(), code::QUERY_MALFORMED);
+    EXPECT_EQ(client.get("/lun?TYPE=12").code(), code::MEMBER_INVALID);
+    EXPECT_EQ(client.get("/lun/associate?ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=1").code(),
+              code::ASSOCIATION_UNSUPPORTED)
+        << "of a LUN with a LUN";
     EXPECT_EQ(client.get("/lun/associate?TYPE=12&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + group).code(),
               code::MEMBER_INVALID);
     EXPECT_EQ(client.get("/lun/associate?TYPE=11").code(), code::MEMBER_MISSING);
@@ -106,6 +111,8 @@ TEST_F(SimulatorQuery, CountsAreDecimalTexts)
               "0");
     EXPECT_EQ(client.get("/lun/count").data()["COUNT"], "4");
     EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=99").code(), code::OBJECT_MISSING);
+    EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJTYPE=256").code(), code::MEMBER_MISSING);
+    EXPECT_EQ(client.get("/lun/count?ASSOCIATEOBJID=" + group).code(), code::MEMBER_MISSING);
 }
 
 TEST_F(SimulatorQuery, PagesOfALargeGroupFollowItsChanges)

@@ -107,6 +107,9 @@ TEST(SimulatorRun, ACommandThatCannotRunIsTold)
     EXPECT_EQ(Program({TESSEL_ARRAYSIM, "--run", "/"}).wait(), 126);
     Program noArray({TESSEL_ARRAYSIM, "--state-dir", "/proc/none/such", "--run", "true"});
     EXPECT_EQ(noArray.wait(), 125);
+    Program both({TESSEL_ARRAYSIM, "--stop-on-stdin-eof", "--run", "true"});
+    EXPECT_THAT(both.read(), HasSubstr("leaves the standard input to the command"));
+    EXPECT_NE(both.wait(), 0);
     Program none({TESSEL_ARRAYSIM, "--run"});
     EXPECT_THAT(none.read(), HasSubstr("needs a command"));
     EXPECT_NE(none.wait(), 0);

@@ -63,6 +63,18 @@ TEST_F(SimulatorSecret, LeavesTheRestToBeRead)
     EXPECT_EQ(journal[2]["path"], "/lun?filter=NAME:a%20b&range=[0-5]");
 }
 
+TEST(SimulatorShortSecret, OfFourCharactersIsASecretAndOfThreeAWord)
+{
+    for (const std::string password : {"a1B2", "a1B"}) {
+        tessel_test::ArraySimOptions options;
+        options.password = password;
+        const tessel_test::ArraySim array(options);
+        ArrayClient client(array);
+        client.raw("GET", "/deviceManager/rest/x/lun/" + password, "");
+        EXPECT_EQ(array.journal()[0]["path"].asString(), password.size() == 4 ? "***" : "/lun/" + password);
+    }
+}
+
 TEST_F(SimulatorSecret, LongBodiesAreCutInTheJournal)
 {
     client.post("/lun", R"({"NAME":")" + std::string(10000, 'n') + R"("})");

@@ -54,7 +54,9 @@ TEST_F(SimulatorSession, DeviceTokenAndCookieMustAllBelongToTheSession)
         EXPECT_FALSE(reply.description().empty());
         return reply.code() == code::SESSION_INVALID;
     };
-    EXPECT_EQ(client.get("/server/logininfo").code(), 0);
+    const Json::Value info = client.get("/server/logininfo").data();
+    EXPECT_EQ(info["deviceid"].asString(), array.deviceId());
+    EXPECT_EQ(info["username"], "admin");
     for (std::string* part : {&client.deviceId, &client.token, &client.cookie}) {
         const std::string good = *part;
         part->back() = part->back() == '0' ? '1' : '0';
@@ -128,6 +130,7 @@ TEST_F(SimulatorSession, SessionsHaveNoOtherMethods)
 {
     EXPECT_EQ(client.get("/sessions").code(), code::METHOD_UNSUPPORTED);
     EXPECT_EQ(client.raw("GET", "/deviceManager/rest", "").code(), code::RESOURCE_UNKNOWN);
+    EXPECT_EQ(client.raw("GET", "/deviceManager/rest/x", "").code(), code::RESOURCE_UNKNOWN);
     EXPECT_EQ(client.raw("GET", "/", "").code(), code::RESOURCE_UNKNOWN);
     EXPECT_EQ(client.request("PATCH", "/lun").code(), code::METHOD_UNSUPPORTED);
 }

@@ -94,6 +94,55 @@ TEST_F(SimulatorWatch, TheJournalHoldsRequestsAsSentWithoutSecrets)
     EXPECT_THAT(everything, Not(HasSubstr(client.cookie)));
 }
 
+TEST_F(SimulatorWatch, TheJournalIsReadFromANumberOn)
+{
+    array.clearJournal();
+    client.get("/lun");
+    client.get("/host");
+    const Json::Value all = array.journal();
+    ASSERT_EQ(all.size(), 2U);
+    const auto since = [&](const Json::Value& entry) {
+        return array.control("GET", "/journal?since=" + entry["number"].asString());
+    };
+    ASSERT_EQ(since(all[0]).size(), 1U);
+    EXPECT_EQ(since(all[0])[0]["path"], "/host");
+    EXPECT_TRUE(since(all[1]).empty());
+}
+
+TEST_F(SimulatorWatch, AJournalBeginsWithTheFirstRequest)
+{
+    const Json::Value all = array.journal();
+    ASSERT_FALSE(all.empty());
+    EXPECT_EQ(all[0]["number"].asUInt(), 1U);
+    EXPECT_EQ(all[0]["path"], "/sessions");
+}
+
+TEST_F(SimulatorWatch, TheLogNamesTheFaultThatStruck)
+{
+    array.addFault(R"({"path":"/host","action":"error","code":5})");
+    client.get("/lun");
+    client.get("/host");
+    EXPECT_THAT(array.log(), HasSubstr("GET /host status=200 code=5 fault=1 "));
+    EXPECT_THAT(array.log(), Not(HasSubstr("fault=0")));
+    EXPECT_THAT(array.log(), testing::ContainsRegex("GET /lun status=200 code=0 [0-9.]+ms"));
+}
+
+TEST_F(SimulatorWatch, ACookieInPlaceOfATypeIsNotShown)
+{
+    array.clearJournal();
+    client.raw("GET", "/deviceManager/rest/x/lun", "",
+               {{"Content-Type", client.cookie.substr(client.cookie.find('=') + 1)}});
+    EXPECT_EQ(array.journal()[0]["contentType"], "");
+}
+
+TEST_F(SimulatorWatch, AStrangersBodyIsToldByItsSizeAlone)
+{
+    array.clearJournal();
+    client.token = "none";
+    client.post("/lun", R"({"NAME":"z"})");
+    EXPECT_EQ(array.journal()[0]["body"], "<12 bytes>");
+}
+
 TEST_F(SimulatorWatch, ResetPutsTheFactoryStateBack)
 {
     const std::string group = named("/lungroup/", "g");
@@ -135,10 +184,35 @@ TEST_F(SimulatorWatch, StatesAndSizesCanBeSet)
     EXPECT_EQ(client.get("/storagepool/0").data()["FREECAPACITY"], "0") << "less than is allocated";
     EXPECT_EQ(client.post("/lun", R"({"NAME":"b","PARENTID":"0","CAPACITY":1})").code(),
               code::CAPACITY_SHORT);
+    Json::Value wwn;
+    wwn["WWN"] = "6";
+    EXPECT_THROW(array.control("PUT", "/state/lun/1", wwn), std::runtime_error) << "it follows from the ID";
     EXPECT_THROW(set("/lun/1", "WWN", 1), std::runtime_error);
+    EXPECT_THROW(set("/storagepool/0", "FREECAPACITY", 5), std::runtime_error) << "it follows from the LUNs";
     EXPECT_THROW(set("/lun/1", "NAME", 1), std::runtime_error);
     EXPECT_THROW(set("/lun/9", "HEALTHSTATUS", 1), std::runtime_error);
     EXPECT_THROW(set("/luns/1", "HEALTHSTATUS", 1), std::runtime_error);
+}
+
+TEST_F(SimulatorWatch, LunsMadeAtOnceHaveAMebibyteUnlessAskedForOtherwise)
+{
+    const std::string id = array.bulkLuns(1)[0];
+    EXPECT_EQ(client.get("/lun/" + id).data()["CAPACITY"], "2048");
+    EXPECT_EQ(client.get("/lun/" + id).data()["NAME"].asString(), "bulk_" + id);
+    EXPECT_EQ(client.get("/lun/" + id).data()["ISADD2LUNGROUP"], "false");
+    Json::Value wanted;
+    wanted["count"] = 1;
+    wanted["sectors"] = 4096;
+    const Json::Value made = array.control("POST", "/bulk/luns", wanted)["ids"];
+    EXPECT_EQ(client.get("/lun/" + made[0].asString()).data()["CAPACITY"], "4096");
+}
+
+TEST_F(SimulatorWatch, ARefusalIsOneForControlTooByItsStatus)
+{
+    httplib::Client control("127.0.0.1", static_cast<int>(array.controlPort()));
+    EXPECT_EQ(control.Get("/objects/lun")->status, 200);
+    EXPECT_EQ(control.Get("/objects/lun/99")->status, 400);
+    EXPECT_EQ(control.Delete("/faults/99")->status, 400);
 }
 
 TEST_F(SimulatorWatch, PoolsCanBeAdded)
@@ -146,6 +220,12 @@ TEST_F(SimulatorWatch, PoolsCanBeAdded)
     Json::Value wanted;
     wanted["NAME"] = "further";
     wanted["TOTALCAPACITY"] = 10;
+    for (const char* refused :
+         {R"({"NAME":"p"})", R"({"NAME":"p","TOTALCAPACITY":-1})", R"({"TOTALCAPACITY":1})"}) {
+        Json::Value body;
+        std::istringstream(refused) >> body;
+        EXPECT_THROW(array.control("POST", "/pools", body), std::runtime_error) << refused;
+    }
     const std::string pool = array.control("POST", "/pools", wanted)["ID"].asString();
     EXPECT_EQ(pool, "3");
     EXPECT_EQ(client.post("/lun", R"({"NAME":"b","PARENTID":"3","CAPACITY":11})").code(),
