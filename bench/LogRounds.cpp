@@ -1,4 +1,4 @@
-// A line of the logs beside one of spdlog's file sink that is flushed.
+// A line of the logs beside the same text in one of spdlog's file sink that is flushed.
 
 #include "Folder.h"
 #include "Rounds.h"
@@ -32,8 +32,13 @@ void bench::logRows(bool isShort)
     LogInit(PRODUCT, (folder.path() + "/none.ini").c_str(), &level, (folder.path() + "/logs/").c_str());
     const auto sink = spdlog::basic_logger_mt("beside", folder.path() + "/beside.log");
     sink->flush_on(spdlog::level::info);
-    const auto line = [&] { sink->info("{}|enter getLun successfully!", PRODUCT); };
-    const auto record = [&] { sink->info("{}|1||getLun||||{}|{}|0|", PRODUCT, BEGIN, END); };
+    const auto line = [&] { sink->info("{} enter getLun successfully!", PRODUCT); };
+    const auto record = [&] {
+        sink->info(
+            R"(product="{}" type="1" protocol="" operation="getLun" source="" target="" transaction="" )"
+            R"(start="{}" end="{}" result="0" extension="")",
+            PRODUCT, BEGIN, END);
+    };
 
     const unsigned lines = isShort ? 2000 : 10000;
     const auto repeated = [lines](const std::function<void()>& one) {

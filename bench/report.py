@@ -5,9 +5,11 @@ usage: report.py [--json FILE] [--svg DIRECTORY] < ROWS
 import argparse
 import json
 import math
+import os
 import sys
 
-WIDTH, HEIGHT, LEFT, TOP, BOTTOM = 640, 320, 56, 24, 48
+WIDTH, HEIGHT, LEFT, RIGHT, BOTTOM, LINE = 640, 320, 56, 24, 48, 16
+STEPS = (0.25, 0.5, 1, 2, 5, 10, 20, 50)
 COLOURS = ("#1f5fa8", "#b5451f", "#2f7d32")
 
 
@@ -35,21 +37,23 @@ def print_table(rows):
 def svg(what, curves):
     """Curves over the number of something, both in one drawing; the number's axis is logarithmic."""
     numbers = sorted({number for points in curves.values() for number, _ in points})
-    top = max(1.0, max(value for points in curves.values() for _, value in points)) * 1.1
+    most = max(1.0, max(value for points in curves.values() for _, value in points))
+    step = next((step for step in STEPS if most <= 6 * step), most)
+    count = math.ceil(most / step)
+    head = LINE * (len(curves) + 1)
     span = math.log(numbers[-1] / numbers[0]) or 1
 
     def x(number):
-        return LEFT + (WIDTH - LEFT - 24) * math.log(number / numbers[0]) / span
+        return LEFT + (WIDTH - LEFT - RIGHT) * math.log(number / numbers[0]) / span
 
     def y(value):
-        return HEIGHT - BOTTOM - (HEIGHT - TOP - BOTTOM) * value / top
+        return HEIGHT - BOTTOM - (HEIGHT - head - BOTTOM) * value / (count * step)
 
     lines = ['<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 %d %d" font-family="sans-serif" font-size="12">'
              % (WIDTH, HEIGHT), '<rect width="100%" height="100%" fill="white"/>']
-    for step in range(6):
-        value = top / 5 * step
-        lines.append('<path d="M%d %.1fH%d" stroke="#ddd"/>' % (LEFT, y(value), WIDTH - 24))
-        lines.append('<text x="%d" y="%.1f" text-anchor="end">%.2f</text>' % (LEFT - 6, y(value) + 4, value))
+    for value in (step * i for i in range(count + 1)):
+        lines.append('<path d="M%d %.1fH%d" stroke="#ddd"/>' % (LEFT, y(value), WIDTH - RIGHT))
+        lines.append('<text x="%d" y="%.1f" text-anchor="end">%g</text>' % (LEFT - 6, y(value) + 4, value))
     for number in numbers:
         lines.append('<text x="%.1f" y="%d" text-anchor="middle">%d</text>' % (x(number), HEIGHT - BOTTOM + 16, number))
     lines.append('<text x="%d" y="%d" text-anchor="middle">%s</text>' % ((LEFT + WIDTH) // 2, HEIGHT - 8, what))
@@ -57,7 +61,9 @@ def svg(what, curves):
         colour = COLOURS[index % len(COLOURS)]
         path = " ".join("%.1f,%.1f" % (x(number), y(value)) for number, value in sorted(points))
         lines.append('<polyline points="%s" fill="none" stroke="%s" stroke-width="2"/>' % (path, colour))
-        lines.append('<text x="%d" y="%d" fill="%s">%s</text>' % (LEFT + 8, TOP + 4 + 16 * index, colour, name))
+        lines.extend('<circle cx="%.1f" cy="%.1f" r="3" fill="%s"/>' % (x(number), y(value), colour)
+                     for number, value in points)
+        lines.append('<text x="%d" y="%d" fill="%s">%s</text>' % (LEFT, LINE * (index + 1), colour, name))
     return "\n".join(lines + ["</svg>", ""])
 
 
@@ -75,12 +81,14 @@ def main():
         with open(options.json, "w", encoding="utf-8") as file:
             json.dump(told, file, indent=1)
             file.write("\n")
+    if options.svg:
+        os.makedirs(options.svg, exist_ok=True)
     drawings = {}
     for item in told:
         if "curve" in item:
             drawings.setdefault(item["of"], {}).setdefault(item["curve"], []).append((item["number"], item["value"]))
     for what, curves in drawings.items() if options.svg else ():
-        with open("%s/%s.svg" % (options.svg, what), "w", encoding="utf-8") as file:
+        with open("%s/cost-by-%s.svg" % (options.svg, what), "w", encoding="utf-8") as file:
             file.write(svg(what, curves))
 
 
