@@ -12,7 +12,7 @@ from mutants import MOST
 SLOWEST = 60.0  # a test that takes longer is left out
 LEAST_LIMIT = float(os.environ.get("MUTATE_LIMIT", "20"))  # of a test with a mutant
 TIMES = 10  # that a test may take of its own time with a mutant
-MOST_SECONDS = 60.0  # of tests, those that reach the fewest mutants first; who is not seen by then has survived
+MOST_SECONDS = 60.0  # of tests, those first that reach its file and little else; who is not seen by then has survived
 
 
 def _end(process, folder, mutant):
@@ -69,10 +69,11 @@ def measure(test):
     return state
 
 
-def judge(mutant, tests):
-    """("killed" or "hung", the test that saw it) or ("survived" or "not reached", None)."""
+def judge(mutant, tests, neighbours):
+    """("killed" or "hung", the test that saw it) or ("survived" or "not reached", None). The neighbours are the numbers
+    of the mutants of its file: one in a constant is reached by every test."""
     seeing = sorted((test for test in tests if mutant.number in test.reached),
-                    key=lambda test: (test.seconds > 2, len(test.reached), test.seconds))
+                    key=lambda test: (test.seconds > 2, -len(neighbours & set(test.reached)) / len(test.reached), test.seconds))
     end = time.monotonic() + MOST_SECONDS
     for test in seeing:
         if time.monotonic() > end:

@@ -118,7 +118,8 @@ def _look_at_constants(source, mutants):
         begin = mutant.place[0]
         for match in re.finditer(r"^( *)((inline |static )?constexpr) ", source[:begin], re.MULTILINE):
             between = source[match.end():begin]
-            if re.search(r"\)\s*(const |noexcept )*\{", between):
+            body = re.search(r"\)\s*(const |noexcept )*\{", between)
+            if body and ";" not in between[:body.start()]:
                 mutant.is_in_constexpr_function |= "\n%s}" % match[1] not in between
             elif ";" not in between:
                 replaced[match.span(2)] = {None: "static", "inline ": "inline", "static ": "static inline"}[match[3]]

@@ -26,7 +26,8 @@ def programs_for(root, paths):
 
 
 def folder_of(mutant):
-    return "/".join(mutant.file.split("/")[:2]) if not mutant.file.startswith("cli/") else "cli"
+    parts = mutant.file.split("/")
+    return parts[0] if parts[0] in ("cli", "simulator") else "/".join(parts[:2])
 
 
 def is_selected(mutant, selection):
@@ -107,8 +108,11 @@ def main():
         print("mutate: %d s; running %d tests without a mutant" % (time.monotonic() - begin, len(tests)), flush=True)
         tests = measured(tests, output, pool)
         print("mutate: %d s; trying %d mutants" % (time.monotonic() - begin, len(chosen)), flush=True)
+        neighbours = collections.defaultdict(set)
+        for mutant in declared:
+            neighbours[mutant.file].add(mutant.number)
         results = []
-        for mutant, (state, test) in zip(chosen, pool.map(lambda mutant: judge.judge(mutant, tests), chosen)):
+        for mutant, (state, test) in zip(chosen, pool.map(lambda one: judge.judge(one, tests, neighbours[one.file]), chosen)):
             results.append((mutant, state, test))
             if options.kills or not test:
                 print("%-11s %7d %s%s" % (state, mutant.number, mutant, "  by " + test if test else ""), flush=True)

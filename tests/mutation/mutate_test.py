@@ -14,7 +14,7 @@ PROJECT = {
 cmake_minimum_required(VERSION 3.25)
 project(Small CXX)
 enable_testing()
-add_executable(small_test src/small.cpp test.cpp)
+add_executable(small_test src/small.cpp tests/build/test.cpp)
 add_test(NAME small COMMAND small_test)
 """,
     "src/small.cpp": """
@@ -22,11 +22,12 @@ static constexpr const char* KEY = "KEY";
 
 int clamped(int value, int most)
 {
+    constexpr int STEPS = 3;
     int steps = 0;
     for (int i = 0; i < 3; ++i) {
         ++steps;
     }
-    return KEY[0] == 'K' && steps == 3 && value > most ? most : value;
+    return KEY[0] == 'K' && steps == STEPS && value > most ? most : value;
 }
 
 int unused()
@@ -34,7 +35,7 @@ int unused()
     return 1;
 }
 """,
-    "test.cpp": """
+    "tests/build/test.cpp": """
 int clamped(int value, int most);
 
 int main()
@@ -54,6 +55,7 @@ src/small.cpp
   key        `"KEY"` -> `"XKEY"`
   left-out   `++i` -> `i += 0`
   left-out   `++steps;`
+  value      `3` -> `4` in `STEPS = 3`
   off-by-one `0` -> `1` in `int i = 0`
 """
 
@@ -77,7 +79,7 @@ class Command(unittest.TestCase):
     def test_killsNamesAndExplains(self):
         status, said = self.mutate(LIST, "--kills")
         self.assertEqual(status, 0, said)
-        self.assertRegex(said, r"\nall +6 +5 +1 +1\n")
+        self.assertRegex(said, r"\nall +7 +6 +1 +1\n")
         self.assertRegex(said, r"hung +\d+ src/small.cpp: left-out `\+\+i`")
         self.assertRegex(said, r"killed +\d+ src/small.cpp: key `\"KEY\"`.*  by small\n")
         self.assertIn("the greatest value is itself", said)
@@ -109,7 +111,7 @@ class Declared(unittest.TestCase):
         declared = mutants.read(os.path.dirname(os.path.dirname(mutants.HERE)), lost)
         self.assertLess(len(lost), len(declared) / 10, "\n".join(map(str, lost)))  # scripts/mutate refuses each of them
         self.assertGreaterEqual(len(declared), 300)
-        self.assertEqual({re.match(r"\w+", one.file).group() for one in declared}, {"src", "platform", "cli"})
+        self.assertEqual({re.match(r"\w+", one.file).group() for one in declared}, {"src", "platform", "cli", "simulator"})
         self.assertEqual({one.kind for one in declared}, set(mutants.KINDS))
 
 

@@ -10,7 +10,6 @@ import subprocess
 from mutants import mutated
 
 
-
 class BuildError(Exception):
     """The copy cannot be built: a mutant does not compile, or the checkout does not."""
 
@@ -27,9 +26,10 @@ def _write(path, content):
 
 
 def _files(root):
-    """What is not built, nor git's."""
+    """What is not built, nor git's; a folder below the first may be called build."""
     for directory, folders, names in os.walk(root):
-        folders[:] = [name for name in folders if not re.match(r"build|\.git$|__pycache__$", name)]
+        others = r"build|\.git$" if directory == root else r"__pycache__$"
+        folders[:] = [name for name in folders if not re.match(others, name)]
         for name in names:
             yield os.path.relpath(os.path.join(directory, name), root)
 
@@ -54,12 +54,12 @@ def copy(root, tree, mutants):
 
 
 def build(tree, output, targets, jobs):
-    """Unoptimised, warnings are none of errors: what a mutant leaves unused is as it should be."""
+    """Unoptimised, and with the assertions of the product; warnings are no errors: a mutant may leave something unused."""
     commands = []
     if not os.path.exists(os.path.join(output, "build.ninja")):
         linker = "-fuse-ld=lld"
         commands.append(["cmake", "-S", tree, "-B", output, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-                         "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DTESSEL_UNITY=TESTS",
+                         "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DTESSEL_UNITY=TESTS",
                          "-DCMAKE_EXE_LINKER_FLAGS=" + linker, "-DCMAKE_SHARED_LINKER_FLAGS=" + linker])
     commands.append(["cmake", "--build", output, "-j", str(jobs), "--target"] + targets)
     with open(output + ".log", "w", encoding="utf-8") as log:
