@@ -26,7 +26,15 @@ constexpr double LONGEST_S = 20;
 struct Flow
 {
     std::string name;
+    size_t requests; ///< that it sends where none fails
     std::function<bool(CDeviceManagerImpl& manager, unsigned short port)> run;
+};
+
+/** A flow of which one request meets the faults. */
+struct FaultyRequest
+{
+    Flow flow;
+    size_t at; ///< from 1
 };
 
 bool login(CDeviceManagerImpl& manager, unsigned short port)
@@ -36,48 +44,64 @@ bool login(CDeviceManagerImpl& manager, unsigned short port)
 
 /** With a session that was opened elsewhere. */
 template <class Call>
-Flow adopted(const std::string& name, Call call)
+Flow adopted(const std::string& name, size_t requests, Call call)
 {
-    return {name, [call](CDeviceManagerImpl& manager, unsigned short port) {
+    return {name, requests, [call](CDeviceManagerImpl& manager, unsigned short port) {
                 manager.useConnection("127.0.0.1", port, "D1", "T1", "session=S1");
                 return call(manager);
             }};
 }
 
-void PrintTo(const Flow& flow, std::ostream* out)
+std::string nameOf(const FaultyRequest& request)
 {
-    *out << flow.name;
+    return request.flow.name + "_" + std::to_string(request.at);
+}
+
+void PrintTo(const FaultyRequest& request, std::ostream* out)
+{
+    *out << nameOf(request);
 }
 
 std::vector<Flow> flows()
 {
     using handlers::attach;
     return {
-        {"login", login},
-        {"loginAndLogout",
+        {"login", 1, login},
+        {"loginAndLogout", 2,
          [](CDeviceManagerImpl& manager, unsigned short port) {
              const bool isOpen = login(manager, port);
              return manager.logoutDevice() && isOpen;
          }},
-        adopted("keepAlive", [](CDeviceManagerImpl& manager) { return manager.keepAlive(); }),
-        adopted("attachLunToHost",
+        adopted("keepAlive", 1, [](CDeviceManagerImpl& manager) { return manager.keepAlive(); }),
+        adopted("attachLunToHost", 14,
                 [](CDeviceManagerImpl& manager) {
                     return attach(manager).attachLunToHost("7", "iqn", "192.0.2.9") == 0;
                 }),
-        adopted("attachSnapshotToHost",
+        adopted("attachSnapshotToHost", 14,
                 [](CDeviceManagerImpl& manager) {
                     return attach(manager).attachSnapshotToHost("7", "iqn", "192.0.2.9") == 0;
                 }),
         adopted(
-            "detachLunFromHost",
+            "detachLunFromHost", 10,
             [](CDeviceManagerImpl& manager) { return attach(manager).detachLunFromHost("7", "iqn") == 0; }),
-        adopted("detachSnapshotFromHost",
+        adopted("detachSnapshotFromHost", 10,
                 [](CDeviceManagerImpl& manager) {
                     return attach(manager).detachSnapshotFromHost("7", "iqn") == 0;
                 }),
-        adopted("detachLunFromEveryHost",
+        adopted("detachLunFromEveryHost", 10,
                 [](CDeviceManagerImpl& manager) { return attach(manager).detachLunFromHost("7", "0") == 0; }),
     };
+}
+
+std::vector<FaultyRequest> allRequests()
+{
+    std::vector<FaultyRequest> all;
+    for (const Flow& flow : flows()) {
+        for (size_t at = 1; at <= flow.requests; ++at) {
+            all.push_back({flow, at});
+        }
+    }
+    return all;
 }
 
 /** What the array has, by how a request begins; the longest beginning counts. */
@@ -127,7 +151,7 @@ bool isTried(const Fault& fault)
     return !fault.isHeavy && fault.port == 0 && !isOfError;
 }
 
-class FlowUnderFaults : public testing::TestWithParam<Flow>
+class FlowUnderFaults : public testing::TestWithParam<FaultyRequest>
 {
 protected:
     FlowUnderFaults()
@@ -146,7 +170,8 @@ protected:
         line.erase(std::min(base, line.size()), base == std::string::npos ? 0 : 22);
         arrived.push_back(line + " " + request.body);
         const std::string data = dataFor(line);
-        const bool isFaulty = fault != nullptr && (isLasting ? arrived.size() >= at : arrived.size() == at);
+        const bool isFaulty = fault != nullptr &&
+                              (isLasting ? arrived.size() >= GetParam().at : arrived.size() == GetParam().at);
         return isFaulty ? fault->behaviour(data)
                         : Behaviour::success(data, "Set-Cookie: session=S1; path=/\r\n");
     }
@@ -161,7 +186,7 @@ protected:
         RecordingPlatform& platform = RecordingPlatform::get();
         platform.reset();
         bool isTrue = false;
-        const Outcome outcome = outcomeOf([&] { isTrue = GetParam().run(manager, server.port()); });
+        const Outcome outcome = outcomeOf([&] { isTrue = GetParam().flow.run(manager, server.port()); });
         expectARecordOfEach(platform.journal());
         return outcome == Outcome::returned() && isTrue;
     }
@@ -225,7 +250,6 @@ protected:
     std::mutex mutex;
     std::vector<std::string> arrived;
     const Fault* fault = nullptr;
-    size_t at = 0; ///< the request that meets it, from 1
     bool isLasting = false;
     MisbehavingServer server;
     CDeviceManagerImpl manager;
@@ -233,45 +257,43 @@ protected:
 
 TEST_P(FlowUnderFaults, EndsSoundlyWhicheverRequestFailsAndGoesOn)
 {
+    const auto& [flow, at] = GetParam();
     EXPECT_TRUE(run());
-    const size_t requests = arrived.size();
-    ASSERT_GE(requests, 1U);
+    ASSERT_EQ(arrived.size(), flow.requests);
     expectNothingTwice();
     size_t cases = 0;
-    for (at = 1; at <= requests; ++at) {
-        for (const Fault& one : faults()) {
-            for (const bool lasting : {false, true}) {
-                if (!isTried(one) || (one.isSlow && !lasting)) {
-                    continue;
-                }
-                SCOPED_TRACE(one.name + (lasting ? ", lasting" : ", once") + " at " + std::to_string(at));
-                ++cases;
-                fault = &one;
-                isLasting = lasting;
-                {
-                    const ShortTimeLimit limit(one.isSlow);
-                    const auto start = std::chrono::steady_clock::now();
-                    const bool hasWorked = run();
-                    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-                    EXPECT_LT(took.count(), LONGEST_S);
-                    if (at == 1 && lasting && one.ending == Fault::NO_ANSWER) {
-                        EXPECT_FALSE(hasWorked);
-                    }
-                }
-                expectNothingTwice();
-                fault = nullptr;
-                if (one.isClosedAfterwards) {
-                    server.closeConnections();
-                }
-                EXPECT_TRUE(run()) << "the next one";
-                EXPECT_EQ(arrived.size(), requests);
+    for (const Fault& one : faults()) {
+        for (const bool lasting : {false, true}) {
+            if (!isTried(one) || (one.isSlow && !lasting)) {
+                continue;
             }
+            SCOPED_TRACE(one.name + (lasting ? ", lasting" : ", once"));
+            ++cases;
+            fault = &one;
+            isLasting = lasting;
+            {
+                const ShortTimeLimit limit(one.isSlow);
+                const auto start = std::chrono::steady_clock::now();
+                const bool hasWorked = run();
+                const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+                EXPECT_LT(took.count(), LONGEST_S);
+                if (at == 1 && lasting && one.ending == Fault::NO_ANSWER) {
+                    EXPECT_FALSE(hasWorked);
+                }
+            }
+            expectNothingTwice();
+            fault = nullptr;
+            if (one.isClosedAfterwards || one.isSlow) { // what was given up might be read later
+                server.closeConnections();
+            }
+            EXPECT_TRUE(run()) << "the next one";
+            EXPECT_EQ(arrived.size(), flow.requests);
         }
     }
-    std::cout << GetParam().name << ": " << requests << " requests, " << cases << " cases\n";
+    std::cout << nameOf(GetParam()) << ": " << cases << " cases\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, FlowUnderFaults, testing::ValuesIn(flows()),
-                         [](const auto& flow) { return flow.param.name; });
+INSTANTIATE_TEST_SUITE_P(Of, FlowUnderFaults, testing::ValuesIn(allRequests()),
+                         [](const auto& request) { return nameOf(request.param); });
 
 } // namespace

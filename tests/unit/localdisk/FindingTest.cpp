@@ -139,11 +139,7 @@ TEST_F(FindingADisk, AsksTheArrayEverMoreSeldomWhetherItIsShown)
 TEST_F(FindingADisk, AsksNoDiskThatIsKnownToBeAnotherWhenItsOwnIsThere)
 {
     add(KernelDisk());
-    KernelDisk other;
-    other.name = "sdd";
-    other.address = "1:0:0:2";
-    other.known = other.now = OTHER_WWN;
-    add(other);
+    addForeign();
     EXPECT_EQ(found(), "sdc ");
     EXPECT_THAT(platform.lines("inquiry: sdd"), IsEmpty());
 }
@@ -316,11 +312,7 @@ TEST_F(FindingADisk, RenewsADiskUnderTheNamesOfAnother)
 TEST_F(FindingADisk, LeavesTheMapThatAnotherDiskIsAPathOf)
 {
     add(stale());
-    KernelDisk healthy;
-    healthy.name = "sdd";
-    healthy.address = "1:0:0:2";
-    healthy.known = healthy.now = OTHER_WWN;
-    add(healthy);
+    addForeign();
     KernelMap map;
     map.wwid = std::string("3") + OTHER_WWN;
     map.paths = {"sdc", "sdd"};

@@ -70,6 +70,15 @@ void LocalDiskTest::add(const KernelDisk& disk)
     seam.link("/sys/class/scsi_device/" + disk.address + "/device", "../../../devices/" + disk.address);
 }
 
+void LocalDiskTest::addForeign(const std::string& name, const std::string& address)
+{
+    KernelDisk foreign;
+    foreign.name = name;
+    foreign.address = address;
+    foreign.known = foreign.now = OTHER_WWN;
+    add(foreign);
+}
+
 void LocalDiskTest::remove(const std::string& disk)
 {
     const std::string folder = seam.root + "/sys/block/" + disk;

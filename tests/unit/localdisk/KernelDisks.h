@@ -50,7 +50,8 @@ protected:
 
     void add(const KernelDisk& disk);
     void add(const KernelMap& map);
-    /** A disk as the kernel's scan brings it. */
+    /** A healthy disk of somebody else. */
+    void addForeign(const std::string& name = "sdd", const std::string& address = "1:0:0:2");
     void remove(const std::string& disk);
     void addSession(const std::string& host, const std::string& state = "LOGGED_IN");
     /** What the kernel does when it is written to: a deleted disk goes; more, when a test says so. */

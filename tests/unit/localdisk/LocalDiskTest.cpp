@@ -48,14 +48,6 @@ protected:
         map.paths = paths;
         add(map);
     }
-    void addForeign(const std::string& name)
-    {
-        KernelDisk foreign;
-        foreign.name = name;
-        foreign.address = "1:0:0:9";
-        foreign.known = foreign.now = OTHER_WWN;
-        add(foreign);
-    }
     /** The array makes it larger. */
     void growOnTheArray()
     {

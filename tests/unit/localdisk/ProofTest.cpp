@@ -39,11 +39,7 @@ TEST_F(ProofOfADisk, TakesADeadPathOfItsMapForItsOwn)
 TEST_F(ProofOfADisk, RefusesAForeignPathInTheMap)
 {
     addTwoPaths();
-    KernelDisk foreign;
-    foreign.name = "sdd";
-    foreign.address = "2:0:1:1";
-    foreign.known = foreign.now = OTHER_WWN;
-    add(foreign);
+    addForeign("sdd", "2:0:1:1");
     addMap({"sdc", "sdaa", "sdd"});
     EXPECT_THAT(proved(), HasSubstr("holds what is not it: /dev/sdd is another disk"));
 }

@@ -219,11 +219,7 @@ TEST_F(ReleaseOfADisk, TellsWhichDiskTheKernelKeeps)
 TEST_F(ReleaseOfADisk, LeavesAMapThatHoldsAnotherDisk)
 {
     add(KernelDisk());
-    KernelDisk foreign;
-    foreign.name = "sdd";
-    foreign.address = "1:0:0:2";
-    foreign.known = foreign.now = OTHER_WWN;
-    add(foreign);
+    addForeign();
     KernelMap map;
     map.paths = {"sdc", "sdd"};
     add(map);

@@ -77,11 +77,7 @@ protected:
     /** LUN 8's. */
     void addHealthy()
     {
-        KernelDisk healthy;
-        healthy.name = "sdd";
-        healthy.address = "1:0:0:2";
-        healthy.known = healthy.now = OTHER_WWN;
-        add(healthy);
+        addForeign();
         shown.push_back("8");
     }
     /** At LUN 7's number is LUN 8 now. */
