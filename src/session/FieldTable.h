@@ -27,7 +27,7 @@ struct Field
     const char* name;
     T Record::*member;
     const char* key;
-    Reader read; ///< null: the field is never read from the array
+    Reader read;
     bool secret = false;
 };
 
@@ -58,6 +58,12 @@ namespace readers {
 inline const Json::Value* find(const Json::Value& record, const char* key)
 {
     return record.find(key, key + std::strlen(key));
+}
+
+/** Of a field that is never read from the array. */
+template <class T>
+void asNothing(T&, Json::Value&, const char*)
+{
 }
 
 inline std::string text(const Json::Value& record, const char* key)
@@ -134,14 +140,14 @@ constexpr Field<R, T> named(const char* name, T R::*member, const char* key,
 template <class R, class T>
 constexpr Field<R, T> notRead(const char* name, T R::*member)
 {
-    return {name, member, name, nullptr, false};
+    return {name, member, name, readers::asNothing<T>, false};
 }
 
 /** A field that is sent and never read, nor shown. */
 template <class R, class T>
 constexpr Field<R, T> secret(const char* name, T R::*member)
 {
-    return {name, member, name, nullptr, true};
+    return {name, member, name, readers::asNothing<T>, true};
 }
 
 } // namespace fields
@@ -151,11 +157,8 @@ template <class Record>
 Record readRecord(Json::Value& json)
 {
     Record record;
-    std::apply(
-        [&](const auto&... field) {
-            ((field.read != nullptr ? field.read(record.*field.member, json, field.key) : void()), ...);
-        },
-        FieldTable<Record>::fields);
+    std::apply([&](const auto&... field) { (field.read(record.*field.member, json, field.key), ...); },
+               FieldTable<Record>::fields);
     return record;
 }
 

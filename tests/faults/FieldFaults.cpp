@@ -55,7 +55,7 @@ template <class Record, class T>
 Kind kindOf(const ovra::tessel::Field<Record, T>& field)
 {
     namespace readers = ovra::tessel::readers;
-    if (field.read == nullptr) {
+    if (field.read == readers::asNothing<T>) {
         return Kind::NEVER;
     }
     bool isText = false;
