@@ -10,18 +10,24 @@ using namespace ovra::tessel;
 
 namespace {
 
-template <class Value>
-RecordField shown(const char* name, const Value& value, const Value& unset)
+template <class Record, class Value>
+RecordField shown(const SecretField<Record, Value>& field, const Value&, const Value&)
+{
+    return {field.name, RecordField::TEXT, "", false, true};
+}
+
+template <class Record, class Value>
+RecordField shown(const Field<Record, Value>& field, const Value& value, const Value& unset)
 {
     if constexpr (std::is_same_v<Value, bool>) {
-        return {name, RecordField::FLAG, value ? "true" : "false", true, false};
+        return {field.name, RecordField::FLAG, value ? "true" : "false", true, false};
     } else if constexpr (std::is_same_v<Value, std::string>) {
-        return {name, RecordField::TEXT, value, !value.empty(), false};
+        return {field.name, RecordField::TEXT, value, !value.empty(), false};
     } else {
         // A default other than 0 means unset; 0 does so for the array's codes alone.
         constexpr bool IS_CODE = std::is_same_v<Value, uint32_t>;
-        return {name, RecordField::NUMBER, std::to_string(value), value != unset || (unset == 0 && !IS_CODE),
-                false};
+        return {field.name, RecordField::NUMBER, std::to_string(value),
+                value != unset || (unset == 0 && !IS_CODE), false};
     }
 }
 
@@ -30,12 +36,11 @@ std::vector<RecordField> walk(const Record& record)
 {
     const Record unset;
     std::vector<RecordField> walked;
-    const auto visit = [&](const auto& field) {
-        const auto& value = record.*field.member;
-        walked.push_back(field.secret ? RecordField{field.name, RecordField::TEXT, "", false, true}
-                                      : shown(field.name, value, unset.*field.member));
-    };
-    std::apply([&](const auto&... field) { (visit(field), ...); }, FieldTable<Record>::fields);
+    std::apply(
+        [&](const auto&... field) {
+            (walked.push_back(shown(field, record.*field.member, unset.*field.member)), ...);
+        },
+        FieldTable<Record>::fields);
     return walked;
 }
 

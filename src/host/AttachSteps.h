@@ -5,6 +5,7 @@
 #include "session/Operation.h"
 #include "storage/DiskKinds.h"
 
+#include <functional>
 #include <string>
 
 namespace ovra::tessel {
@@ -57,7 +58,7 @@ void checkArguments(Operation& op, const std::string& id, const std::string& ini
 template <class Kind>
 auto readObject(Operation& op, const AttachHandlers& handlers, const std::string& id)
 {
-    auto object = (handlers.of<Kind>().*Kind::GET)(id);
+    auto object = std::invoke(Kind::GET, handlers.of<Kind>(), id);
     op.require(!object.ID.empty(), Kind::NOT_VALID);
     return object;
 }

@@ -2,6 +2,8 @@
 
 #include "host/AttachSteps.h"
 
+#include <functional>
+
 namespace ovra::tessel {
 
 namespace {
@@ -12,7 +14,7 @@ constexpr const char* EVERY_HOST = "0"; // docs/oddities.md#initiator-0
 template <class Kind>
 bool removeFromLunGroup(const AttachHandlers& handlers, const std::string& id, const std::string& lunGroupId)
 {
-    (handlers.lunGroup().*Kind::REMOVE)(id, lunGroupId);
+    std::invoke(Kind::REMOVE, handlers.lunGroup(), id, lunGroupId);
     return handlers.lunGroup().getObjNOFromLunGroup(lunGroupId) == 0;
 }
 
@@ -26,7 +28,7 @@ int detachFromView(const AttachHandlers& handlers, const std::string& id, const 
     }
     int matches = 0;
     typename Kind::Query wanted = only<Kind>(id);
-    for (const auto& member : (handlers.of<Kind>().*Kind::OF_LUNGROUP)(lunGroup.ID, wanted)) {
+    for (const auto& member : std::invoke(Kind::OF_LUNGROUP, handlers.of<Kind>(), lunGroup.ID, wanted)) {
         if (member.ID != id) {
             continue;
         }
@@ -69,7 +71,7 @@ template <class Kind>
 void detachEverywhere(Operation& op, const AttachHandlers& handlers, const std::string& id)
 {
     LunGroupQuery allGroups;
-    const auto lunGroups = (handlers.lunGroup().*Kind::LUNGROUPS)(id, allGroups);
+    const auto lunGroups = std::invoke(Kind::LUNGROUPS, handlers.lunGroup(), id, allGroups);
     if (lunGroups.empty()) {
         op.close("LunGroup do not exist! ", RESULT_BAD_ARGUMENT);
         return;

@@ -5,6 +5,7 @@
 
 #include <ctime>
 #include <cxxabi.h>
+#include <functional>
 
 using namespace ovra::tessel;
 
@@ -40,14 +41,14 @@ int attach(CDiskAttachHandlerImpl& self, CDeviceManagerImpl* deviceManager, cons
         op.names(kinds::HOST, host.ID);
 
         typename Kind::Query wanted = only<Kind>(id);
-        if (!(handlers.of<Kind>().*Kind::OF_HOST)(host.ID, wanted).empty()) {
+        if (!std::invoke(Kind::OF_HOST, handlers.of<Kind>(), host.ID, wanted).empty()) {
             op.close("The MappingView was already existed! ", RESULT_BAD_ARGUMENT);
             return ALREADY_MAPPED;
         }
         LunGroupMO lunGroup;
         lunGroup.NAME = self.getBuildedName("lungroup");
         lunGroup = handlers.lunGroup().createLunGroup(lunGroup);
-        (handlers.lunGroup().*Kind::ADD)(object.ID, lunGroup.ID);
+        std::invoke(Kind::ADD, handlers.lunGroup(), object.ID, lunGroup.ID);
 
         HostGroupMO hostGroup;
         hostGroup.NAME = self.getBuildedName("hostgroup");

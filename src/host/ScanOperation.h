@@ -11,6 +11,7 @@
 
 #include <tessel/DiskScanner.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -30,7 +31,7 @@ std::optional<typename Kind::Object> readScanned(Operation& op, CDeviceManagerIm
         op.closeUnless(false, deviceManager == nullptr ? texts::NO_DEVICE_MANAGER : Kind::NO_HANDLER);
         return std::nullopt;
     }
-    return (static_cast<typename Kind::Handler&>(*handler).*Kind::GET)(id);
+    return std::invoke(Kind::GET, static_cast<typename Kind::Handler&>(*handler), id);
 }
 
 /** Before the steps of a scan or a removal. */

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cctype>
 #include <ctime>
+#include <functional>
 
 namespace ovra::tessel {
 namespace {
@@ -61,8 +62,9 @@ void DiskJob::read()
     const Array array(*manager);
     withKind(volume.type, [&](auto kind) {
         using Kind = decltype(kind);
-        const auto object = whileBusy(
-            options.access, [&] { return (array.handler<typename Kind::Handler>().*Kind::GET)(volume.id); });
+        const auto object = whileBusy(options.access, [&] {
+            return std::invoke(Kind::GET, array.handler<typename Kind::Handler>(), volume.id);
+        });
         if (object.ID != volume.id) {
             fail("the array has no such object");
         }

@@ -28,7 +28,12 @@ struct Field
     T Record::*member;
     const char* key;
     Reader read;
-    bool secret = false;
+};
+
+/** One that is sent and never read, nor shown. */
+template <class Record, class T>
+struct SecretField : Field<Record, T>
+{
 };
 
 /**
@@ -126,7 +131,7 @@ namespace fields {
 template <class R, class T>
 constexpr Field<R, T> read(const char* key, T R::*member, typename Field<R, T>::Reader reader)
 {
-    return {key, member, key, reader, false};
+    return {key, member, key, reader};
 }
 
 /** A field whose JSON key is not its name, or that takes more than its key to read. */
@@ -134,20 +139,19 @@ template <class R, class T>
 constexpr Field<R, T> named(const char* name, T R::*member, const char* key,
                             typename Field<R, T>::Reader reader)
 {
-    return {name, member, key, reader, false};
+    return {name, member, key, reader};
 }
 
 template <class R, class T>
 constexpr Field<R, T> notRead(const char* name, T R::*member)
 {
-    return {name, member, name, readers::asNothing<T>, false};
+    return {name, member, name, readers::asNothing<T>};
 }
 
-/** A field that is sent and never read, nor shown. */
 template <class R, class T>
-constexpr Field<R, T> secret(const char* name, T R::*member)
+constexpr SecretField<R, T> secret(const char* name, T R::*member)
 {
-    return {name, member, name, readers::asNothing<T>, true};
+    return {notRead(name, member)};
 }
 
 } // namespace fields

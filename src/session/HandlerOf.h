@@ -3,6 +3,8 @@
 
 #include "session/Operation.h"
 
+#include <functional>
+
 namespace ovra::tessel {
 
 /** What every handler implementation is beside its interface: it knows the device manager that made it. */
@@ -71,7 +73,7 @@ protected:
     template <class Record>
     std::vector<Record> list(Operation& op, const std::string& url, Read<Record> read)
     {
-        return op.getIds(url).readEach([&](const std::string& id) { return (this->*read)(id); });
+        return op.getIds(url).readEach([&](const std::string& id) { return std::invoke(read, this, id); });
     }
 
     CDeviceManagerImpl* m_pDeviceManager = nullptr; ///< not owned

@@ -8,8 +8,7 @@ bool addsCondition(const std::string& value)
     for (size_t at = value.find(" and "); at != std::string::npos; at = value.find(" and ", at + 1)) {
         const size_t name = value.find_first_not_of(' ', at + 4);
         const size_t end = value.find_first_not_of(NAME, name);
-        if (end != std::string::npos && end != name && value[end] == ':' &&
-            (value[name] < '0' || value[name] > '9')) {
+        if (end != std::string::npos && end != name && value[end] == ':' && value[name] > '9') {
             return true;
         }
     }

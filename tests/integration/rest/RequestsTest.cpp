@@ -52,6 +52,28 @@ TEST_F(RestRequests, ASessionsRequestCarriesItsRootTokenAndCookie)
     EXPECT_NE(std::string::npos, received.head.find("\r\nCookie: session=1\r\n"));
 }
 
+TEST_F(RestRequests, ASessionsPathBeginsWithASlash)
+{
+    MisbehavingServer server;
+    ASSERT_TRUE(openSession(server));
+    for (const char* path : {"", "lun", " /lun"}) {
+        EXPECT_EQ(REST_BAD_REQUEST, sendInSession(path).result) << path;
+    }
+    EXPECT_TRUE(server.requests().empty());
+}
+
+TEST_F(RestRequests, WithAHeaderThatCannotBeSentAreNotSentInASessionEither)
+{
+    MisbehavingServer server;
+    ASSERT_TRUE(openSession(server));
+    RestRequest request;
+    request.HeaderAddProperty(HTTP_HEADER_TOKEN, "two\r\nlines");
+    RestResponse response;
+    std::vector<std::string> headers;
+    EXPECT_EQ(REST_BAD_REQUEST, request.SendRequest(sessionKey(), "/lun", REST_GET, response, headers, true));
+    EXPECT_TRUE(server.requests().empty());
+}
+
 TEST_F(RestRequests, ASessionsTokenDoesNotGoToAnotherServer)
 {
     MisbehavingServer array;

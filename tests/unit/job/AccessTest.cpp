@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 using namespace ovra::tessel;
@@ -38,7 +39,11 @@ protected:
         if (request.mode == REST_POST && has("/lungroup/associate")) {
             return ++adds < addThatWorks ? Reply::error(BUSY) : Reply::ok();
         }
-        if (has("/lun/associate")) {
+        isTakenOut = isTakenOut || (request.mode == REST_DELETE && has("/lungroup/associate"));
+        if (isTakenOut && has("associate")) {
+            return Reply::ok();
+        }
+        if (has("/lun/associate") || has("/snapshot/associate")) {
             return adds >= addThatWorks ? Reply::object(R"({"ID":"7"})") : Reply::ok();
         }
         if (has("associate")) {
@@ -48,10 +53,10 @@ protected:
                              R"(","NAME":"tessel_host_3"})");
     }
 
-    std::string shown()
+    std::string shown(const StorageObject& object = StorageObject::lun("7"))
     {
         try {
-            ensureVisible(array.manager(), StorageObject::lun("7"), HostInitiator::iscsi("iqn"), options);
+            ensureVisible(array.manager(), object, HostInitiator::iscsi("iqn"), options);
         } catch (const OvraAPIException& refused) {
             return refused.what();
         }
@@ -64,6 +69,7 @@ protected:
     AccessOptions options;
     std::string initiator = R"({"ID":"iqn","PARENTID":"3"})";
     unsigned adds = 0;
+    bool isTakenOut = false;
     unsigned addThatWorks = 1;
 };
 
@@ -86,6 +92,22 @@ TEST_F(AnUnusualArray, ThatNeverShowsTheObjectIsAskedTwiceInEachTry)
     addThatWorks = 100;
     EXPECT_EQ(shown(), "Exception:the host does not see the object; the run log says why! ensureVisible");
     EXPECT_EQ(adds, 2U);
+}
+
+TEST_F(AnUnusualArray, HasSnapshotsThatAreShownAndHiddenAsLunsAre)
+{
+    const StorageObject snapshot = StorageObject::snapshot("7");
+    EXPECT_EQ(shown(snapshot), "");
+    EXPECT_EQ(adds, 1U);
+    const auto isAsked = [&](const std::string& beginning) {
+        const auto requests = platform.requests();
+        return std::any_of(requests.begin(), requests.end(), [&](const SentRequest& request) {
+            return request.text().rfind(beginning, 0) == 0;
+        });
+    };
+    EXPECT_FALSE(isAsked("GET /lun/"));
+    ensureHidden(array.manager(), snapshot, HostInitiator::iscsi("iqn"), options);
+    EXPECT_TRUE(isAsked("DELETE /lungroup/associate?ID=5&ASSOCIATEOBJTYPE=27&ASSOCIATEOBJID=7"));
 }
 
 TEST_F(AnUnusualArray, ThatAnswersForAnInitiatorWithoutOneDoesNotKnowIt)

@@ -201,6 +201,8 @@ TEST_F(ALocalDisk, IsNotVerifiedByAnythingElse)
     addForeign("sdd");
     EXPECT_THAT(verified("sdd"), HasSubstr("IT: /dev/sdd is another disk"));
     EXPECT_THAT(verified("null"), HasSubstr("IT is no SCSI disk and no multipath map of this host"));
+    EXPECT_THAT(failure([&] { verifyDisk(*manager, StorageObject::lun("7"), "/dev/away/sdc", options); }),
+                HasSubstr("/dev/away/sdc is no SCSI disk and no multipath map of this host"));
 }
 
 TEST_F(ALocalDisk, IsNotVerifiedByAMapThatHoldsAnotherDisk)
@@ -252,6 +254,43 @@ TEST_F(ALocalDisk, TellsOfWhatItIs)
     EXPECT_EQ(disk.paths()[0].state, "running");
     remove("sdc");
     EXPECT_EQ(disk.paths()[0].state, "gone");
+    disk.keep();
+}
+
+TEST_F(ALocalDisk, MayBeASnapshotWhichIsReadOnly)
+{
+    const std::string snapshot = R"({"ID":"7","WWN":")" + std::string(WWN) + R"(","USERCAPACITY":")" +
+                                 std::to_string(BYTES / 512) + "\"}";
+    platform.replyWith([&](const SentRequest& request) {
+        if (request.path.rfind("/iscsi_initiator/", 0) == 0) {
+            return Reply::object(R"({"ID":"iqn.2020-01.test:host","PARENTID":"3"})");
+        }
+        return request.path == "/SNAPSHOT/7"                       ? Reply::object(snapshot)
+               : request.path.rfind("/snapshot/associate", 0) == 0 ? Reply::list("[" + snapshot + "]")
+                                                                   : Reply::ok();
+    });
+    KernelDisk disk;
+    disk.isReadOnly = true;
+    add(disk);
+    LocalDisk found = LocalDisk::find(*manager, StorageObject::snapshot("7"), SHOWN_TO, options);
+    EXPECT_EQ(found.path(), "/dev/sdc");
+    EXPECT_EQ(found.size(), BYTES);
+    found.keep();
+    disk.name = "sdaa";
+    disk.address = "1:0:1:1";
+    disk.isReadOnly = false;
+    add(disk);
+    EXPECT_THAT(failure([&] { LocalDisk::find(*manager, StorageObject::snapshot("7"), SHOWN_TO, options); }),
+                HasSubstr("/dev/sdc is read-only"))
+        << "only one of its paths is";
+}
+
+TEST_F(ALocalDisk, OfWhichTheArrayTellsNoSizeHasThatOfItsPaths)
+{
+    lun = R"({"ID":"7","WWN":")" + std::string(WWN) + "\"}";
+    add(KernelDisk());
+    LocalDisk disk = found();
+    EXPECT_EQ(disk.size(), BYTES);
     disk.keep();
 }
 

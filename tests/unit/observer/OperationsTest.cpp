@@ -366,6 +366,15 @@ TEST(ObservedSessions, HaveTheAddressAsAUrlHasIt)
     EXPECT_EQ(sessions::named("[2001:db8::7]", 8088, "").array, "[2001:db8::7]:8088");
 }
 
+TEST_F(Observed, AnObserverMayLookAtNothing)
+{
+    const auto observer = std::make_shared<Observer>();
+    addObserver(observer);
+    rows().front().call(manager);
+    tellStep(HostEvent::SCANNED, "/dev/sdc");
+    removeObserver(observer);
+}
+
 TEST(ObservedSteps, OutsideOfAnyCallAreToldAsThisThreadsOwn)
 {
     const Recording recording;

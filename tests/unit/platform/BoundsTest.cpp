@@ -84,6 +84,9 @@ TEST(Bounds, StrncpyCopiesAtMostCountCharacters)
     const char unterminated[3] = {'x', 'y', 'z'};
     EXPECT_EQ(0, strncpy_s(buffer, sizeof(buffer), unterminated, 3));
     EXPECT_STREQ("xyz", buffer);
+    EXPECT_EQ(EINVAL, strncpy_s(nullptr, 5, "x", 1));
+    EXPECT_EQ(EINVAL, strncpy_s(buffer, 0, "x", 1));
+    EXPECT_STREQ("xyz", buffer);
 }
 
 TEST(Bounds, StrcatAppendsWhatFits)
@@ -130,6 +133,9 @@ TEST(Bounds, SnprintfKeepsTheFirstCountCharactersOfALongerText)
     EXPECT_EQ(-1, snprintf_s(buffer, sizeof(buffer), SIZE_MAX, "%s", "abcdefghij"));
     EXPECT_STREQ("abcdefg", buffer);
     EXPECT_EQ(11, snprintf_s(std::string(12, 'x').data(), 12, 11, "%d", INT32_MIN));
+    EXPECT_EQ(-1, snprintf_s(nullptr, 8, 3, "%s", "x"));
+    EXPECT_EQ(-1, snprintf_s(buffer, 0, 3, "%s", "x"));
+    EXPECT_STREQ("abcdefg", buffer);
 }
 
 TEST(Bounds, ALongLogTextIsCutAt512Characters)
@@ -141,6 +147,8 @@ TEST(Bounds, ALongLogTextIsCutAt512Characters)
     EXPECT_EQ(-1, vprint(buffer, 513, 512, "%s", (std::string(512, 'b') + "cdef").c_str()));
     EXPECT_EQ(std::string(512, 'b'), buffer);
     EXPECT_EQ('G', buffer[513]);
+    EXPECT_EQ(-1, vprint(buffer, 513, 512, nullptr));
+    EXPECT_STREQ("", buffer);
 }
 
 } // namespace

@@ -134,6 +134,8 @@ TEST(LogFileNames, CarryTheDateAndAreRecognisedExactly)
                               "Tessel_run_2026-13-01.log",
                               "Tessel_run_2026-00-10.log",
                               "Tessel_run_2026-1-02.log",
+                              "Tessel_run_2026-01.log",
+                              "Tessel_run_2026-01-0a.log",
                               "Tessel_run_2026-01-02.log.1",
                               "Tessel_run_2026-01-02.txt",
                               "xTessel_run_2026-01-02.log",

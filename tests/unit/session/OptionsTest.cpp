@@ -109,6 +109,32 @@ TEST_F(OptionsOfADeviceManager, AskASourceAgainThatHadNoCredentials)
     EXPECT_EQ(platform.lines("warn: ").size(), 2U) << "it may have some by then";
 }
 
+TEST_F(OptionsOfADeviceManager, OpenASessionAlsoWhereItsEndIsToldInNoFormOfTheArrays)
+{
+    loginAndForget();
+    setCredentials(manager, [](Credentials& credentials) {
+        credentials.userName = "admin";
+        credentials.password = "open sesame";
+        return true;
+    });
+    for (int i = 0; i < 2; ++i) { // the read, and whether the session is there
+        platform.reply(Reply::noAnswer(REST_ANSWER_UNREADABLE));
+    }
+    platform.reply(loggedIn());
+    EXPECT_EQ(readLun(), "");
+    EXPECT_THAT(requests(), ElementsAre(READ, PROBE, LOGIN, READ));
+}
+
+TEST_F(OptionsOfADeviceManager, AskNoSourceThatWasTakenAway)
+{
+    loginAndForget();
+    setCredentials(manager, [](Credentials&) -> bool { throw 1; });
+    setCredentials(manager, nullptr);
+    platform.reply(Reply::error(REFUSED, "unauthorized"));
+    EXPECT_NE(readLun(), "");
+    EXPECT_THAT(requests(), ElementsAre(READ));
+}
+
 TEST_F(OptionsOfADeviceManager, TryOtherCredentialsWhereTheArrayHasRefusedTheFirst)
 {
     loginAndForget();
