@@ -56,9 +56,6 @@ std::string commandEntry(const Command& command)
 
 void reference(Context& context)
 {
-    if (context.printer().isJson()) {
-        throw UsageError("the reference has no JSON form");
-    }
     context.printer().result(context.text("FORM") == "bash" ? bashCompletion() : manualCommands(),
                              Json::Value());
 }

@@ -65,6 +65,9 @@ TEST_F(TransactionOnAHost, SaysWhoHoldsTheLockWhenTheTimeIsUp)
 {
     seam.semopErrors = {EAGAIN};
     EXPECT_THAT(begun(), HasSubstr("no rescan lock: process 4711 has held it for more than 0 s"));
+    seam.semaphorePid = 0; // it is in another namespace of processes
+    seam.semopErrors = {EAGAIN};
+    EXPECT_THAT(begun(), HasSubstr("no rescan lock: another process has held it for more than 0 s"));
 }
 
 TEST_F(TransactionOnAHost, LeavesItsFailureToBeAskedFor)

@@ -2,6 +2,8 @@
 
 #include "Recorder.h"
 
+#include "observer/BodyObjects.h"
+#include "observer/Kinds.h"
 #include "observer/Observers.h"
 #include "observer/Steps.h"
 #include "unit/handlers/HandlerTest.h"
@@ -13,6 +15,7 @@
 #include <fstream>
 #include <regex>
 #include <set>
+#include <tuple>
 
 using namespace handlers;
 using M = CDeviceManagerImpl&;
@@ -373,6 +376,22 @@ TEST_F(Observed, AnObserverMayLookAtNothing)
     rows().front().call(manager);
     tellStep(HostEvent::SCANNED, "/dev/sdc");
     removeObserver(observer);
+}
+
+TEST(ObservedBodies, NameAnObjectByTheMembersThatAreMadeForIt)
+{
+    BodyObjects body;
+    body.sends("TYPE", 11UL);
+    body.sends("ID", "7");
+    body.sends("NAME", "data");
+    body.sends("ID", 8UL); // each is a number or a text
+    body.sends("TYPE", "27");
+    body.sends("CAPACITY", 9UL);
+    body.sends("DESCRIPTION", "of the customer");
+    const BodyObject& own = body.own();
+    EXPECT_EQ(std::make_tuple(own.type, own.id, own.name), std::make_tuple(11UL, "7", "data"));
+    EXPECT_STREQ(kinds::of(own.type), "lun");
+    EXPECT_STREQ(kinds::of(4711), "object");
 }
 
 TEST(ObservedSteps, OutsideOfAnyCallAreToldAsThisThreadsOwn)
