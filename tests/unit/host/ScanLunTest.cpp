@@ -54,6 +54,15 @@ TEST_F(ScanLun, RescansByTheKorvexProductWhenItsCommandIsThere)
     EXPECT_FALSE(g_korvexInstalled); // looked for, not remembered
 }
 
+TEST_F(ScanLun, WarnsWhereItIsNotKnownHowTheKorvexProductEnded)
+{
+    seam.exits(WHICH, {0});
+    seam.ends(KORVEX, {-1});
+    EXPECT_EQ(scanner.scanLunAfterAttach(id), "");
+    EXPECT_EQ(count("warn: How kxRescan ended is not known: another part of this program has waited for it."),
+              1u);
+}
+
 TEST_F(ScanLun, LooksForTheKorvexProductEveryTime)
 {
     g_korvexInstalled = true;

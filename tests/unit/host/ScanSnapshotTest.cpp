@@ -77,6 +77,16 @@ TEST_F(ScanSnapshot, ScansWhenAnEarlierScanDidNotBringTheDevice)
     EXPECT_EQ(count("info: exit ScanSnapshotPreare successfully!"), 1u);
 }
 
+TEST_F(ScanSnapshot, CanBeAskedForWhatAnEarlierScanBroughtAlone)
+{
+    g_korvexInstalled = true;
+    g_scanState = KX_RESCAN_ENDED;
+    connect();
+    EXPECT_EQ(scanner.ScanSnapshotPreare(id, WWN), path);
+    EXPECT_THAT(commands(), ElementsAre("echo 1 > /sys/block/sdc/device/rescan"));
+    EXPECT_EQ(count("info: enter scanSnapshotAfterAttach successfully!"), 0u);
+}
+
 TEST_F(ScanSnapshot, IsRunningWhileItRescansAndEndedWhenItSearches)
 {
     g_korvexInstalled = true;

@@ -8,6 +8,8 @@
 
 #include <filesystem>
 #include <iterator>
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace ovra::tessel;
 using std::chrono::milliseconds;
@@ -54,6 +56,23 @@ TEST_F(OptionsOfADeviceManager, KeepACancellationAsLongAsACallMayWaitForIt)
     EXPECT_EQ(descriptors(), before + 1) << "its number may be another file's, else";
     setCallLimit(manager, milliseconds(0));
     EXPECT_EQ(descriptors(), before);
+}
+
+TEST(ACancellation, IsRefusedWhereNothingMoreCanBeOpened)
+{
+    const auto refused = [] {
+        const rlimit none = {0, 0};
+        setrlimit(RLIMIT_NOFILE, &none);
+        try {
+            const Cancellation cancellation;
+        } catch (const OvraAPIException& thrown) {
+            _exit(thrown.what() == std::string("Exception:this process can open nothing more! Cancellation")
+                      ? 0
+                      : 1);
+        }
+        _exit(2);
+    };
+    EXPECT_EXIT(refused(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(OptionsOfADeviceManager, WithoutCredentialsLeaveARefusalAsItIs)
