@@ -12,8 +12,12 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 using namespace ovra::tessel;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::StartsWith;
 
 namespace {
 
@@ -138,35 +142,109 @@ TEST_F(AnUnusualArray, WhoseAnswerToABindingCannotBeReadIsToldAsThatThoughADelet
     }
 }
 
-TEST_F(AnUnusualArray, ThatKeepsAViewAsLongAsItBindsAHostGroupGivesItUpBehindThat)
+/** What an attach of the old kind has left of host 3: its host group, and a view that binds it to an empty
+ * LUN group. */
+class AnOldAttach : public AnUnusualArray
 {
-    bool isBound = true;
-    bool isHostIn = true;
-    platform.replyWith([&](const SentRequest& request) {
-        const std::string text = request.text();
-        const auto begins = [&](const char* beginning) { return text.rfind(beginning, 0) == 0; };
-        if (begins("DELETE /mappingview/4")) {
-            return isBound ? Reply::error(1073804556) : Reply::ok();
+protected:
+    AnOldAttach()
+    {
+        platform.replyWith([this](const SentRequest& request) { return answer(request.text()); });
+    }
+
+    static bool begins(const std::string& text, const std::string& beginning)
+    {
+        return text.rfind(beginning, 0) == 0;
+    }
+
+    Reply answer(const std::string& text)
+    {
+        const auto isRefused = [&](const std::string& beginning) { return begins(text, beginning); };
+        if (std::any_of(refused.begin(), refused.end(), isRefused) ||
+            (keepsBoundViews && isBound && begins(text, "DELETE /mappingview/4"))) {
+            return Reply::error(NO);
         }
-        isBound = isBound && !begins("PUT /mappingview/remove_associate");
-        isHostIn = isHostIn && !begins("DELETE /host/associate");
-        if ((begins("GET /hostgroup/associate") && isHostIn) || begins("GET /hostgroup/6")) {
+        isBound = isBound && !begins(text, "PUT /mappingview/remove_associate");
+        isHostIn = (isHostIn && !begins(text, "DELETE /host/associate")) ||
+                   begins(text, "POST /hostgroup/associate");
+        if ((begins(text, "GET /hostgroup/associate") && isHostIn) || begins(text, "GET /hostgroup/6")) {
             return Reply::object(R"({"ID":"6","NAME":"hostgroup_1700000000"})");
         }
-        return begins("GET /mappingview/")
+        if (text.find("/count?") != std::string::npos) {
+            return Reply::object(R"({"COUNT":"0"})");
+        }
+        if (hasLunGroup && (begins(text, "GET /lungroup/associate") || begins(text, "GET /lungroup/5"))) {
+            return Reply::object(R"({"ID":"5","NAME":"lungroup_1700000000","GROUPTYPE":"0"})");
+        }
+        return begins(text, "GET /mappingview/")
                    ? Reply::object(
                          R"({"ID":"4","NAME":"mappingview_1700000000","ENABLEINBANDCOMMAND":"false"})")
                    : Reply::ok();
-    });
-    TidyOptions tidying;
-    tidying.isDryRun = false;
-    std::vector<std::string> told;
-    const TidyResult result = tidy(array.manager(), "3", tidying, [&](const TidyFinding& finding) {
-        told.push_back(finding.object.NAME + " " + finding.reason);
-        return true;
-    });
-    EXPECT_EQ(result.removed, 2U) << testing::PrintToString(told);
+    }
+
+    /** What is told of each object that a tidy looks at. */
+    std::vector<std::string> tidied()
+    {
+        TidyOptions tidying;
+        tidying.isDryRun = false;
+        std::vector<std::string> told;
+        tidy(array.manager(), "3", tidying, [&](const TidyFinding& finding) {
+            const bool isRemoved = finding.verdict == TidyFinding::REMOVED;
+            told.push_back(finding.object.NAME + (isRemoved ? " removed" : " " + finding.reason));
+            return true;
+        });
+        return told;
+    }
+
+    static constexpr int NO = 1073804556;
+    std::vector<std::string> refused; ///< beginnings of requests
+    bool keepsBoundViews = false;
+    bool hasLunGroup = false;
+    bool isBound = true;
+    bool isHostIn = true;
+};
+
+TEST_F(AnOldAttach, WhoseViewIsKeptAsLongAsItBindsAHostGroupGivesItUpBehindThat)
+{
+    keepsBoundViews = true;
+    EXPECT_THAT(tidied(), ElementsAre("mappingview_1700000000 removed", "hostgroup_1700000000 removed"));
     EXPECT_FALSE(isBound);
+}
+
+TEST_F(AnOldAttach, StaysWithAViewThatTheArrayKeeps)
+{
+    refused = {"DELETE /mappingview/4", "PUT /mappingview/remove_associate"};
+    EXPECT_THAT(tidied(), ElementsAre(StartsWith("mappingview_1700000000 the array keeps it: "),
+                                      "hostgroup_1700000000 mappingview_1700000000 stays"));
+    EXPECT_TRUE(isHostIn);
+}
+
+TEST_F(AnOldAttach, StaysWithALunGroupThatTheArrayKeepsInItsView)
+{
+    hasLunGroup = true;
+    refused = {"PUT /mappingview/remove_associate"};
+    EXPECT_THAT(tidied(), ElementsAre(StartsWith("lungroup_1700000000 the array keeps it: "),
+                                      "mappingview_1700000000 lungroup_1700000000 stays",
+                                      "hostgroup_1700000000 mappingview_1700000000 stays"));
+}
+
+TEST_F(AnOldAttach, WhoseHostGroupKeepsItsHostIsLeftAsItIs)
+{
+    refused = {"DELETE /host/associate"};
+    EXPECT_THAT(tidied(),
+                ElementsAre("mappingview_1700000000 removed",
+                            "hostgroup_1700000000 the array does not take the host out of it; the run log "
+                            "says why"));
+}
+
+TEST_F(AnOldAttach, WhoseHostGroupIsKeptHasItsHostAgain)
+{
+    refused = {"DELETE /hostgroup/6"};
+    EXPECT_THAT(tidied().back(), StartsWith("hostgroup_1700000000 the array keeps it: "));
+    EXPECT_TRUE(isHostIn);
+    refused.emplace_back("POST /hostgroup/associate");
+    EXPECT_THAT(tidied().back(), EndsWith(" (and the host could not be put back into it)"));
+    EXPECT_FALSE(isHostIn);
 }
 
 TEST_F(AnUnusualArray, IsNotAskedForWhatCannotBeShown)
