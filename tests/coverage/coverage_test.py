@@ -1,6 +1,7 @@
 """scripts/coverage counts what a small program executed, and says what is below a floor or wrongly explained."""
 
 import os
+import signal
 import subprocess
 import sys
 import tempfile
@@ -57,6 +58,20 @@ int number(const std::string& text, bool isKnown)
 }
 """
 
+DYING = """
+#include <csignal>
+#include <unistd.h>
+
+int main(int argc, char**)
+{
+    std::signal(SIGTERM, SIG_IGN);
+    kill(getpid(), SIGTERM);
+    std::raise(SIGTERM);
+    const bool isKilled = argc > 1;
+    return isKilled ? kill(getpid(), SIGKILL) : std::raise(SIGINT);
+}
+"""
+
 
 class CoverageTest(unittest.TestCase):
     maxDiff = None
@@ -64,13 +79,17 @@ class CoverageTest(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.root = self.folder.name
-        here = os.path.dirname(os.path.abspath(__file__))
         os.makedirs(os.path.join(self.root, "src"))
         self.write("src/main.cpp", MAIN)
         self.write("src/twice.h", TWICE)
-        for command in ("g++ --coverage -O0 -c src/main.cpp -o main.o", "gcc -c %s/ending.c -o ending.o" % here,
-                        "g++ --coverage -Wl,--wrap=_exit main.o ending.o -o main", "./main"):
-            self.assertEqual(0, subprocess.run(command.split(), cwd=self.root, check=False).returncode, command)
+        self.build("main")
+        self.assertEqual(0, subprocess.run("./main", cwd=self.root, check=False).returncode)
+
+    def build(self, name):
+        here = os.path.dirname(os.path.abspath(__file__))
+        for command in ("g++ --coverage -O0 -c src/%s.cpp -o %s.o" % (name, name), "gcc -c %s/ending.c -o ending.o" % here,
+                        "g++ --coverage -Wl,--wrap=_exit,--wrap=kill,--wrap=raise %s.o ending.o -o %s" % (name, name)):
+            subprocess.run(command.split(), cwd=self.root, check=True)
 
     def tearDown(self):
         self.folder.cleanup()
@@ -88,7 +107,7 @@ class CoverageTest(unittest.TestCase):
         return ended.returncode, ended.stdout
 
     def lines(self, name):
-        text = (MAIN if name == "src/main.cpp" else TWICE).split("\n")
+        text = {"src/main.cpp": MAIN, "src/twice.h": TWICE, "src/dying.cpp": DYING}[name].split("\n")
         found = gcov.read(self.root, [self.root], ("src/",))[name]
         return {text[number - 1].strip(): line for number, line in found.items()}
 
@@ -98,6 +117,16 @@ class CoverageTest(unittest.TestCase):
         self.assertEqual([False, True], sorted(count > 0 for count in main["_exit(argc > 9 ? unused() : twice(2));"][1]))
         self.assertEqual(0, main["int sum = 1;"][0])
         self.assertEqual(2, twice["return value + value;"][0])
+
+    def test_what_a_process_does_before_its_own_signal_counts_and_what_it_does_behind_one_that_it_survives(self):
+        self.write("src/dying.cpp", DYING)
+        self.build("dying")
+        for arguments, signal_number in (("", signal.SIGINT), ("x", signal.SIGKILL)):
+            command = ["./dying"] + arguments.split()
+            self.assertEqual(-signal_number, subprocess.run(command, cwd=self.root, check=False).returncode)
+        lines = self.lines("src/dying.cpp")
+        self.assertEqual([2, 2], [lines[text][0] for text in ("kill(getpid(), SIGTERM);", "const bool isKilled = argc > 1;")])
+        self.assertEqual([1, 1], lines["return isKilled ? kill(getpid(), SIGKILL) : std::raise(SIGINT);"][1])
 
     def test_what_only_an_exception_decides_does_not_count(self):
         self.write("src/throwing.cpp", THROWING)
