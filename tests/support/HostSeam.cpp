@@ -93,11 +93,12 @@ HostSeam::~HostSeam()
     fs::remove_all(root);
 }
 
-void HostSeam::waitForThreads() const
+void HostSeam::waitForThreads()
 {
     while (threadsOfProcess() > m_threads) {
         std::this_thread::yield();
     }
+    const std::lock_guard<std::mutex> lock(m_mutex); // behind what they did: a count of threads orders nothing
 }
 
 std::string HostSeam::makePlace(const std::string& path)

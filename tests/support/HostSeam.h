@@ -41,7 +41,7 @@ public:
     HostSeam& operator=(const HostSeam&) = delete;
 
     /** Waits for threads that were started since, and left to themselves: they use this host. */
-    void waitForThreads() const;
+    void waitForThreads();
 
     /** The exit codes of a command in turn, the last one stays; a command not named here ends with 1. */
     void exits(const std::string& command, std::deque<int> codes);
