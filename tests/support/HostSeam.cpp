@@ -98,7 +98,8 @@ void HostSeam::waitForThreads()
     while (threadsOfProcess() > m_threads) {
         std::this_thread::yield();
     }
-    const std::lock_guard<std::mutex> lock(m_mutex); // behind what they did: a count of threads orders nothing
+    // A count of threads orders nothing: what comes now is behind what they did.
+    const std::lock_guard<std::mutex> lock(m_mutex);
 }
 
 std::string HostSeam::makePlace(const std::string& path)
