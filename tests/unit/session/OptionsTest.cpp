@@ -36,6 +36,14 @@ protected:
         }
         return texts;
     }
+    void giveCredentials(const std::string& password)
+    {
+        setCredentials(manager, [password](Credentials& credentials) {
+            credentials.userName = "admin";
+            credentials.password = password;
+            return true;
+        });
+    }
     static long descriptors()
     {
         return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
@@ -87,11 +95,7 @@ TEST_F(OptionsOfADeviceManager, WithoutCredentialsLeaveARefusalAsItIs)
 TEST_F(OptionsOfADeviceManager, TryCredentialsAgainThatTheArrayHasNotRefused)
 {
     loginAndForget();
-    setCredentials(manager, [](Credentials& credentials) {
-        credentials.userName = "admin";
-        credentials.password = "open sesame";
-        return true;
-    });
+    giveCredentials("open sesame");
     const auto readWith = [&](const Reply& login) {
         for (const Reply& reply : {Reply::error(REFUSED, "unauthorized"), Reply::error(REFUSED), login}) {
             platform.reply(reply);
@@ -131,11 +135,7 @@ TEST_F(OptionsOfADeviceManager, AskASourceAgainThatHadNoCredentials)
 TEST_F(OptionsOfADeviceManager, OpenASessionAlsoWhereItsEndIsToldInNoFormOfTheArrays)
 {
     loginAndForget();
-    setCredentials(manager, [](Credentials& credentials) {
-        credentials.userName = "admin";
-        credentials.password = "open sesame";
-        return true;
-    });
+    giveCredentials("open sesame");
     for (int i = 0; i < 2; ++i) { // the read, and whether the session is there
         platform.reply(Reply::noAnswer(REST_ANSWER_UNREADABLE));
     }
@@ -158,11 +158,7 @@ TEST_F(OptionsOfADeviceManager, TryOtherCredentialsWhereTheArrayHasRefusedTheFir
 {
     loginAndForget();
     const auto readWith = [&](const std::string& password, const Reply& login) {
-        setCredentials(manager, [password](Credentials& credentials) {
-            credentials.userName = "admin";
-            credentials.password = password;
-            return true;
-        });
+        giveCredentials(password);
         for (const Reply& reply : {Reply::error(REFUSED, "unauthorized"), Reply::error(REFUSED), login}) {
             platform.reply(reply);
         }
