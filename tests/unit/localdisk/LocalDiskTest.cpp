@@ -19,7 +19,7 @@ namespace {
 
 const HostInitiator SHOWN_TO = HostInitiator::iscsi("iqn.2020-01.test:host");
 
-/** LUN 7, which the array shows to host 3. */
+/** LUN 7, which the array shows to host 3; or snapshot 7. */
 class ALocalDisk : public LocalDiskTest
 {
 protected:
@@ -31,10 +31,12 @@ protected:
             if (request.path.rfind("/iscsi_initiator/", 0) == 0) {
                 return Reply::object(R"({"ID":"iqn.2020-01.test:host","PARENTID":"3"})");
             }
-            if (request.path == "/lun/7") {
+            if (request.path == "/lun/7" || request.path == "/SNAPSHOT/7") {
                 return Reply::object(lun);
             }
-            return request.path.rfind("/lun/associate", 0) == 0 ? Reply::list("[" + lun + "]") : Reply::ok();
+            const bool isListed = request.path.rfind("/lun/associate", 0) == 0 ||
+                                  request.path.rfind("/snapshot/associate", 0) == 0;
+            return isListed ? Reply::list("[" + lun + "]") : Reply::ok();
         });
         manager->useConnection("127.0.0.1", 8088, "210123", "token", "cookie");
     }
@@ -259,16 +261,8 @@ TEST_F(ALocalDisk, TellsOfWhatItIs)
 
 TEST_F(ALocalDisk, MayBeASnapshotWhichIsReadOnly)
 {
-    const std::string snapshot = R"({"ID":"7","WWN":")" + std::string(WWN) + R"(","USERCAPACITY":")" +
-                                 std::to_string(BYTES / 512) + "\"}";
-    platform.replyWith([&](const SentRequest& request) {
-        if (request.path.rfind("/iscsi_initiator/", 0) == 0) {
-            return Reply::object(R"({"ID":"iqn.2020-01.test:host","PARENTID":"3"})");
-        }
-        return request.path == "/SNAPSHOT/7"                       ? Reply::object(snapshot)
-               : request.path.rfind("/snapshot/associate", 0) == 0 ? Reply::list("[" + snapshot + "]")
-                                                                   : Reply::ok();
-    });
+    lun = R"({"ID":"7","WWN":")" + std::string(WWN) + R"(","USERCAPACITY":")" + std::to_string(BYTES / 512) +
+          "\"}";
     KernelDisk disk;
     disk.isReadOnly = true;
     add(disk);

@@ -56,27 +56,6 @@ TEST_F(ProofOfADisk, RefusesAPathOfTheMapThatHasBecomeAnotherDisk)
     EXPECT_THAT(proved(), HasSubstr("/dev/sdd is another disk"));
 }
 
-TEST_F(ProofOfADisk, RefusesALunThatCannotBeWritten)
-{
-    KernelDisk disk;
-    disk.isReadOnly = true;
-    add(disk);
-    EXPECT_THAT(proved(), HasSubstr("/dev/sdc is read-only"));
-    KernelDisk second;
-    second.name = "sdaa";
-    second.address = "2:0:0:1";
-    add(second);
-    EXPECT_THAT(proved(), HasSubstr("/dev/sdc is read-only")) << "one of two paths";
-    remove("sdc");
-    disk.isReadOnly = false;
-    add(disk);
-    KernelMap map;
-    map.paths = {"sdc", "sdaa"};
-    map.isReadOnly = true;
-    add(map);
-    EXPECT_THAT(proved(), HasSubstr("the map 3" + std::string(WWN) + " is read-only"));
-}
-
 TEST_F(ProofOfADisk, RefusesASmallerPath)
 {
     addTwoPaths();
@@ -105,6 +84,14 @@ TEST_F(ProofOfADisk, RefusesAReadOnlyPath)
     addTwoPaths();
     seam.write("/sys/block/sdaa/ro", "1\n");
     EXPECT_THAT(proved(), HasSubstr("/dev/sdaa is read-only"));
+}
+
+TEST_F(ProofOfADisk, RefusesALunThatIsReadOnlyOnItsOnlyPath)
+{
+    KernelDisk disk;
+    disk.isReadOnly = true;
+    add(disk);
+    EXPECT_THAT(proved(), HasSubstr("/dev/sdc is read-only"));
 }
 
 TEST_F(ProofOfADisk, RefusesAMapThatIsNotReady)
