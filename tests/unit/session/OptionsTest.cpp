@@ -6,9 +6,12 @@
 #include <tessel/Failure.h>
 #include <tessel/Lun.h>
 
+#include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <iterator>
-#include <sys/resource.h>
+#include <sys/eventfd.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace ovra::tessel;
@@ -18,6 +21,8 @@ using testing::ElementsAre;
 namespace {
 
 constexpr int REFUSED = 1077949069;
+
+std::atomic<bool> nothingIsOpened{false};
 
 class OptionsOfADeviceManager : public Session
 {
@@ -57,6 +62,17 @@ const char* const LOGIN = "POST /deviceManager/rest/xxxx/sessions";
 
 } // namespace
 
+// A limit of descriptors would also hold for the checks of a sanitizer, which opens a pipe to look at an
+// object.
+extern "C" int eventfd(unsigned count, int flags) noexcept
+{
+    if (nothingIsOpened) {
+        errno = EMFILE;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_eventfd2, count, flags));
+}
+
 TEST_F(OptionsOfADeviceManager, KeepACancellationAsLongAsACallMayWaitForIt)
 {
     const long before = descriptors();
@@ -68,19 +84,10 @@ TEST_F(OptionsOfADeviceManager, KeepACancellationAsLongAsACallMayWaitForIt)
 
 TEST(ACancellation, IsRefusedWhereNothingMoreCanBeOpened)
 {
-    const auto refused = [] {
-        const rlimit none = {0, 0};
-        setrlimit(RLIMIT_NOFILE, &none);
-        try {
-            const Cancellation cancellation;
-        } catch (const OvraAPIException& thrown) {
-            _exit(thrown.what() == std::string("Exception:this process can open nothing more! Cancellation")
-                      ? 0
-                      : 1);
-        }
-        _exit(2);
-    };
-    EXPECT_EXIT(refused(), testing::ExitedWithCode(0), "");
+    nothingIsOpened = true;
+    const std::string refused = outcomeOf([] { const Cancellation cancellation; }).what;
+    nothingIsOpened = false;
+    EXPECT_EQ(refused, "Exception:this process can open nothing more! Cancellation");
 }
 
 TEST_F(OptionsOfADeviceManager, WithoutCredentialsLeaveARefusalAsItIs)
