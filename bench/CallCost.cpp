@@ -1,5 +1,5 @@
 // Makes calls, of which bench/counts counts what they take; prints the allocations of one.
-//   call_cost WAY CALLS PORT CAFILE      WAY: bare, json, sdk, observed
+//   call_cost WAY CALLS PORT CAFILE      WAY: bare, json, least, sdk, observed
 
 #include "Ways.h"
 

@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <ovra/log/LogAPI.h>
 #include <scsi/sg.h>
+#include <set>
 #include <stdexcept>
 #include <sys/ioctl.h>
 #include <thread>
@@ -23,6 +24,8 @@ using namespace ovra::tessel;
 
 namespace {
 
+constexpr const char* PRODUCT = "Ovra-Tessel-API-linux-Cpp";
+constexpr unsigned LINES = 4; ///< that a scan writes for each disk
 constexpr const char* BY_ID = "ls -al /dev/disk/by-id|grep -v part";
 constexpr const char* WANTED = "600a0b8000f1c1d2aabbccdd00000007";
 constexpr const char* OTHER = "600a0b8000f1c1d2aabbccdd00000008";
@@ -37,18 +40,21 @@ std::string diskName(unsigned number)
     return "sd" + letters;
 }
 
-/** A host with so many disks, of which the last is the LUN's. */
+/** A host with so many disks, of which the LUN's is the last that a scan comes to. */
 class StubHost
 {
 public:
     StubHost(unsigned disks, std::chrono::microseconds inquiry)
     {
         setenv("PATH", "/nonexistent", 1); // the rescan script of this machine does not matter
-        std::string listing;
+        std::set<std::string> names;       // in their order a scan comes to them: sdaa is before sdb
         for (unsigned i = 0; i < disks; ++i) {
-            const std::string name = diskName(i);
+            names.insert(diskName(i));
+        }
+        std::string listing;
+        for (const std::string& name : names) {
             m_names.push_back("/dev/disk/by-id/../../" + name);
-            const std::string wwn = i + 1 == disks ? WANTED : OTHER;
+            const std::string wwn = name == *names.rbegin() ? WANTED : OTHER;
             m_seam.addDisk(name, wwn);
             listing += "lrwxrwxrwx 1 root root 9 May  1 10:20 scsi-3" + wwn + " -> ../../" + name + "\n";
         }
@@ -75,13 +81,17 @@ public:
         }
     }
 
-    void listAndAsk()
+    /** With so many lines of the log for each disk. */
+    void listAndAsk(unsigned lines)
     {
         forgetJournal();
         std::FILE* const listing = popen(BY_ID, "r");
         std::array<char, 1024> line{};
         for (size_t i = 0; std::fgets(line.data(), line.size(), listing) != nullptr; ++i) {
             ask(m_names[i]);
+            for (unsigned told = 0; told < lines; ++told) {
+                Log_Run_Info(PRODUCT, m_names[i].c_str());
+            }
         }
         pclose(listing);
     }
@@ -129,13 +139,14 @@ void searchRows(bool isShort)
 {
     const tessel_test::Folder logs;
     int level = -1;
-    LogInit("Ovra-Tessel-API-linux-Cpp", (logs.path() + "/none.ini").c_str(), &level,
-            (logs.path() + "/logs/").c_str());
+    LogInit(PRODUCT, (logs.path() + "/none.ini").c_str(), &level, (logs.path() + "/logs/").c_str());
     for (const unsigned disks : {16U, 128U, 500U, 4096U}) {
         for (const unsigned microseconds : {0U, 100U}) {
             StubHost host(disks, std::chrono::microseconds(microseconds));
+            const unsigned rounds = isShort ? 3 : 10;
+            const auto listAndAsk = [&] { host.listAndAsk(0); };
             const bench::Rounds beside(
-                isShort ? 3 : 10, [&] { host.search(); }, [&] { host.listAndAsk(); });
+                rounds, [&] { host.search(); }, listAndAsk);
             const std::string each = std::to_string(microseconds) + " us an INQUIRY";
             bench::tellPoint("wall of a search beside listing and asking, " + each, "disks", disks,
                              beside.wall());
@@ -143,6 +154,10 @@ void searchRows(bool isShort)
                 bench::tellRow("search of " + std::to_string(disks) + " disks, " + each +
                                    ", wall against listing and asking",
                                beside.wall(), microseconds == 0 ? 1.5 : 1.05);
+                const bench::Rounds ofLines(
+                    rounds, [&] { host.listAndAsk(LINES); }, listAndAsk);
+                bench::tellRow("the lines of the log alone, " + std::to_string(disks) + " disks, " + each,
+                               ofLines.wall(), bench::NO_AIM);
             }
         }
     }

@@ -1,8 +1,12 @@
 #include "Ways.h"
 
+#include "Folder.h"
+
 #include <curl/curl.h>
 #include <json/json.h>
 #include <ovra/rest/RestSettings.h>
+#include <spdlog/logger.h>
+#include <spdlog/sinks/basic_file_sink.h>
 
 #include <stdexcept>
 
@@ -12,13 +16,10 @@ namespace {
 class Bare : public Way
 {
 public:
-    Bare(const Server& server, bool parses) : m_parses(parses)
+    explicit Bare(const Server& server)
+        : m_url("https://127.0.0.1:" + server.port + "/deviceManager/rest/D1/lun/7"), m_caFile(server.caFile)
     {
-        curl_easy_setopt(m_handle, CURLOPT_URL,
-                         ("https://127.0.0.1:" + server.port + "/deviceManager/rest/D1/lun/7").c_str());
-        curl_easy_setopt(m_handle, CURLOPT_CAINFO, server.caFile.c_str());
-        curl_easy_setopt(m_handle, CURLOPT_WRITEFUNCTION, &Bare::receive);
-        curl_easy_setopt(m_handle, CURLOPT_WRITEDATA, &m_body);
+        set();
     }
     ~Bare() override { curl_easy_cleanup(m_handle); }
     Bare(const Bare&) = delete;
@@ -27,16 +28,20 @@ public:
     void call() override
     {
         m_body.clear();
-        if (curl_easy_perform(m_handle) != CURLE_OK) {
+        if (exchange(m_handle) != CURLE_OK) {
             throw std::runtime_error("the server does not answer");
         }
-        if (m_parses) {
-            Json::Value root;
-            if (!m_reader->parse(m_body.data(), m_body.data() + m_body.size(), &root, nullptr) ||
-                root["data"]["ID"].asString() != "7") {
-                throw std::runtime_error("the answer is not the LUN");
-            }
-        }
+    }
+
+protected:
+    virtual CURLcode exchange(CURL* handle) { return curl_easy_perform(handle); }
+    const std::string& body() const { return m_body; }
+    /** Goes on with another handle. */
+    void renew()
+    {
+        curl_easy_cleanup(m_handle);
+        m_handle = curl_easy_init();
+        set();
     }
 
 private:
@@ -45,11 +50,85 @@ private:
         static_cast<std::string*>(body)->append(data, size * count);
         return size * count;
     }
+    void set()
+    {
+        curl_easy_setopt(m_handle, CURLOPT_URL, m_url.c_str());
+        curl_easy_setopt(m_handle, CURLOPT_CAINFO, m_caFile.c_str());
+        curl_easy_setopt(m_handle, CURLOPT_WRITEFUNCTION, &Bare::receive);
+        curl_easy_setopt(m_handle, CURLOPT_WRITEDATA, &m_body);
+    }
 
-    CURL* const m_handle = curl_easy_init();
-    const std::unique_ptr<Json::CharReader> m_reader{Json::CharReaderBuilder().newCharReader()};
-    const bool m_parses;
+    CURL* m_handle = curl_easy_init();
+    const std::string m_url;
+    const std::string m_caFile;
     std::string m_body;
+};
+
+class Parsed : public Bare
+{
+public:
+    using Bare::Bare;
+
+    void call() override
+    {
+        Bare::call();
+        Json::Value root;
+        if (!m_reader->parse(body().data(), body().data() + body().size(), &root, nullptr) ||
+            root["data"]["ID"].asString() != "7") {
+            throw std::runtime_error("the answer is not the LUN");
+        }
+    }
+
+private:
+    const std::unique_ptr<Json::CharReader> m_reader{Json::CharReaderBuilder().newCharReader()};
+};
+
+struct MultiCleanup
+{
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+
+/** What a call promises beside its exchange, with what other libraries have for it. */
+class Least : public Parsed
+{
+public:
+    explicit Least(const Server& server) : Parsed(server) { m_log.flush_on(spdlog::level::info); }
+
+    void call() override
+    {
+        Parsed::call();
+        if (curl_version_info(CURLVERSION_NOW)->version_num < 0x080200) {
+            renew(); // one that is kept may use memory that it has freed
+        }
+        m_log.info("{} enter getLun successfully!", "bench");
+        m_log.info(
+            R"(product="{}" type="1" protocol="" operation="getLun" source="" target="" transaction="" )"
+            R"(start="{}" end="{}" result="0" extension="")",
+            "bench", "2026-01-01 10:20:30 045", "2026-01-01 10:20:30 046");
+        m_log.info("{} leave getLun successfully!", "bench");
+    }
+
+protected:
+    /** Over a connection that outlives the handle. */
+    CURLcode exchange(CURL* handle) override
+    {
+        curl_multi_add_handle(m_connection.get(), handle);
+        int running = 1;
+        while (curl_multi_perform(m_connection.get(), &running) == CURLM_OK && running != 0) {
+            curl_multi_poll(m_connection.get(), nullptr, 0, 1000, nullptr);
+        }
+        int left = 0;
+        const CURLMsg* const message = curl_multi_info_read(m_connection.get(), &left);
+        const CURLcode code = message != nullptr ? message->data.result : CURLE_FAILED_INIT;
+        curl_multi_remove_handle(m_connection.get(), handle);
+        return code;
+    }
+
+private:
+    const std::unique_ptr<CURLM, MultiCleanup> m_connection{curl_multi_init()};
+    const tessel_test::Folder m_folder;
+    spdlog::logger m_log{"least",
+                         std::make_shared<spdlog::sinks::basic_file_sink_mt>(m_folder.path() + "/log")};
 };
 
 /** The SDK with an observer that looks at every event, as one that counts does. */
@@ -92,11 +171,6 @@ void trust(const std::string& caFile)
 
 } // namespace
 
-std::unique_ptr<Way> bare(const Server& server, bool parses)
-{
-    return std::make_unique<Bare>(server, parses);
-}
-
 Sdk::Sdk(const Server& server) : m_array((trust(server.caFile), CDeviceManager::getInstance(0, 0)))
 {
     if (!m_array->loginDevice("127.0.0.1", static_cast<unsigned>(std::stoul(server.port)), "admin", "secret",
@@ -132,7 +206,13 @@ std::unique_ptr<Way> way(const std::string& name, const Server& server)
     if (name == "sdk") {
         return std::make_unique<Sdk>(server);
     }
-    return bare(server, name == "json");
+    if (name == "least") {
+        return std::make_unique<Least>(server);
+    }
+    if (name == "json") {
+        return std::make_unique<Parsed>(server);
+    }
+    return std::make_unique<Bare>(server);
 }
 
 } // namespace bench

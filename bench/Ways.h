@@ -24,9 +24,6 @@ public:
     virtual void call() = 0;
 };
 
-/** libcurl alone; with `parses` one reader of JsonCpp reads its answers. */
-std::unique_ptr<Way> bare(const Server& server, bool parses);
-
 /** The SDK, with a device manager of its own that is logged in. */
 class Sdk : public Way
 {
@@ -45,7 +42,11 @@ private:
     CLunHandler* m_luns = nullptr;
 };
 
-/** "bare", "json" (bare, and the answer read), "sdk", or "observed": the SDK with an observer. */
+/**
+ * "bare": libcurl alone; "json": the answer is read too, by one reader of JsonCpp; "least": what is promised
+ * of a call on top of that, a handle of its own for each request where libcurl needs that and three lines of
+ * logs that are written at once, all by libraries; "sdk"; "observed": the SDK with an observer.
+ */
 std::unique_ptr<Way> way(const std::string& name, const Server& server);
 
 } // namespace bench
