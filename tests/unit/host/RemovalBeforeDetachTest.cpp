@@ -44,10 +44,12 @@ TEST_F(RemovalOfDisks, RemovesBothPathsInTheFirstPassAndEndsAfterTheSecond)
                     "info: leave scanLunBeforeDetach successfully!", "record scanLunBeforeDetach 0"));
 }
 
-TEST_F(RemovalOfDisks, RemovesASnapshotsDisk)
+TEST_F(RemovalOfDisks, RemovesASnapshotsDiskAndNotTheOneBehindIt)
 {
     seam.addDisk("sdc", WWN);
-    list({scsi("2:0:0:1", "sdc"), ""});
+    seam.addDisk("sdd", OTHER_WWN);
+    const std::string other = scsi("2:0:0:2", "sdd");
+    list({scsi("2:0:0:1", "sdc") + other, other});
     scanner.scanSnapshotBeforeDetach(id);
     EXPECT_THAT(commands(), ElementsAre(removal("sdc")));
     EXPECT_EQ(platform.journal().front(), "info: enter scanSnapshotBeforeDetach successfully!");

@@ -1,5 +1,8 @@
 #include "ScanSnapshotTest.h"
 
+#include "session/CallsAtWork.h"
+
+#include <tessel/Calls.h>
 #include <tessel/Exception.h>
 
 #include <algorithm>
@@ -141,4 +144,32 @@ TEST_F(SharedScan, WaitersThatTheFindDoesNotHelpScanOneAfterTheOther)
     EXPECT_EQ(count(std::string("system: ") + KORVEX), scans.size());
     EXPECT_EQ(most, 1);
     EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
+TEST_F(SharedScan, IsWaitedForByACallNoLongerThanItMay)
+{
+    g_scanState = KX_RESCAN_RUNNING; // nobody ends it
+    const ovra::tessel::CallLimit limit(std::chrono::milliseconds(30));
+    try {
+        waitForScanEnd();
+        ADD_FAILURE();
+    } catch (const ovra::tessel::CallEnded& ended) {
+        EXPECT_EQ(ended.why, ovra::tessel::FailureKind::TIMED_OUT);
+    }
+    EXPECT_TRUE(g_scanLunMutex.try_lock());
+    g_scanLunMutex.unlock();
+}
+
+TEST_F(SharedScan, GoesOnForACallWithALimitWhenItHasEnded)
+{
+    RunningScan scan;
+    std::promise<void> waiting;
+    std::thread waiter([&] {
+        const ovra::tessel::CallLimit limit(std::chrono::minutes(10));
+        waiting.set_value();
+        waitForScanEnd();
+    });
+    waiting.get_future().wait();
+    scan.end();
+    waiter.join();
 }

@@ -50,6 +50,9 @@ std::vector<int> removed(const Surroundings& found)
 TEST(TidyPlan, RemovesFromTheLunGroupToTheHostGroup)
 {
     EXPECT_THAT(removed(leftovers()), ElementsAre(MO_LUNGROUP, MO_MAPPINGVIEW, MO_HOSTGROUP));
+    Surroundings unset = leftovers();
+    unset.views[0].lunGroup.APPTYPE = 100; // of a record in which the array told none
+    EXPECT_THAT(removed(unset), ElementsAre(MO_LUNGROUP, MO_MAPPINGVIEW, MO_HOSTGROUP));
     Surroundings detached = leftovers();
     detached.views[0].lunGroup = LunGroupMO();
     EXPECT_THAT(removed(detached), ElementsAre(MO_MAPPINGVIEW, MO_HOSTGROUP));

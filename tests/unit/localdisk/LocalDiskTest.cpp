@@ -261,31 +261,51 @@ TEST_F(ALocalDisk, TellsOfWhatItIs)
 
 TEST_F(ALocalDisk, MayBeASnapshotWhichIsReadOnly)
 {
+    const auto find = [&] {
+        return LocalDisk::find(*manager, StorageObject::snapshot("7"), SHOWN_TO, options);
+    };
     lun = R"({"ID":"7","WWN":")" + std::string(WWN) + R"(","USERCAPACITY":")" + std::to_string(BYTES / 512) +
           "\"}";
     KernelDisk disk;
     disk.isReadOnly = true;
     add(disk);
-    LocalDisk found = LocalDisk::find(*manager, StorageObject::snapshot("7"), SHOWN_TO, options);
-    EXPECT_EQ(found.path(), "/dev/sdc");
-    EXPECT_EQ(found.size(), BYTES);
-    found.keep();
+    LocalDisk alone = find();
+    EXPECT_EQ(alone.path(), "/dev/sdc");
+    EXPECT_EQ(alone.size(), BYTES);
+    alone.keep();
+
     disk.name = "sdaa";
     disk.address = "1:0:1:1";
-    disk.isReadOnly = false;
     add(disk);
-    EXPECT_THAT(failure([&] { LocalDisk::find(*manager, StorageObject::snapshot("7"), SHOWN_TO, options); }),
-                HasSubstr("/dev/sdc is read-only"))
-        << "only one of its paths is";
+    KernelMap map;
+    map.paths = {"sdc", "sdaa"};
+    map.isReadOnly = true;
+    add(map);
+    LocalDisk mapped = find();
+    EXPECT_EQ(mapped.path(), "/dev/dm-3");
+    mapped.keep();
+    for (const std::string readOnly : {"sdc", "sdaa"}) {
+        for (const std::string path : {"sdc", "sdaa"}) {
+            seam.write("/sys/block/" + path + "/ro", path == readOnly ? "1\n" : "0\n");
+        }
+        EXPECT_THAT(failure(find), HasSubstr("/dev/" + readOnly + " is read-only"))
+            << "only one of its paths is";
+    }
 }
 
 TEST_F(ALocalDisk, OfWhichTheArrayTellsNoSizeHasThatOfItsPaths)
 {
-    lun = R"({"ID":"7","WWN":")" + std::string(WWN) + "\"}";
     add(KernelDisk());
-    LocalDisk disk = found();
-    EXPECT_EQ(disk.size(), BYTES);
-    disk.keep();
+    for (const std::string most : {"", R"(,"CAPACITY":"18446744073709551615","SECTORSIZE":"512")",
+                                   R"(,"USERCAPACITY":"18446744073709551615")"}) {
+        lun = R"({"ID":"7","WWN":")" + std::string(WWN) + '"' + most + '}';
+        LocalDisk disk = found();
+        EXPECT_EQ(disk.size(), BYTES) << most;
+        disk.keep();
+        LocalDisk snapshot = LocalDisk::find(*manager, StorageObject::snapshot("7"), SHOWN_TO, options);
+        EXPECT_EQ(snapshot.size(), BYTES) << most;
+        snapshot.keep();
+    }
 }
 
 TEST_F(ALocalDisk, IsReleasedWhenAnotherIsMovedToItsObject)
