@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
 #include <limits.h>
 #include <memory>
 #include <sstream>
@@ -48,31 +47,60 @@ void requireAbsent(const std::string& path, int error)
     throw Unreadable(path + " cannot be read: " + std::generic_category().message(error));
 }
 
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-File openFile(const std::string& path)
+/**
+ * A file of the kernel. No stream of the C library: with one, a thread that is left in a disk that hangs
+ * would keep the process from its end, and what was written be written once more then.
+ */
+class File
 {
-    return {std::fopen(path.c_str(), "re"), std::fclose};
+public:
+    File(const std::string& path, int flags) : m_fd(open(path.c_str(), flags | O_CLOEXEC)) {}
+    ~File()
+    {
+        const int error = errno;
+        if (isOpen()) {
+            close(m_fd);
+        }
+        errno = error;
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    bool isOpen() const { return m_fd >= 0; }
+    int fd() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+/** The bytes of a file up to its end, or to that of a piece where it is told to end. */
+std::optional<std::string> readTo(bool (*isEnd)(const std::string&), const std::string& path)
+{
+    const File file(path, O_RDONLY);
+    std::string content;
+    char piece[4096]; // what an attribute has at most
+    while (!isEnd(content)) {
+        const ssize_t size = file.isOpen() ? read(file.fd(), piece, sizeof(piece)) : -1;
+        if (size < 0) {
+            return std::nullopt;
+        }
+        if (size == 0) {
+            break;
+        }
+        content.append(piece, static_cast<size_t>(size));
+    }
+    return content;
 }
 
-/** Of the states of thousands of disks: one read of each, where the end of a file would take two more. */
+/** Of the states of thousands of disks: one read of each, where the end of a file would take another. */
 std::optional<std::string> readLine(const std::string& path)
 {
-    char room[4096]; // what an attribute has at most
-    const File file = openFile(path);
-    if (!file) {
-        return std::nullopt;
+    std::optional<std::string> line =
+        readTo([](const std::string& text) { return text.find('\n') != std::string::npos; }, path);
+    if (line) {
+        line->resize(std::min(line->size(), line->find('\n')));
     }
-    std::setvbuf(file.get(), room, _IOFBF, sizeof(room));
-    char* text = nullptr;
-    size_t size = 0;
-    const ssize_t length = getdelim(&text, &size, '\n', file.get());
-    const std::unique_ptr<char, void (*)(void*)> line(text, std::free);
-    if (length < 0) {
-        return std::feof(file.get()) != 0 ? std::make_optional<std::string>() : std::nullopt;
-    }
-    const bool isWhole = text[length - 1] == '\n';
-    return std::string(text, static_cast<size_t>(length) - (isWhole ? 1 : 0));
+    return line;
 }
 
 /** What was read of a path, or nothing where it is absent. */
@@ -90,18 +118,7 @@ std::string there(const std::string& path, std::optional<std::string> (*read)(co
 
 std::optional<std::string> readFile(const std::string& path)
 {
-    const File file = openFile(path);
-    if (!file) {
-        return std::nullopt;
-    }
-    std::setvbuf(file.get(), nullptr, _IONBF, 0); // a few bytes, once: memory for more is not worth it
-    std::string content;
-    char piece[4096];
-    for (size_t size = sizeof(piece); size == sizeof(piece);) {
-        size = std::fread(piece, 1, sizeof(piece), file.get());
-        content.append(piece, size);
-    }
-    return std::ferror(file.get()) == 0 ? std::make_optional(content) : std::nullopt;
+    return readTo([](const std::string&) { return false; }, path);
 }
 
 std::string contentOf(const std::string& path)
@@ -116,15 +133,10 @@ std::string valueOf(const std::string& path)
 
 bool writeFile(const std::string& path, const std::string& text)
 {
-    std::FILE* const file = access(path.c_str(), F_OK) == 0 ? std::fopen(path.c_str(), "we") : nullptr;
-    if (file == nullptr) {
-        return false;
-    }
-    const bool isWritten = std::fputs(text.c_str(), file) >= 0 && std::fflush(file) == 0;
-    const int error = errno;
-    const bool isClosed = std::fclose(file) == 0;
-    errno = isWritten ? errno : error;
-    return isWritten && isClosed;
+    const File file(path, O_WRONLY | O_TRUNC);
+    const ssize_t size = file.isOpen() ? write(file.fd(), text.data(), text.size()) : -1;
+    errno = size < 0 ? errno : EIO; // a part of it is nothing
+    return size == static_cast<ssize_t>(text.size());
 }
 
 std::vector<std::string> linesOf(const std::string& text)

@@ -30,7 +30,7 @@ bool isText(const std::string& line)
 CommandLines::CommandLines(const std::string& command) : m_command(command)
 {
     if (!isLimited()) {
-        m_output = popen(command.c_str(), "r");
+        m_output = openCommand(command);
         return;
     }
     m_printed = printedBy(command);

@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <stdio_ext.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -129,7 +130,7 @@ int runHere(const std::string& command)
 
 std::optional<Printed> readHere(const std::string& command)
 {
-    std::FILE* const output = popen(command.c_str(), "r");
+    std::FILE* const output = openCommand(command);
     if (output == nullptr) {
         return std::nullopt;
     }
@@ -149,6 +150,15 @@ std::optional<Printed> readHere(const std::string& command)
 }
 
 } // namespace
+
+std::FILE* openCommand(const std::string& command)
+{
+    std::FILE* const output = popen(command.c_str(), "r");
+    if (output != nullptr) {
+        __fsetlocking(output, FSETLOCKING_BYCALLER);
+    }
+    return output;
+}
 
 int runCommand(const std::string& command)
 {

@@ -2,6 +2,7 @@
 #define HOST_COMMANDS_H
 
 #include <chrono>
+#include <cstdio>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,12 @@ int runCommand(const std::string& command);
 
 /** The same within a time; -1 too when it has not ended by then, and it is left to itself. */
 int runWithin(std::chrono::seconds limit, const std::string& command);
+
+/**
+ * popen() of what one prints, for the calling thread alone: the stream has no lock, with which a thread that
+ * waits for a tool that hangs would keep the process from its end.
+ */
+std::FILE* openCommand(const std::string& command);
 
 /** All that a command has printed. */
 struct Printed

@@ -11,6 +11,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <map>
 #include <memory>
 #include <scsi/sg.h>
 #include <set>
@@ -63,7 +64,7 @@ int failWith(int error)
 struct Stream
 {
     std::string path;
-    std::string text;
+    std::string text; ///< that is read
     size_t place = 0;
     int status = 0;
 };
@@ -82,22 +83,30 @@ ssize_t readStream(void* cookie, char* bytes, size_t size)
     return static_cast<ssize_t>(count);
 }
 
-ssize_t writeStream(void* cookie, const char* bytes, size_t size)
-{
-    auto& stream = *static_cast<Stream*>(cookie);
-    return Host::ofRunning()->writeFile(stream.path, std::string(bytes, size)) ? static_cast<ssize_t>(size)
-                                                                               : 0;
-}
-
 int closeStream(void* cookie)
 {
     delete static_cast<Stream*>(cookie);
     return 0;
 }
 
-std::FILE* opened(Stream stream, const char* mode)
+/** The open files, by descriptor; those of disks are lower. */
+std::map<int, Stream>& files()
 {
-    return fopencookie(new Stream(std::move(stream)), mode, {readStream, writeStream, nullptr, closeStream});
+    static std::map<int, Stream> open;
+    return open;
+}
+
+int openFile(Host& host, const std::string& path, int flags)
+{
+    constexpr int FIRST_FILE = 2 * simulation::FIRST_DESCRIPTOR;
+    const bool isRead = (flags & O_ACCMODE) == O_RDONLY;
+    const auto text = isRead ? host.readFile(path) : std::make_optional<std::string>();
+    if (!text || (!isRead && access(path.c_str(), F_OK) != 0)) {
+        return failWith(ENOENT);
+    }
+    const int descriptor = files().empty() ? FIRST_FILE : files().rbegin()->first + 1;
+    files()[descriptor] = {path, *text};
+    return descriptor;
 }
 
 /** An open directory. */
@@ -128,7 +137,8 @@ SIMULATED FILE* popen(const char* command, const char* mode)
     if (host == nullptr) {
         return next("popen", &popen)(command, mode);
     }
-    std::FILE* const stream = opened({"", host->print(command)}, "r");
+    std::FILE* const stream =
+        fopencookie(new Stream{"", host->print(command)}, mode, {readStream, nullptr, nullptr, closeStream});
     commands().insert(stream);
     return stream;
 }
@@ -140,21 +150,6 @@ SIMULATED int pclose(FILE* stream)
     }
     std::fclose(stream);
     return 0;
-}
-
-SIMULATED FILE* fopen(const char* path, const char* mode)
-{
-    Host* const host = hostOf(path);
-    if (host == nullptr) {
-        return next("fopen", &fopen)(path, mode);
-    }
-    const bool isWriting = mode[0] == 'w';
-    const auto content = isWriting ? std::make_optional<std::string>() : host->readFile(path);
-    if (!content) {
-        errno = ENOENT;
-        return nullptr;
-    }
-    return opened({path, *content}, isWriting ? "w" : "r");
 }
 
 SIMULATED int access(const char* path, int mode) noexcept
@@ -237,12 +232,35 @@ SIMULATED int open(const char* path, int flags, ...)
     if (host == nullptr) {
         return next("open", &open)(path, flags, mode);
     }
+    if (std::strncmp(path, "/dev/", 5) != 0) {
+        return openFile(*host, path, flags);
+    }
     const int descriptor = host->openDevice(path);
     return descriptor < 0 ? failWith(ENOENT) : descriptor;
 }
 
+SIMULATED ssize_t read(int fd, void* bytes, size_t size)
+{
+    const auto file = fd >= simulation::FIRST_DESCRIPTOR ? files().find(fd) : files().end();
+    return file == files().end() ? next("read", &read)(fd, bytes, size)
+                                 : readStream(&file->second, static_cast<char*>(bytes), size);
+}
+
+SIMULATED ssize_t write(int fd, const void* bytes, size_t size)
+{
+    const auto file = fd >= simulation::FIRST_DESCRIPTOR ? files().find(fd) : files().end();
+    if (file == files().end()) {
+        return next("write", &write)(fd, bytes, size);
+    }
+    const std::string text(static_cast<const char*>(bytes), size);
+    return Host::ofRunning()->writeFile(file->second.path, text) ? static_cast<ssize_t>(size) : failWith(EIO);
+}
+
 SIMULATED int close(int fd)
 {
+    if (fd >= simulation::FIRST_DESCRIPTOR && files().erase(fd) == 1) {
+        return 0;
+    }
     Host* const host = fd >= simulation::FIRST_DESCRIPTOR ? Host::ofRunning() : nullptr;
     if (host == nullptr) {
         return next("close", &close)(fd);

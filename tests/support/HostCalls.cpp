@@ -14,6 +14,7 @@
 #include <poll.h>
 #include <string>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/sem.h>
 #include <unistd.h>
 
@@ -46,6 +47,22 @@ bool isDisk(const std::string& path)
            (name.compare(0, 2, "sd") == 0 || name.compare(0, 3, "dm-") == 0);
 }
 
+/** What stands for a file is read from memory, where the text of the seam is not that of a file. */
+int openFile(const HostSeam* seam, const char* path, int flags, mode_t mode)
+{
+    if (seam != nullptr && seam->hasNoDescriptors) {
+        errno = EMFILE;
+        return -1;
+    }
+    const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
+    if (seam == nullptr || file == seam->files.end()) {
+        return next("open", &open)(placeOf(path).c_str(), flags, mode);
+    }
+    const int text = memfd_create("file", MFD_CLOEXEC);
+    pwrite(text, file->second.data(), file->second.size(), 0);
+    return text;
+}
+
 } // namespace
 
 extern "C" {
@@ -66,20 +83,6 @@ int pclose(FILE* stream)
 {
     HostSeam* const seam = HostSeam::active();
     return seam != nullptr ? seam->pclose(stream) : next("pclose", &pclose)(stream);
-}
-
-FILE* fopen(const char* path, const char* mode)
-{
-    HostSeam* const seam = HostSeam::active();
-    if (seam != nullptr && seam->hasNoDescriptors) {
-        errno = EMFILE;
-        return nullptr;
-    }
-    const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
-    if (seam == nullptr || file == seam->files.end()) {
-        return next("fopen", &fopen)(placeOf(path).c_str(), mode);
-    }
-    return fmemopen(file->second.data(), file->second.size(), "r");
 }
 
 int access(const char* path, int mode) noexcept
@@ -155,7 +158,10 @@ int open(const char* path, int flags, ...)
         va_end(arguments);
     }
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr && isDisk(path) ? seam->open(path, flags) : next("open", &open)(path, flags, mode);
+    if (seam == nullptr || !isDisk(path)) {
+        return openFile(seam, path, flags, mode);
+    }
+    return seam->open(path, flags);
 }
 
 int ioctl(int fd, unsigned long request, ...) noexcept

@@ -67,7 +67,7 @@ public:
     /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;
 
-    /** What fopen reads, by path, in place of the file. */
+    /** What is read, by path, in place of the file. */
     std::map<std::string, std::string> files;
 
     /** Writes a file below root. */

@@ -33,7 +33,8 @@ std::vector<std::string> logLines(const std::string& filePrefix)
     std::ifstream file(directory + "/logs/" + filePrefix + date + ".log");
     const std::string process = " " + std::to_string(getpid()) + " ";
     std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
+    // Another process may be writing the last line.
+    for (std::string line; std::getline(file, line) && !file.eof();) {
         const size_t afterTime = line.find(' ', line.find(' ') + 1);
         if (line.compare(afterTime, process.size(), process) == 0) {
             lines.push_back(line.substr(line.find(' ', afterTime + process.size()) + 1));
