@@ -48,8 +48,7 @@ ArraySim::~ArraySim()
     const int status = stop();
     if (status != 0) {
         // A crash of the simulator, or what a sanitizer found in it, must fail the test.
-        std::cerr << "tessel-arraysim ended with status " << status << ":\n"
-                  << readFile(m_stateDir + "/output");
+        std::cerr << "tessel-arraysim ended with status " << status << output() << "\n";
         std::abort();
     }
     std::error_code ignored;
@@ -126,12 +125,18 @@ void ArraySim::awaitPorts()
         if (ended || std::chrono::steady_clock::now() > deadline) {
             m_pid = ended ? -1 : m_pid;
             kill();
-            throw std::runtime_error("tessel-arraysim did not start: " + readFile(m_stateDir + "/output"));
+            throw std::runtime_error("tessel-arraysim did not start" + output());
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     m_port = static_cast<unsigned>(std::stoul(readFile(m_stateDir + "/port")));
     m_controlPort = static_cast<unsigned>(std::stoul(readFile(m_stateDir + "/control-port")));
+}
+
+/** What it said of itself, to stand behind what went wrong. */
+std::string ArraySim::output() const
+{
+    return "; the simulator wrote:\n" + readFile(m_stateDir + "/output");
 }
 
 int ArraySim::reap()

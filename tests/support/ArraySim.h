@@ -109,6 +109,7 @@ private:
 
     std::vector<std::string> commandLine() const;
     void awaitPorts();
+    std::string output() const;
     int reap();
 
     ArraySimOptions m_options;

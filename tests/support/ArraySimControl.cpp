@@ -39,8 +39,8 @@ Json::Value ArraySim::control(const std::string& method, const std::string& path
     request.body = body.isNull() ? std::string() : text(body);
     const httplib::Result result = client.send(request);
     if (!result || result->status != 200) {
-        throw std::runtime_error("control request " + method + " " + path +
-                                 " failed: " + (result ? result->body : httplib::to_string(result.error())));
+        throw std::runtime_error("control request " + method + " " + path + " failed: " +
+                                 (result ? result->body : httplib::to_string(result.error())) + output());
     }
     return parse(result->body);
 }
