@@ -221,6 +221,25 @@ TEST_F(Access, FinishesWhatWasBegun)
     EXPECT_EQ(result.own.mappingView.ID, view);
 }
 
+TEST_F(Access, TakesAwayAgainWhatTheArrayDoesNotBind)
+{
+    options.tries = 2;
+    const char* const refused[] = {
+        R"({"method":"POST","path":"/hostgroup/associate","action":"error","code":50331651,"count":0})",
+        R"({"method":"PUT","path":"/mappingview/create_associate","action":"error","code":50331651,"count":0})",
+        R"({"method":"PUT","path":"/mappingview/create_associate","action":"error","code":50331651,"count":0,"skip":1})"};
+    for (const char* fault : refused) {
+        SCOPED_TRACE(fault);
+        sim.addFault(fault);
+        EXPECT_THROW(show(lun), OvraAPIException);
+        sim.clearFaults();
+        EXPECT_EQ(graph().leftovers, 0u);
+        EXPECT_FALSE(sees(lun));
+    }
+    EXPECT_TRUE(show(lun).isVisible);
+    EXPECT_EQ(graph().bound, WHOLE);
+}
+
 TEST_F(Access, LeavesAViewOfItsNameThatBindsALunGroupOfOthers)
 {
     options.tries = 2;
