@@ -37,7 +37,7 @@ bool SessionRegistry::hasUser(CDeviceManagerImpl* const& identity)
 
 bool SessionRegistry::addUser(CDeviceManagerImpl* const& identity, const std::string& deviceId,
                               const std::string& ip, const unsigned int& port, const std::string& token,
-                              const std::string& cookie, const bool& loggedIn)
+                              const std::string& cookie, const bool& /*loggedIn*/)
 {
     const unsigned int key = keyOf(identity);
     if (key == 0 || deviceId == "." || deviceId == ".." || deviceId.size() > MOST_VALUE_BYTES ||
@@ -51,7 +51,6 @@ bool SessionRegistry::addUser(CDeviceManagerImpl* const& identity, const std::st
     session->port = port;
     session->token = token;
     session->cookie = cookie;
-    session->loggedIn = loggedIn;
 
     const std::lock_guard<std::mutex> lock(libraryMutex());
     std::shared_ptr<const Session>& place = m_sessions[key];

@@ -18,7 +18,6 @@ struct Session
     unsigned int port = 0;
     SecretText token;
     SecretText cookie;
-    bool loggedIn = false;
 };
 
 /** The process's sessions by the low 32 bits of their identity. */

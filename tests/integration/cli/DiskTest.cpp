@@ -272,6 +272,11 @@ TEST_F(DiskTest, AttachWithoutASessionSaysWhatToDoAndReleaseHidesAgain)
                                     HasSubstr("run log"), Not(HasSubstr("Exception"))));
     EXPECT_EQ(attached.err.find('\n'), attached.err.size() - 1) << "one line";
     EXPECT_TRUE(isShown());
+    EXPECT_EQ(expect(1, {"disk", "attach", "lun", lun, "--lock-seconds", "0", "--find-seconds", "0",
+                         "--map-seconds", "0"})
+                  .err,
+              attached.err)
+        << "not to wait at all is a limit too";
     EXPECT_EQ(expect(0, {"disk", "release", "lun", lun}).out,
               "LUN " + lun + " is no disk of this host any more\n");
     EXPECT_FALSE(isShown());

@@ -34,6 +34,8 @@ TEST_F(CliTest, FingerprintShowsTheCertificateAndThePinThatTrustsIt)
     const std::string sum = shown["sha256"].asString();
     EXPECT_THAT(text.out,
                 HasSubstr("SHA-256      " + sum.substr(0, 48) + "\n             " + sum.substr(48) + "\n"));
+    EXPECT_EQ(Cli().run({"fingerprint", "127.0.0.2:" + std::to_string(array.port())}).exitCode, 1)
+        << "nobody listens there";
     EXPECT_FALSE(shown["selfSigned"].asBool());
     EXPECT_THAT(text.out, Not(HasSubstr("(itself)")));
     EXPECT_THAT(text.out, HasSubstr("names        127.0.0.1, ::1, localhost\n"));

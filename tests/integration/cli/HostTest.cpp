@@ -1,7 +1,9 @@
 #include "HostFixture.h"
 
+#include <linux/capability.h>
 #include <sstream>
 #include <sys/mount.h>
+#include <sys/prctl.h>
 
 using ::testing::HasSubstr;
 
@@ -160,8 +162,33 @@ TEST_F(HostTest, ADetachThatLeavesDevicesBehindSaysSo)
 {
     expect(0, {"attach", "lun", lun});
     addLunDisk();
-    EXPECT_THAT(expect(0, {"detach", "lun", lun}).err, HasSubstr("--remove-devices"));
+    EXPECT_EQ(expect(0, {"detach", "lun", lun}).err,
+              "tesselctl: this host still has devices of it (sdc), which are dead once it is detached: "
+              "use --remove-devices\n");
     EXPECT_TRUE(diskIsThere());
+}
+
+TEST_F(HostTest, WithoutTheRightsForItNothingOfTheHostIsTouched)
+{
+    addLunDisk();
+    cli.prepare = [] {
+        if (prctl(PR_CAPBSET_DROP, CAP_SYS_RAWIO) != 0) { // gone at the start of the program
+            _exit(127);
+        }
+    };
+    const std::vector<std::pair<std::string, Words>> works = {
+        {"the scan", {"scan", "lun", lun}},
+        {"--scan", {"attach", "lun", lun, "--scan"}},
+        {"the removal", {"remove", "lun", lun}},
+        {"the attach", {"disk", "attach", "lun", lun}},
+        {"the release", {"disk", "release", "lun", lun}},
+        {"the verification", {"disk", "verify", "lun", lun, "/dev/sdc"}}};
+    for (const auto& [work, words] : works) {
+        EXPECT_EQ(expect(1, words).err,
+                  "tesselctl: " + work + " writes sysfs and sends SCSI commands: run it as root\n");
+    }
+    EXPECT_TRUE(diskIsThere());
+    EXPECT_FALSE(std::filesystem::exists(folder.path() + "/rescans"));
 }
 
 TEST_F(HostTest, AScanThatFindsNoDiskIsAFailureThatTellsWhereToLook)

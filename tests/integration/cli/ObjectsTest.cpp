@@ -202,8 +202,9 @@ TEST_F(MappingTest, AnIdThatNobodyHasIsOfTheFormOfTheOneThatIsMissing)
         return paths.back();
     };
     EXPECT_EQ(asked({"lun", "show", "77"}), "4294967294");
-    EXPECT_THAT(asked({"initiator", "fc", "show", "2100001405a0fff0"}),
-                ::testing::MatchesRegex("[0-9a-f]{16}"));
+    for (const char* wwn : {"2100001405a0fff0", "2100001405A0FFF0"}) {
+        EXPECT_THAT(asked({"initiator", "fc", "show", wwn}), ::testing::MatchesRegex("[0-9a-f]{16}"));
+    }
     EXPECT_THAT(asked({"initiator", "iscsi", "show", "iqn.none"}),
                 ::testing::MatchesRegex("iqn.none[0-9a-f]{8}"));
 }

@@ -149,6 +149,11 @@ TEST_P(WrongLine, IsAJsonObjectWhereJsonIsAskedFor)
     EXPECT_EQ(error["exitCode"].asInt(), 2);
     EXPECT_TRUE(error["arrayCode"].isNull());
     EXPECT_THAT(error["message"].asString(), HasSubstr(GetParam().message));
+    if (form == line.end()) {
+        Words inOneWord = line;
+        inOneWord.emplace_back("--output=json");
+        EXPECT_EQ(cli.run(inOneWord).err, json.err);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(CommandLine, WrongLine, ::testing::ValuesIn(MISTAKES),

@@ -71,6 +71,7 @@ TEST_F(SimulatorLifecycle, ObjectsAndAssociationsOutliveAStop)
     const Json::Value before = client.get("/lun").json;
     const std::string device = array.deviceId();
     EXPECT_EQ(array.stop(), 0);
+    EXPECT_THAT(array.log(), testing::EndsWith(" stopped\n"));
     array.start();
     client.disconnect();
     EXPECT_EQ(array.deviceId(), device);

@@ -143,6 +143,12 @@ TEST(SimulatorSettle, LunGroupsSettleWithACodeOfTheirOwnFirst)
     EXPECT_EQ(client.get("/lun/" + lun).code(), 0);
 }
 
+TEST_F(SimulatorObject, APoolIsFoundByItsName)
+{
+    const std::string name = client.get("/storagepool/1").data()["NAME"].asString();
+    EXPECT_THAT(client.get("/storagepool?filter=NAME:" + name).ids(), testing::ElementsAre("1"));
+}
+
 TEST_F(SimulatorObject, UnknownResourcesAndMethodsAreRefused)
 {
     EXPECT_EQ(client.get("/volumes").code(), code::RESOURCE_UNKNOWN);

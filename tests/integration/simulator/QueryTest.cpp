@@ -81,8 +81,8 @@ TEST_F(SimulatorQuery, MalformedQueriesAreRefused)
           "filter=%20and%20NAME:a&"}) {
         EXPECT_EQ(query(filter).code(), code::QUERY_MALFORMED) << filter;
     }
-    for (const std::string range :
-         {"[0]", "0-1", "[0-1", "[-1-2]", "[2-1]", "[a-b]", "[]", "[0-1]x", "[0-99999999999999999999]"}) {
+    for (const std::string range : {"[0]", "0-1", "[0-1", "[-1-2]", "[2-1]", "[a-b]", "[]", "[0-1]x", "x0-1]",
+                                    "[0-1x", "[0-99999999999999999999]"}) {
         EXPECT_EQ(query("", "&range=" + range).code(), code::QUERY_MALFORMED) << range;
     }
     EXPECT_EQ(client.get("/lun/1?x=1").code(), code::QUERY_MALFORMED);

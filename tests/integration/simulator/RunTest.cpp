@@ -31,6 +31,13 @@ TEST(SimulatorRun, TheCommandFindsTheArrayInItsEnvironment)
     EXPECT_EQ(program.wait(), 0);
 }
 
+TEST(SimulatorRun, TheArrayHasAPortOfItsOwn)
+{
+    Program program(beside("echo $TESSEL_ARRAYSIM_PORT"));
+    EXPECT_NE(program.read(), "8088\n") << "where another one may be";
+    EXPECT_EQ(program.wait(), 0);
+}
+
 TEST(SimulatorRun, TheCommandSeesNoSettingsForAnotherArray)
 {
     Program program(

@@ -1,5 +1,6 @@
 #include "graph/Drawings.h"
 #include "graph/Layout.h"
+#include "output/Printer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -94,6 +95,11 @@ TEST_F(Drawing, jsonHasNodesAndEdgesByTheirPlace)
     ASSERT_EQ(json["edges"].size(), 5U);
     EXPECT_EQ(json["edges"][0]["from"].asUInt64(), lunGroup);
     EXPECT_EQ(json["edges"][0]["to"].asUInt64(), lun);
+}
+
+TEST_F(Drawing, jsonOfNothingHasEmptyLists)
+{
+    EXPECT_EQ(jsonText(graphJson(Graph()), false), R"({"edges":[],"nodes":[]})");
 }
 
 TEST_F(Drawing, columnsAreLayersAndBoxesStandApart)

@@ -66,6 +66,8 @@ TEST(Text, isCutToColumnsAndNotToBytes)
     EXPECT_EQ(cutTo("abcde", 4), "abc~");
     EXPECT_EQ(cutTo("abcde", 1), "~");
     EXPECT_EQ(cutTo("", 0), "");
+    EXPECT_EQ(cutTo("\x01\x02z", 3), "\x01\x02z"); // what has no width takes a column all the same
+    EXPECT_EQ(cutTo("\x01\x02z", 2), "\x01~");
     EXPECT_EQ(cutTo("\xC3\xA4\xC3\xB6\xC3\xBC", 3), "\xC3\xA4\xC3\xB6\xC3\xBC");
     EXPECT_EQ(cutTo("\xC3\xA4\xC3\xB6\xC3\xBC", 2), "\xC3\xA4~");
     EXPECT_EQ(cutTo("e\xCC\x81x", 2), "e\xCC\x81x"); // an accent of its own takes no column

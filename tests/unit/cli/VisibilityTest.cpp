@@ -78,6 +78,7 @@ TEST_F(Way, withoutAHostBeginsWithOne)
     EXPECT_THAT(
         commandsOf(visibility),
         ElementsAre("tesselctl initiator iscsi add 'iqn.2026-01.example:it'\\''s' --host HOST", ATTACH));
+    EXPECT_EQ(visibility.remedies[0].effect, "then ask again");
 }
 
 TEST_F(Way, ofAFibreChannelPortHasNoAttach)

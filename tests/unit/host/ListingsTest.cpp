@@ -70,6 +70,13 @@ TEST(ByIdListing, LeadsToAnyNodeWithAHarmlessName)
     }
 }
 
+TEST(ByIdListing, LeadsToANameAsLongAsTheKernelsLongest)
+{
+    const std::string longest = "sd" + std::string(29, 'z');
+    EXPECT_EQ(pathOf("../../" + longest), "/dev/disk/by-id/../../" + longest);
+    EXPECT_EQ(pathOf("../../" + longest + "z"), "");
+}
+
 TEST(ByIdListing, LeadsNowhereElse)
 {
     for (const char* const target :

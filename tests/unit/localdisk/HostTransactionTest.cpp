@@ -100,6 +100,13 @@ TEST_F(TransactionOnAHost, WaitsOnThroughSignalsAndASetThatIsMadeAnew)
     EXPECT_EQ(begun(60), "");
 }
 
+TEST_F(TransactionOnAHost, IsRefusedWithTheReasonOfTheKernel)
+{
+    seam.semopErrors = {EACCES};
+    EXPECT_THAT(begun(60), HasSubstr("no rescan lock: Permission denied"));
+    EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
 TEST_F(TransactionOnAHost, IsRefusedWithoutASemaphore)
 {
     seam.semgetFails = true;

@@ -79,7 +79,9 @@ TEST_F(Delivery, HasTheStepsOfAScanWithTheObjectItIsFor)
     scanner.scanLunAfterAttach(id);
     EXPECT_THAT(recording->stepLines(), ElementsAre("scanned ", "found /dev/disk/by-id/../../sdc"));
     EXPECT_EQ(objectsOf(recording->steps.at(1).operation), "lun 7");
-    EXPECT_EQ(recording->calls("scanLunAfterAttach").at(0).device, "/dev/disk/by-id/../../sdc");
+    const OperationEvent scan = recording->calls("scanLunAfterAttach").at(0);
+    EXPECT_EQ(scan.device, "/dev/disk/by-id/../../sdc");
+    EXPECT_GT(scan.lockSeconds, 0) << "nothing takes no time at all";
     scanner.scanLunBeforeDetach(id);
     EXPECT_THAT(recording->stepLines(), Contains("refused /dev/sdc"));
 }

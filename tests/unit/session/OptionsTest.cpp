@@ -80,6 +80,11 @@ TEST_F(OptionsOfADeviceManager, KeepACancellationAsLongAsACallMayWaitForIt)
     EXPECT_EQ(descriptors(), before + 1) << "its number may be another file's, else";
     setCallLimit(manager, milliseconds(0));
     EXPECT_EQ(descriptors(), before);
+    {
+        const CallLimit limit{Cancellation()};
+        EXPECT_EQ(descriptors(), before + 1) << "of the calls of a thread";
+    }
+    EXPECT_EQ(descriptors(), before);
 }
 
 TEST(ACancellation, IsRefusedWhereNothingMoreCanBeOpened)
