@@ -79,7 +79,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static std::unique_ptr<Array> array;
     static unsigned uses = 0;
-    if (uses++ % 1000 == 0) {
+    if (uses++ % 100 == 0) {
         array.reset();
         array = std::make_unique<Array>();
     }

@@ -22,20 +22,19 @@ inline void mustHold(bool holds, const char* what)
 
 inline std::string textOf(const uint8_t* data, size_t size)
 {
-    return std::string(data, data + size);
+    return std::string(reinterpret_cast<const char*>(data), size);
 }
 
 /** The pieces between newlines. */
 inline std::vector<std::string> linesOf(const std::string& text)
 {
-    std::vector<std::string> lines(1);
-    for (const char c : text) {
-        if (c == '\n') {
-            lines.emplace_back();
-        } else {
-            lines.back() += c;
-        }
+    std::vector<std::string> lines;
+    size_t begin = 0;
+    for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin)) {
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
     }
+    lines.push_back(text.substr(begin));
     return lines;
 }
 
