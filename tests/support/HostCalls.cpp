@@ -20,24 +20,24 @@
 
 namespace {
 
-/** The function that would have been called without this file. */
-template <class Function>
-Function* next(const char* name, Function*)
+/** The function that would have been called without this file; it is looked for once. */
+template <auto Function>
+auto next(const char* name)
 {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+    static const auto found = reinterpret_cast<decltype(Function)>(dlsym(RTLD_NEXT, name));
+    return found;
 }
 
 /** Where a file stands for the program: below the seam's root for those of the kernel and of udev. */
 std::string placeOf(const char* path)
 {
     const HostSeam* const seam = HostSeam::active();
-    const std::string name = path;
     for (const char* const folder : {"/sys/", "/proc/", "/dev/disk/", "/dev/mapper/"}) {
-        if (seam != nullptr && name.compare(0, std::strlen(folder), folder) == 0) {
-            return seam->root + name;
+        if (seam != nullptr && std::strncmp(path, folder, std::strlen(folder)) == 0) {
+            return seam->root + path;
         }
     }
-    return name;
+    return path;
 }
 
 bool isDisk(const std::string& path)
@@ -56,7 +56,7 @@ int openFile(const HostSeam* seam, const char* path, int flags, mode_t mode)
     }
     const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
     if (seam == nullptr || file == seam->files.end()) {
-        return next("open", &open)(placeOf(path).c_str(), flags, mode);
+        return next<&open>("open")(placeOf(path).c_str(), flags, mode);
     }
     const int text = memfd_create("file", MFD_CLOEXEC);
     pwrite(text, file->second.data(), file->second.size(), 0);
@@ -70,24 +70,24 @@ extern "C" {
 int system(const char* command)
 {
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr ? seam->system(command) : next("system", &system)(command);
+    return seam != nullptr ? seam->system(command) : next<&system>("system")(command);
 }
 
 FILE* popen(const char* command, const char* mode)
 {
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr ? seam->popen(command) : next("popen", &popen)(command, mode);
+    return seam != nullptr ? seam->popen(command) : next<&popen>("popen")(command, mode);
 }
 
 int pclose(FILE* stream)
 {
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr ? seam->pclose(stream) : next("pclose", &pclose)(stream);
+    return seam != nullptr ? seam->pclose(stream) : next<&pclose>("pclose")(stream);
 }
 
 int access(const char* path, int mode) noexcept
 {
-    return next("access", &access)(placeOf(path).c_str(), mode);
+    return next<&access>("access")(placeOf(path).c_str(), mode);
 }
 
 DIR* opendir(const char* path)
@@ -96,18 +96,18 @@ DIR* opendir(const char* path)
         errno = EMFILE;
         return nullptr;
     }
-    return next("opendir", &opendir)(placeOf(path).c_str());
+    return next<&opendir>("opendir")(placeOf(path).c_str());
 }
 
 ssize_t readlink(const char* path, char* target, size_t size) noexcept
 {
-    return next("readlink", &readlink)(placeOf(path).c_str(), target, size);
+    return next<&readlink>("readlink")(placeOf(path).c_str(), target, size);
 }
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
     const HostSeam* const seam = HostSeam::active();
-    const int result = next("clock_gettime", &clock_gettime)(clock, time);
+    const int result = next<&clock_gettime>("clock_gettime")(clock, time);
     time->tv_sec += seam != nullptr && clock == CLOCK_MONOTONIC ? seam->clock : 0;
     return result;
 }
@@ -115,7 +115,7 @@ int clock_gettime(clockid_t clock, timespec* time) noexcept
 unsigned int sleep(unsigned int seconds)
 {
     if (HostSeam::active() == nullptr) {
-        return next("sleep", &sleep)(seconds);
+        return next<&sleep>("sleep")(seconds);
     }
     RecordingPlatform::get().note("sleep: " + std::to_string(seconds));
     return 0;
@@ -125,7 +125,7 @@ int usleep(useconds_t microseconds)
 {
     const HostSeam* const seam = HostSeam::active();
     if (seam == nullptr) {
-        return next("usleep", &usleep)(microseconds);
+        return next<&usleep>("usleep")(microseconds);
     }
     RecordingPlatform::get().note("usleep: " + std::to_string(microseconds));
     if (seam->onUsleep) {
@@ -139,13 +139,13 @@ int poll(pollfd* polled, nfds_t count, int milliseconds)
 {
     const HostSeam* const seam = HostSeam::active();
     if (seam == nullptr || milliseconds == 0) {
-        return next("poll", &poll)(polled, count, milliseconds);
+        return next<&poll>("poll")(polled, count, milliseconds);
     }
     RecordingPlatform::get().note("poll: " + std::to_string(milliseconds));
     if (seam->onUsleep) {
         seam->onUsleep();
     }
-    return next("poll", &poll)(polled, count, 0);
+    return next<&poll>("poll")(polled, count, 0);
 }
 
 int open(const char* path, int flags, ...)
@@ -172,46 +172,46 @@ int ioctl(int fd, unsigned long request, ...) noexcept
     va_end(arguments);
     HostSeam* const seam = HostSeam::active();
     return seam != nullptr && seam->owns(fd) ? seam->ioctl(fd, request, argument)
-                                             : next("ioctl", &ioctl)(fd, request, argument);
+                                             : next<&ioctl>("ioctl")(fd, request, argument);
 }
 
 int fsync(int fd)
 {
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr && seam->owns(fd) ? seam->fsync(fd) : next("fsync", &fsync)(fd);
+    return seam != nullptr && seam->owns(fd) ? seam->fsync(fd) : next<&fsync>("fsync")(fd);
 }
 
 int syncfs(int fd) noexcept
 {
     if (HostSeam::active() == nullptr) {
-        return next("syncfs", &syncfs)(fd);
+        return next<&syncfs>("syncfs")(fd);
     }
     char path[4096] = {};
     const std::string link = "/proc/self/fd/" + std::to_string(fd);
     RecordingPlatform::get().note(
         std::string("syncfs: ") +
-        (next("readlink", &readlink)(link.c_str(), path, sizeof(path) - 1) > 0 ? path : "unknown"));
+        (next<&readlink>("readlink")(link.c_str(), path, sizeof(path) - 1) > 0 ? path : "unknown"));
     return 0;
 }
 
 int semget(key_t key, int count, int flags) noexcept
 {
     HostSeam* const seam = HostSeam::active();
-    return seam != nullptr ? seam->semget(key, count, flags) : next("semget", &semget)(key, count, flags);
+    return seam != nullptr ? seam->semget(key, count, flags) : next<&semget>("semget")(key, count, flags);
 }
 
 int semop(int id, sembuf* operations, size_t count) noexcept
 {
     HostSeam* const seam = HostSeam::active();
     return seam != nullptr ? seam->semop(id, operations->sem_op, operations->sem_flg)
-                           : next("semop", &semop)(id, operations, count);
+                           : next<&semop>("semop")(id, operations, count);
 }
 
 int semtimedop(int id, sembuf* operations, size_t count, const timespec* limit) noexcept
 {
     HostSeam* const seam = HostSeam::active();
     return seam != nullptr ? seam->semop(id, operations->sem_op, operations->sem_flg)
-                           : next("semtimedop", &semtimedop)(id, operations, count, limit);
+                           : next<&semtimedop>("semtimedop")(id, operations, count, limit);
 }
 
 int semctl(int id, int number, int command, ...) noexcept
@@ -226,7 +226,7 @@ int semctl(int id, int number, int command, ...) noexcept
         return -1;
     }
     return seam != nullptr ? seam->semctl(id, command, value)
-                           : next("semctl", &semctl)(id, number, command, value);
+                           : next<&semctl>("semctl")(id, number, command, value);
 }
 
 } // extern "C"

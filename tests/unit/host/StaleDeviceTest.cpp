@@ -50,6 +50,17 @@ TEST_F(StaleDeviceNames, AreRenewedAndTheDiskFoundInTheSecondPass)
                     "info: ---------GetDiskPath successfully---------!"));
 }
 
+TEST_F(StaleDeviceNames, OnceRenewedAreLookedForAmongTheDisksThatAreThereByThen)
+{
+    nameRenewed("sdc");
+    seam.addDisk("sdb", OTHER_WWN);
+    const std::string gone = byIdLine("scsi-3" + std::string(OTHER_WWN), "sdb");
+    seam.prints(BY_ID,
+                {gone + byIdLine("scsi-3" + std::string(OTHER_WWN), "sdc"), byIdLine("scsi-3" + wwn, "sdc")});
+    EXPECT_EQ(find(), "/dev/disk/by-id/../../sdc");
+    EXPECT_EQ(count("open: /dev/disk/by-id/../../sdb rw"), 1u);
+}
+
 TEST_F(StaleDeviceNames, ThatStayAreRenewedTwiceNeverThrice)
 {
     EXPECT_EQ(find(), "");

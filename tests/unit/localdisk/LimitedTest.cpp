@@ -48,6 +48,22 @@ TEST(AStepWithALimit, GivesItsResult)
     EXPECT_EQ(within<int>(seconds(60), [] { return 7; }), 7);
 }
 
+TEST(AStepWithALimit, TakesNoSignalOfTheProgram)
+{
+    const auto takes = [](int signal) {
+        return within<bool>(seconds(60), [signal] {
+            sigset_t blocked;
+            pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+            return sigismember(&blocked, signal) == 0;
+        });
+    };
+    EXPECT_EQ(takes(SIGTERM), false);
+    EXPECT_EQ(takes(SIGCHLD), false);
+    sigset_t own;
+    pthread_sigmask(SIG_BLOCK, nullptr, &own);
+    EXPECT_EQ(sigismember(&own, SIGTERM), 0);
+}
+
 TEST(AStepWithALimit, IsLeftToItselfWhenItHangs)
 {
     const auto gate = std::make_shared<Gate>();
