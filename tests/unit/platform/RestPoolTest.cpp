@@ -4,10 +4,22 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <ctime>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
+
+static std::atomic<time_t> g_later{0}; ///< seconds that the clock is ahead of the kernel's
+
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
+{
+    const long result = syscall(SYS_clock_gettime, clock, time);
+    time->tv_sec += clock == CLOCK_MONOTONIC ? g_later.load() : 0;
+    return static_cast<int>(result);
+}
 
 namespace ovra::rest {
 namespace {
@@ -50,6 +62,24 @@ void expectInAChild(const Question& question)
     EXPECT_EQ(0, status);
 }
 
+/** A quarter of the descriptors that the process may open while one lives. */
+class FortyMayBeIdle
+{
+public:
+    FortyMayBeIdle()
+    {
+        EXPECT_EQ(0, getrlimit(RLIMIT_NOFILE, &m_before));
+        const rlimit few = {160, m_before.rlim_max};
+        EXPECT_EQ(0, setrlimit(RLIMIT_NOFILE, &few));
+    }
+    ~FortyMayBeIdle() { setrlimit(RLIMIT_NOFILE, &m_before); }
+    FortyMayBeIdle(const FortyMayBeIdle&) = delete;
+    FortyMayBeIdle& operator=(const FortyMayBeIdle&) = delete;
+
+private:
+    rlimit m_before = {};
+};
+
 TEST(IdleConnections, OfAServerAreSixtyFourAndTheLastUsedIsTheNext)
 {
     ConnectionPool pool;
@@ -62,10 +92,7 @@ TEST(IdleConnections, OfAServerAreSixtyFourAndTheLastUsedIsTheNext)
 
 TEST(IdleConnections, OfAllServersAreAQuarterOfWhatMayBeOpen)
 {
-    rlimit before = {};
-    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
-    const rlimit few = {160, before.rlim_max};
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &few));
+    const FortyMayBeIdle few;
     ConnectionPool pool;
     use(pool, "b", 25);
     use(pool, "a", 20);
@@ -73,7 +100,37 @@ TEST(IdleConnections, OfAllServersAreAQuarterOfWhatMayBeOpen)
     const std::vector<int> older = takeAll(pool, "b");
     ASSERT_EQ(20U, older.size());
     EXPECT_EQ(5, older.back()) << "the oldest of all have gone";
-    setrlimit(RLIMIT_NOFILE, &before);
+}
+
+TEST(IdleConnections, AreClosedOfTheServerWithTheOldestWhereOthersHaveNone)
+{
+    const FortyMayBeIdle few;
+    ConnectionPool pool;
+    for (const char* const server : {"a", "c", "e"}) {
+        use(pool, server, 1);
+        takeAll(pool, server);
+    }
+    use(pool, "d", 25);
+    use(pool, "b", 20);
+    EXPECT_EQ(20U, takeAll(pool, "b").size());
+    EXPECT_EQ(20U, takeAll(pool, "d").size());
+}
+
+TEST(IdleConnections, AreClosedWhenLibcurlWouldNotUseThemAnyMore)
+{
+    ConnectionPool pool;
+    use(pool, "a", 2);
+    g_later = 60;
+    use(pool, "b", 1);
+    g_later = 117;
+    use(pool, "c", 1);
+    EXPECT_EQ(2U, takeAll(pool, "a").size());
+    use(pool, "a", 1);
+    g_later = 60 + 119;
+    use(pool, "c", 1);
+    EXPECT_TRUE(takeAll(pool, "b").empty());
+    EXPECT_EQ(1U, takeAll(pool, "a").size());
+    g_later = 0;
 }
 
 TEST(IdleConnections, InUseWhenTheSettingsChangeAreNotKept)
