@@ -74,14 +74,10 @@ void lookForDisksAway(Findings& findings)
     }
 }
 
-} // namespace
-
-Findings checkRescanScript(Context&)
+void lookAtScript(Findings& findings)
 {
-    Findings findings;
-    lookForDisksAway(findings);
     if (findProgram(ovra::disk::RESCAN_SCRIPT).empty() || findProgram("sg_inq").empty()) {
-        return findings;
+        return;
     }
     const std::string harmful = ovra::disk::harmfulRescanScript();
     if (harmful.empty()) {
@@ -91,6 +87,20 @@ Findings checkRescanScript(Context&)
             {Verdict::WARNING, "rescan-scsi-bus.sh -r",
              "removes healthy disks: " + harmful + " looks for words that sg_inq does not print",
              "install sg3-utils 1.48 or later; until then scans run without -r and dead disks stay"});
+    }
+}
+
+} // namespace
+
+Findings checkRescanScript(Context&)
+{
+    Findings findings;
+    try {
+        lookForDisksAway(findings);
+        lookAtScript(findings);
+    } catch (const ovra::disk::Unreadable& problem) {
+        findings.push_back({Verdict::WARNING, "rescan-scsi-bus.sh -r", problem.what(),
+                            "scans run without -r while that is so, and dead disks stay"});
     }
     return findings;
 }

@@ -36,15 +36,18 @@ Listing listing(const std::string& directory)
     return found;
 }
 
-/** Throws unless an error, 0 for none, says that something is not there; devices go while they are read. */
+/**
+ * Throws unless an error, 0 for none, says that something is not there; devices and processes go while they
+ * are read.
+ */
 void requireAbsent(const std::string& path, int error)
 {
-    for (const int absent : {0, ENOENT, ENOTDIR, ENODEV, ENXIO, EINVAL}) {
+    for (const int absent : {0, ENOENT, ENOTDIR, ENODEV, ENXIO, EINVAL, ESRCH}) {
         if (error == absent) {
             return;
         }
     }
-    throw Unreadable(path + " cannot be read: " + std::generic_category().message(error));
+    throw Unreadable(path, error);
 }
 
 /**
@@ -115,6 +118,13 @@ std::string there(const std::string& path, std::optional<std::string> (*read)(co
 }
 
 } // namespace
+
+Unreadable::Unreadable(const std::string& path, int why)
+    : std::runtime_error(path + " cannot be read" +
+                         (why != 0 ? ": " + std::generic_category().message(why) : std::string())),
+      error(why)
+{
+}
 
 std::optional<std::string> readFile(const std::string& path)
 {

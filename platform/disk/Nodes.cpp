@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* BLOCK = "/sys/block/";
 constexpr const char* SCSI_DEVICES = "/sys/class/scsi_device/";
+constexpr const char* STATE = "/device/state";
 constexpr const char* RUNNING = "running";
 
 void visit(const Node& found, const std::string& root, std::vector<Node>& nodes)
@@ -23,13 +24,13 @@ void visit(const Node& found, const std::string& root, std::vector<Node>& nodes)
         return;
     }
     Node node = found;
-    node.number = valueOf(node.folder + "/dev");
-    node.mapped = valueOf(node.folder + "/dm/name");
+    node.number = valueThere(node.folder + "/dev");
+    node.mapped = valueThere(node.folder + "/dm/name");
     nodes.push_back(node);
-    for (const std::string& holder : namesIn(node.folder + "/holders")) {
+    for (const std::string& holder : namesThere(node.folder + "/holders")) {
         visit({holder, std::string(root).append(BLOCK).append(holder), "", "", node.name}, root, nodes);
     }
-    for (const std::string& name : namesIn(node.folder)) {
+    for (const std::string& name : namesThere(node.folder)) {
         const std::string folder = std::string(node.folder).append("/").append(name);
         if (access((folder + "/partition").c_str(), F_OK) == 0) {
             visit({name, folder, "", "", ""}, root, nodes);
@@ -65,9 +66,8 @@ std::vector<Node> nodesOn(const std::string& disk, const std::string& root)
 
 std::string stateOf(const std::string& disk, const std::string& root)
 {
-    const std::string state = valueOf(root + BLOCK + disk + "/device/state");
-    return !state.empty() ? state
-                          : valueOf(root + "/sys/class/block/" + disk + "/../device/state"); // a partition
+    const std::string state = valueOf(root + BLOCK + disk + STATE);
+    return !state.empty() ? state : valueOf(root + "/sys/class/block/" + disk + "/.." + STATE); // a partition
 }
 
 bool canAnswer(const std::string& name, const std::string& root)
@@ -100,13 +100,13 @@ std::vector<std::string> disksNotRunning(const std::string& root)
             disks.push_back(std::string(name).append(" is ").append(state));
         }
     };
-    for (const std::string& name : namesIn(root + BLOCK)) {
-        consider(name, isDiskName(name) ? stateOf(name, root) : std::string());
+    for (const std::string& name : namesThere(root + BLOCK)) {
+        consider(name, isDiskName(name) ? valueThere(root + BLOCK + name + STATE) : std::string());
     }
-    for (const std::string& address : namesIn(root + SCSI_DEVICES)) {
+    for (const std::string& address : namesThere(root + SCSI_DEVICES)) {
         const std::string folder = std::string(root).append(SCSI_DEVICES).append(address).append("/device");
         consider("the device at " + address,
-                 namesIn(folder + "/block").empty() ? valueOf(folder + "/state") : std::string());
+                 namesThere(folder + "/block").empty() ? valueThere(folder + "/state") : std::string());
     }
     return disks;
 }

@@ -3,6 +3,7 @@
 #include "ovra/disk/Files.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <set>
 
@@ -17,7 +18,7 @@ constexpr const char* ALL_PROCESSES = "pid:[4026531836]";
 
 std::string programOf(const std::string& process, const std::string& root)
 {
-    return valueOf(std::string(root).append("/proc/").append(process).append("/comm"));
+    return valueThere(std::string(root).append("/proc/").append(process).append("/comm"));
 }
 
 bool isCaretaker(const std::string& program)
@@ -25,13 +26,19 @@ bool isCaretaker(const std::string& program)
     return std::find(std::begin(CARETAKERS), std::end(CARETAKERS), program) != std::end(CARETAKERS);
 }
 
-/** What a process has open. */
+/** What a process has open; nothing where this one may not see it. */
 std::set<std::string> openIn(const std::string& process, const std::string& root)
 {
     const std::string folder = std::string(root).append("/proc/").append(process).append("/fd");
     std::set<std::string> open;
-    for (const std::string& descriptor : namesIn(folder)) {
-        open.insert(targetOf(std::string(folder).append("/").append(descriptor)));
+    try {
+        for (const std::string& descriptor : namesThere(folder)) {
+            open.insert(targetOf(std::string(folder).append("/").append(descriptor)));
+        }
+    } catch (const Unreadable& problem) {
+        if (problem.error != EACCES && problem.error != EPERM) {
+            throw;
+        }
     }
     return open;
 }
@@ -40,7 +47,7 @@ std::set<std::string> openIn(const std::string& process, const std::string& root
 
 std::vector<std::string> processes(const std::string& root)
 {
-    std::vector<std::string> numbers = namesIn(root + "/proc/");
+    std::vector<std::string> numbers = namesThere(root + "/proc/");
     numbers.erase(std::remove_if(numbers.begin(), numbers.end(),
                                  [](const std::string& name) {
                                      return name.find_first_not_of("0123456789") != std::string::npos;

@@ -3,6 +3,7 @@
 #include "ovra/disk/Files.h"
 
 #include <algorithm>
+#include <sys/stat.h>
 #include <vector>
 
 namespace ovra::disk {
@@ -50,6 +51,14 @@ struct Reading
     bool isNone() const { return !oldQualifier && !newQualifier && !oldType && !newType; }
 };
 
+/** Not one of the folders and devices that a script names as well, which say so when they are read. */
+bool isScript(const std::string& file)
+{
+    struct stat status = {};
+    return stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           contentThere(file).compare(0, 2, "#!") == 0;
+}
+
 /** The scripts that a text names with their whole paths. */
 std::vector<std::string> scriptsIn(const std::string& text)
 {
@@ -60,7 +69,7 @@ std::vector<std::string> scriptsIn(const std::string& text)
             const size_t end = std::min(line.find_first_of(ENDS, at), line.size());
             const std::string file = line.substr(at, end - at);
             const bool isWhole = at == 0 || std::string(ENDS).find(line[at - 1]) != std::string::npos;
-            if (isWhole && contentOf(file).compare(0, 2, "#!") == 0) {
+            if (isWhole && isScript(file)) {
                 scripts.push_back(file);
             }
             at = end;
@@ -89,7 +98,7 @@ std::string harmfulRescanScript(const std::string& path)
     }
     std::vector<std::string> scripts = {installed.front()};
     for (size_t i = 0; i < scripts.size() && i < MOST_SCRIPTS; ++i) {
-        const std::string text = contentOf(scripts[i]);
+        const std::string text = contentThere(scripts[i]);
         const Reading reading(text);
         if (reading.isHarmful()) {
             return scripts[i];

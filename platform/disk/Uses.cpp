@@ -7,7 +7,6 @@
 #include "ovra/disk/Tables.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <set>
 
 namespace ovra::disk {
@@ -22,11 +21,9 @@ class Search
 {
 public:
     Search(const std::string& disk, const std::string& root)
-        : m_root(root), m_nodes(nodesOn(disk, root)), m_mounts(mounts()), m_swaps(swaps())
+        : m_root(root), m_nodes(nodes(disk)), m_mounts(mounts()),
+          m_swaps(known([&] { return parseSwaps(contentThere(m_root + SWAPS)); })) // not all kernels have it
     {
-        if (m_nodes.front().number.empty()) {
-            m_uses.unknown.push_back(m_nodes.front().folder + " cannot be read");
-        }
     }
 
     /** @param isUse tells of a node that holds another one. */
@@ -38,7 +35,10 @@ public:
                 m_uses.found.push_back(node.below + " is held by " + node.name +
                                        (node.mapped.empty() ? "" : " (" + node.mapped + ")"));
             }
-            lookForMounts(node);
+            known([&] {
+                lookForMounts(node);
+                return true;
+            });
             if (std::find(m_swaps.begin(), m_swaps.end(), "/dev/" + node.name) != m_swaps.end()) {
                 m_uses.found.push_back(node.name + " is swapped to");
             }
@@ -52,27 +52,52 @@ private:
         std::string path; ///< by which this process gets there
     };
 
+    /** What a look finds: nothing where something cannot be read, which is kept in mind. */
+    template <class Look>
+    auto known(const Look& look) -> decltype(look())
+    {
+        try {
+            return look();
+        } catch (const Unreadable& problem) {
+            m_uses.unknown.emplace_back(problem.what());
+            return {};
+        }
+    }
+
+    /** The disk first; it alone where what stands on it is not known. */
+    std::vector<Node> nodes(const std::string& disk)
+    {
+        std::vector<Node> found = known([&] { return nodesOn(disk, m_root); });
+        if (found.empty()) {
+            found.push_back({disk, "", "", "", ""});
+        } else if (found.front().number.empty()) {
+            m_uses.unknown.emplace_back(Unreadable(found.front().folder).what());
+        }
+        return found;
+    }
+
+    std::vector<SeenMount> ownMounts() const
+    {
+        std::vector<SeenMount> own = mountsIn(m_root + OWN_MOUNTS, "");
+        if (own.empty()) {
+            throw Unreadable(m_root + OWN_MOUNTS);
+        }
+        return own;
+    }
+
     /** The mounts of every process: containers have mounts that this one does not see. */
     std::vector<SeenMount> mounts()
     {
-        std::vector<SeenMount> all = mountsIn(m_root + OWN_MOUNTS, "");
-        if (all.empty()) {
-            m_uses.unknown.push_back(m_root + OWN_MOUNTS + " cannot be read");
-        }
+        std::vector<SeenMount> all = known([&] { return ownMounts(); });
         std::set<std::string> seen = {viewOf("self")};
-        for (const std::string& process : processes(m_root)) {
+        for (const std::string& process : known([&] { return processes(m_root); })) {
             const std::string view = viewOf(process);
             if (!view.empty() && !seen.insert(view).second) {
                 continue;
             }
             const std::string folder = m_root + "/proc/" + process;
-            const std::string file = folder + "/mountinfo";
-            errno = 0;
-            const std::vector<SeenMount> more = mountsIn(file, folder + "/root");
-            if (more.empty() &&
-                (errno == EACCES || errno == EPERM)) { // a process that has ended has no mounts
-                m_uses.unknown.push_back(file + " cannot be read");
-            }
+            const std::vector<SeenMount> more =
+                known([&] { return mountsIn(folder + "/mountinfo", folder + "/root"); });
             all.insert(all.end(), more.begin(), more.end());
         }
         return all;
@@ -81,7 +106,7 @@ private:
     static std::vector<SeenMount> mountsIn(const std::string& file, const std::string& top)
     {
         std::vector<SeenMount> mounts;
-        for (const Mount& mount : parseMounts(contentOf(file))) {
+        for (const Mount& mount : parseMounts(contentThere(file))) {
             mounts.push_back({mount, top + mount.point});
         }
         return mounts;
@@ -95,20 +120,11 @@ private:
         return mountNamespace.empty() ? std::string() : mountNamespace + targetOf(folder + "/root");
     }
 
-    std::vector<std::string> swaps()
-    {
-        const std::optional<std::string> table = readFile(m_root + SWAPS);
-        if (!table && errno != ENOENT) { // a kernel without swap has no such file
-            m_uses.unknown.push_back(m_root + SWAPS + " cannot be read");
-        }
-        return parseSwaps(table.value_or(std::string()));
-    }
-
     /** A node and those that a file system holds together with it, of which its mounts show but one. */
     std::vector<std::string> membersWith(const Node& node) const
     {
-        for (const std::string& system : namesIn(m_root + BTRFS)) {
-            std::vector<std::string> members = namesIn(m_root + BTRFS + system + "/devices");
+        for (const std::string& system : namesThere(m_root + BTRFS)) {
+            std::vector<std::string> members = namesThere(m_root + BTRFS + system + "/devices");
             if (std::find(members.begin(), members.end(), node.name) != members.end()) {
                 return members;
             }
@@ -121,7 +137,7 @@ private:
     {
         std::set<std::string> sources;
         for (const std::string& name : names) {
-            const std::string mapped = valueOf(m_root + "/sys/block/" + name + "/dm/name");
+            const std::string mapped = valueThere(m_root + "/sys/block/" + name + "/dm/name");
             sources.insert(mapped.empty() ? "/dev/" + name : "/dev/mapper/" + mapped);
             sources.insert("/dev/" + name);
         }

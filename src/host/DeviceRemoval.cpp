@@ -6,6 +6,7 @@
 #include "session/CallsAtWork.h"
 #include "session/Log.h"
 
+#include <ovra/disk/Files.h>
 #include <ovra/disk/Lsscsi.h>
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/Uses.h>
@@ -37,13 +38,25 @@ void sayNotWritten(const std::string& name, const std::string& reason)
     }
 }
 
+/** A disk and what stands on it; it alone where that is not known, which is said. */
+std::vector<disk::Node> nodesOn(const std::string& device)
+{
+    const std::string name = disk::lastName(device);
+    try {
+        return disk::nodesOn(name);
+    } catch (const disk::Unreadable& problem) {
+        sayNotWritten("what stands on " + device, problem.what());
+        return {{name, "", "", "", ""}};
+    }
+}
+
 /** Writes back a disk and all that stands on it, from the top: what is removed with it is lost. */
 void flushAll(const std::string& path, const std::string& device, const std::vector<std::string>& mounts)
 {
     for (const std::string& mount : mounts) {
         sayNotWritten(mount, writeBackMount(mount));
     }
-    const std::vector<disk::Node> nodes = disk::nodesOn(disk::lastName(device));
+    const std::vector<disk::Node> nodes = nodesOn(device);
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
         const std::string name = "/dev/" + node->name;
         if (disk::canAnswer(node->name)) {

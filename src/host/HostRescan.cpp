@@ -5,6 +5,7 @@
 #include "session/CallsAtWork.h"
 #include "session/FewLines.h"
 
+#include <ovra/disk/Files.h>
 #include <ovra/disk/Nodes.h>
 #include <ovra/disk/RescanScript.h>
 
@@ -56,12 +57,27 @@ bool checkDisks()
     return away.empty();
 }
 
+/** Whether a look shows no harm; one that cannot be had shows nothing. */
+bool isHarmless(bool (*look)())
+{
+    try {
+        return look();
+    } catch (const disk::Unreadable& problem) {
+        COMMLOG(
+            OS_LOG_ERROR,
+            "Whether a rescan with -r would remove healthy disks cannot be told, %s: rescanning without -r, "
+            "so that disks that are gone stay.",
+            problem.what());
+        return false;
+    }
+}
+
 void rescanWithScript(bool mayRemove)
 {
-    mayRemove = mayRemove && checkScript();
+    mayRemove = mayRemove && isHarmless(&checkScript);
     // The second run finds what the first one's changes brought into view: docs/oddities.md#rescan-twice
     for (int run = 0; run < 2; ++run) {
-        mayRemove = mayRemove && checkDisks();
+        mayRemove = mayRemove && isHarmless(&checkDisks);
         runCommand(mayRemove ? RESCAN_AND_REMOVE : RESCAN_ONLY);
     }
     // docs/oddities.md#rescan-start

@@ -47,11 +47,19 @@ bool isDisk(const std::string& path)
            (name.compare(0, 2, "sd") == 0 || name.compare(0, 3, "dm-") == 0);
 }
 
+/** Whether no descriptor is left for a path; errno says so then. */
+bool isOutOfReach(const char* path)
+{
+    const HostSeam* const seam = HostSeam::active();
+    const bool result = seam != nullptr && (seam->hasNoDescriptors || seam->outOfReach == path);
+    errno = result ? EMFILE : errno;
+    return result;
+}
+
 /** What stands for a file is read from memory, where the text of the seam is not that of a file. */
 int openFile(const HostSeam* seam, const char* path, int flags, mode_t mode)
 {
-    if (seam != nullptr && seam->hasNoDescriptors) {
-        errno = EMFILE;
+    if (isOutOfReach(path)) {
         return -1;
     }
     const auto file = seam != nullptr ? seam->files.find(path) : decltype(seam->files.begin())();
@@ -92,8 +100,7 @@ int access(const char* path, int mode) noexcept
 
 DIR* opendir(const char* path)
 {
-    if (HostSeam::active() != nullptr && HostSeam::active()->hasNoDescriptors) {
-        errno = EMFILE;
+    if (isOutOfReach(path)) {
         return nullptr;
     }
     return next<&opendir>("opendir")(placeOf(path).c_str());

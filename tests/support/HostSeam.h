@@ -63,6 +63,7 @@ public:
     std::function<void(const std::string& disk)> onFlush;
 
     bool hasNoDescriptors = false; ///< no file and no directory can be opened to be read
+    std::string outOfReach;        ///< one that cannot, for want of a descriptor at that moment
 
     /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;

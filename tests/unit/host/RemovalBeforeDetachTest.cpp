@@ -308,6 +308,21 @@ TEST_F(RemovalOfDisks, ThatMayBeInUseSaysSo)
                             "/proc/self/mountinfo cannot be read"));
 }
 
+TEST_F(RemovalOfDisks, OfWhichItIsNotKnownWhatStandsOnThemSaysSo)
+{
+    seam.addDisk("sdc", WWN);
+    seam.outOfReach = "/sys/block/sdc/holders";
+    list({scsi("2:0:0:1", "sdc"), ""});
+    scanner.scanLunBeforeDetach(id);
+    EXPECT_THAT(
+        platform.lines("warn: "),
+        ElementsAre("warn: /dev/sdc is removed, whether it is in use cannot be told: "
+                    "/sys/block/sdc/holders cannot be read: Too many open files",
+                    "warn: what stands on /dev/sdc: data not yet written could not be written back before "
+                    "its removal: /sys/block/sdc/holders cannot be read: Too many open files"));
+    EXPECT_EQ(count("flush: sdc"), 1u) << "the disk itself is";
+}
+
 TEST_F(RemovalOfDisks, EndsWhenTheDevicesCannotBeListed)
 {
     seam.cannotStart("lsscsi");

@@ -142,6 +142,29 @@ TEST_F(RescanPrograms, ThatDoNotFitEachOtherRescanWithoutRemoval)
                     "disks that are gone stay. Install sg3-utils 1.48 or later."));
 }
 
+TEST_F(RescanPrograms, ThatCannotBeReadRescanWithoutRemoval)
+{
+    install("second/rescan-scsi-bus.sh", FAULTY);
+    install("second/sg_inq", NEW_SG_INQ);
+    const std::string script = (root / "second/rescan-scsi-bus.sh").string();
+    seam.outOfReach = script;
+    EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
+    EXPECT_THAT(
+        platform.lines("error: "),
+        ElementsAre("error: Whether a rescan with -r would remove healthy disks cannot be told, " + script +
+                    " cannot be read: Too many open files: rescanning without -r, so that disks that are "
+                    "gone stay."));
+
+    install("first/rescan-scsi-bus.sh", "#!/bin/sh\nexec " + script + " \"$@\" </dev/null\n");
+    EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL) << "nor what a wrapper calls";
+    seam.outOfReach.clear();
+    seam.hasNoDescriptors = true;
+    EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
+    seam.hasNoDescriptors = false;
+    install("second/sg_inq", OLD_SG_INQ);
+    EXPECT_EQ(rescanCommand(), SCRIPT);
+}
+
 TEST_F(RescanPrograms, OfTheSameOldAgeRescanWithRemoval)
 {
     install("second/rescan-scsi-bus.sh", FAULTY);
@@ -244,6 +267,32 @@ TEST_F(DisksThatAreAway, AreAnyDevicesThatTheScriptWouldRemove)
     EXPECT_THAT(commands(), ElementsAre(WHICH, WITHOUT_REMOVAL, WITHOUT_REMOVAL, TMP_BLOCK));
     EXPECT_EQ(platform.lines("error: the device at 3:0:0:0 is transport-offline: ").size(), 1u);
 }
+
+class DisksThatMayBeAway : public DisksThatAreAway, public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(DisksThatMayBeAway, AreNotRemovedByARescan)
+{
+    seam.addDisk("sdc", OTHER_WWN);
+    seam.write("/sys/class/scsi_device/3:0:0:0/device/state", "running\n");
+    seam.outOfReach = GetParam();
+    scanner.scanLunAfterAttach(id);
+    EXPECT_THAT(commands(), ElementsAre(WHICH, WITHOUT_REMOVAL, WITHOUT_REMOVAL, TMP_BLOCK));
+    EXPECT_THAT(
+        platform.lines("error: "),
+        ElementsAre(std::string("error: Whether a rescan with -r would remove healthy disks cannot be "
+                                "told, ") +
+                    GetParam() +
+                    " cannot be read: Too many open files: rescanning without -r, so that disks that are "
+                    "gone stay."));
+}
+
+INSTANTIATE_TEST_SUITE_P(OutOfReach, DisksThatMayBeAway,
+                         testing::Values("/sys/block/", "/sys/block/sdc/device/state",
+                                         "/sys/class/scsi_device/",
+                                         "/sys/class/scsi_device/3:0:0:0/device/block",
+                                         "/sys/class/scsi_device/3:0:0:0/device/state"));
 
 TEST_F(DisksThatAreAway, SinceTheFirstRunAreNotRemovedByTheSecond)
 {

@@ -7,11 +7,15 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace ovra::disk;
 
 using testing::ElementsAre;
 namespace fs = std::filesystem;
+
+constexpr uid_t NOBODY = 65534;
 
 class DeviceInUse : public testing::Test
 {
@@ -187,8 +191,26 @@ TEST_F(DeviceInUse, IsUnknownWhileATableCannotBeRead)
     fs::remove(root / "proc/swaps");
     EXPECT_THAT(unknown(), ElementsAre()) << "a kernel without swap";
     fs::create_directories(root / "proc/swaps");
-    EXPECT_THAT(unknown(), ElementsAre((root / "proc/swaps cannot be read").string()));
+    EXPECT_THAT(unknown(), ElementsAre((root / "proc/swaps cannot be read: Is a directory").string()));
     fs::remove(root / "proc/self/mountinfo");
     EXPECT_THAT(unknown(), ElementsAre((root / "proc/self/mountinfo cannot be read").string(),
-                                       (root / "proc/swaps cannot be read").string()));
+                                       (root / "proc/swaps cannot be read: Is a directory").string()));
+}
+
+TEST_F(DeviceInUse, IsUnknownWhereThisProcessMayNotSeeTheMountsOfAnother)
+{
+    write("proc/77/mountinfo", "40 22 8:0 / /there rw - xfs /dev/sda rw\n");
+    EXPECT_THAT(uses(), ElementsAre("sda is mounted on /there"));
+    fs::permissions(root, fs::perms(0755));
+    fs::permissions(root / "proc/77/mountinfo", fs::perms::none);
+    const std::vector<std::string> reasons = {
+        (root / "proc/77/mountinfo cannot be read: Permission denied").string()};
+    const pid_t child = fork();
+    if (child == 0) { // as somebody who may not see all
+        const bool isNobody = geteuid() != 0 || setresuid(NOBODY, NOBODY, NOBODY) == 0;
+        _exit(isNobody && unknown() == reasons && uses().empty() ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
 }

@@ -60,6 +60,7 @@ class AProcessEnds : public testing::Test
 protected:
     AProcessEnds() : name("/tmp/hangs-" + std::to_string(getpid()))
     {
+        setenv("PATH", "/usr/bin:/bin", 1); // other tests take it away
         mkfifo(name.c_str(), 0600);
         m_file = open(name.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
     }

@@ -1,6 +1,7 @@
 #include "KernelDisks.h"
 
 #include "localdisk/Release.h"
+#include "localdisk/Whole.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -32,7 +33,9 @@ protected:
 
     std::string released(bool evenInUse = false)
     {
-        return failure([&] { releaseDisk(job(), HostInitiator::iscsi("iqn.2020-01.test:host"), evenInUse); });
+        return failure([&] {
+            whole([&] { releaseDisk(job(), HostInitiator::iscsi("iqn.2020-01.test:host"), evenInUse); });
+        });
     }
     bool isThere(const std::string& name = "sdc") { return seam.disks.count(name) != 0; }
     void mountDisk()
@@ -85,6 +88,33 @@ TEST_F(ReleaseOfADisk, RefusesOneThatIsMounted)
     EXPECT_TRUE(isThere());
     EXPECT_THAT(order({"semop"}), IsEmpty()) << "nobody waits for what is refused";
 }
+
+class ReleaseOfADiskWhoseUsesAreNotKnown : public ReleaseOfADisk,
+                                           public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(ReleaseOfADiskWhoseUsesAreNotKnown, ChangesNothing)
+{
+    add(KernelDisk());
+    seam.write("/proc/77/comm", "dd\n");
+    seam.write("/proc/77/mountinfo", "22 1 254:0 / / rw - ext4 /dev/vda rw\n");
+    seam.link("/proc/77/fd/3", "/dev/null");
+    seam.write("/sys/fs/btrfs/system/devices/sdq", "");
+    seam.outOfReach = GetParam();
+    EXPECT_THAT(released(), HasSubstr(std::string(GetParam()) + " cannot be read: Too many open files"));
+    EXPECT_TRUE(isThere());
+    EXPECT_THAT(order({"semop", "POST", "PUT", "DELETE"}), IsEmpty());
+    seam.outOfReach.clear();
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+}
+
+INSTANTIATE_TEST_SUITE_P(OutOfReach, ReleaseOfADiskWhoseUsesAreNotKnown,
+                         testing::Values("/sys/block/sdc", "/sys/block/sdc/dev", "/sys/block/sdc/holders",
+                                         "/sys/fs/btrfs/", "/sys/fs/btrfs/system/devices", "/proc/",
+                                         "/proc/77/fd", "/proc/77/comm", "/proc/77/mountinfo",
+                                         "/proc/self/mountinfo", "/proc/swaps"));
 
 TEST_F(ReleaseOfADisk, RefusesADeadOneThatIsMounted)
 {

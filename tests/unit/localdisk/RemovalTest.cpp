@@ -199,7 +199,9 @@ TEST_F(RemovalOfADisk, HasAUseWhereItCannotBeTold)
     add(KernelDisk());
     seam.files.erase("/proc/swaps");
     seam.write("/proc/swaps/none", ""); // a directory, which cannot be read
-    EXPECT_THAT(uses(), ElementsAre("whether sdc is in use cannot be told, /proc/swaps cannot be read"));
+    EXPECT_THAT(
+        uses(),
+        ElementsAre("whether sdc is in use cannot be told, /proc/swaps cannot be read: Is a directory"));
 }
 
 TEST_F(RemovalOfADisk, WritesBackAFileSystemOfSeveralDisksByItsMount)

@@ -30,7 +30,9 @@ std::vector<std::string> namesIn(const std::string& directory);
  * nothing. */
 struct Unreadable : std::runtime_error
 {
-    using std::runtime_error::runtime_error;
+    explicit Unreadable(const std::string& path, int why = 0);
+
+    int error; ///< errno; 0 for a file that has always something, and has nothing
 };
 
 /** As contentOf, valueOf and namesIn, where nothing is taken for absent but what is: throw Unreadable else.

@@ -19,7 +19,10 @@ struct Node
     std::string below;  ///< the node that this one holds; empty for a disk and a partition
 };
 
-/** A disk and all that stands on it: its partitions and what holds them, whatever holds those, and so on. */
+/**
+ * A disk and all that stands on it: its partitions and what holds them, whatever holds those, and so on.
+ * Throws Unreadable where that cannot be told.
+ */
 std::vector<Node> nodesOn(const std::string& disk, const std::string& root = std::string());
 
 /** What the kernel says of a SCSI disk, or of that of a partition: "running", "offline", "transport-offline"
@@ -35,7 +38,8 @@ bool canAnswer(const std::string& name, const std::string& root = std::string())
 
 /**
  * Every SCSI disk of this host that is not running, e.g. "sdc is transport-offline", and every other SCSI
- * device, tapes for one, e.g. "the device at 3:0:0:1 is offline".
+ * device, tapes for one, e.g. "the device at 3:0:0:1 is offline". Throws Unreadable where that cannot be
+ * told.
  */
 std::vector<std::string> disksNotRunning(const std::string& root = std::string());
 

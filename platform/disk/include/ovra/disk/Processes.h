@@ -5,6 +5,7 @@
 #include <vector>
 
 // The processes of this host, as /proc shows them. The root, where one is given, stands before /proc.
+// Unreadable is thrown where it cannot be told what there is.
 
 namespace ovra::disk {
 

@@ -16,6 +16,7 @@ constexpr const char* RESCAN_SCRIPT = "rescan-scsi-bus.sh";
  * disk that answers for gone, and with -r removes it. A script that reads no answers to INQUIRY itself may
  * call another one to do so: then every script of that name in PATH, and every script that it names with its
  * whole path, is judged too. One that names such a script without using it is taken for harmful with it.
+ * Throws Unreadable where a script is there and cannot be read.
  */
 std::string harmfulRescanScript(const std::string& path = searchPath());
 
