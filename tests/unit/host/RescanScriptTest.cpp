@@ -155,7 +155,11 @@ TEST_F(RescanPrograms, ThatCannotBeReadRescanWithoutRemoval)
                     " cannot be read: Too many open files: rescanning without -r, so that disks that are "
                     "gone stay."));
 
-    install("first/rescan-scsi-bus.sh", "#!/bin/sh\nexec " + script + " \"$@\" </dev/null\n");
+    fs::create_directories(root / "opt");
+    install("opt/stock.sh", FAULTY);
+    install("second/rescan-scsi-bus.sh",
+            "#!/bin/sh\nexec " + (root / "opt/stock.sh").string() + " $@ </dev/null\n");
+    seam.outOfReach = root / "opt/stock.sh";
     EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL) << "nor what a wrapper calls";
     seam.outOfReach.clear();
     seam.hasNoDescriptors = true;
