@@ -46,6 +46,11 @@ std::string kernelIdentity(const std::string& folder)
     return dot == std::string::npos ? text : text.substr(dot + 1);
 }
 
+std::string stateFileOf(const std::string& disk, const std::string& root)
+{
+    return std::string(root).append(BLOCK).append(disk).append(STATE);
+}
+
 bool isSameText(const std::string& one, const std::string& other)
 {
     return one.size() == other.size() &&
@@ -66,7 +71,7 @@ std::vector<Node> nodesOn(const std::string& disk, const std::string& root)
 
 std::string stateOf(const std::string& disk, const std::string& root)
 {
-    const std::string state = valueOf(root + BLOCK + disk + STATE);
+    const std::string state = valueOf(stateFileOf(disk, root));
     return !state.empty() ? state : valueOf(root + "/sys/class/block/" + disk + "/.." + STATE); // a partition
 }
 
@@ -101,7 +106,7 @@ std::vector<std::string> disksNotRunning(const std::string& root)
         }
     };
     for (const std::string& name : namesThere(root + BLOCK)) {
-        consider(name, isDiskName(name) ? valueThere(root + BLOCK + name + STATE) : std::string());
+        consider(name, isDiskName(name) ? valueThere(stateFileOf(name, root)) : std::string());
     }
     for (const std::string& address : namesThere(root + SCSI_DEVICES)) {
         const std::string folder = std::string(root).append(SCSI_DEVICES).append(address).append("/device");

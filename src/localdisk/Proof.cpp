@@ -44,24 +44,16 @@ public:
     ProvedDisk run()
     {
         checkPaths();
-        std::string lack = lackOfMap();
-        while (!lack.empty()) {
-            if (!m_mapEnd.pause()) {
-                m_job.fail(lack + " after " + std::to_string(m_job.options.mapSeconds) +
-                           " s; multipathd status and its log say why");
-            }
-            lack = lackOfMap();
-            m_hasWaited = true;
+        waitForMap();
+        while (m_map && waitForName()) {
+            waitForMap(); // its number may be another map's by now
         }
         if (m_hasWaited) {
             askAgain();
         }
         ProvedDisk proved{"/dev/" + m_names.front(), m_names, m_bytes};
         if (m_map) {
-            const std::string named = "/dev/mapper/" + m_map->name;
-            while (access(named.c_str(), F_OK) != 0 && !m_claims.isUdevLate() && m_mapEnd.pause()) {
-            }
-            proved.path = access(named.c_str(), F_OK) == 0 ? named : "/dev/" + m_map->node;
+            proved.path = hasName() ? nameOfMap() : "/dev/" + m_map->node;
             proved.disks = m_map->paths;
         } else if (m_names.size() > 1) {
             COMMLOG(OS_LOG_WARN, "%s has %u paths and no multipath map: only %s is handed out.",
@@ -83,6 +75,31 @@ private:
             found.push_back(*disk);
         }
         return found;
+    }
+
+    void waitForMap()
+    {
+        for (std::string lack = lackOfMap(); !lack.empty(); lack = lackOfMap()) {
+            if (!m_mapEnd.pause()) {
+                m_job.fail(lack + " after " + std::to_string(m_job.options.mapSeconds) +
+                           " s; multipathd status and its log say why");
+            }
+            m_hasWaited = true;
+        }
+    }
+
+    std::string nameOfMap() const { return "/dev/mapper/" + m_map->name; }
+    bool hasName() const { return access(nameOfMap().c_str(), F_OK) == 0; }
+
+    /** @return whether time has passed. */
+    bool waitForName()
+    {
+        bool hasPassed = false;
+        while (!hasName() && !m_claims.isUdevLate() && m_mapEnd.pause()) {
+            hasPassed = true;
+        }
+        m_hasWaited = m_hasWaited || hasPassed;
+        return hasPassed;
     }
 
     void askAgain() const

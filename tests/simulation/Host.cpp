@@ -157,6 +157,11 @@ void Host::happen(Process& process, const Event& event)
     case Trouble::EVENT_LOST:
         kernel.loseEvent();
         break;
+    case Trouble::NO_DESCRIPTORS:
+        note("has no descriptors" + where);
+        judge.meets("times without descriptors");
+        process.refused = event.value + 1;
+        break;
     case Trouble::COUNT:
         break;
     }

@@ -96,6 +96,19 @@ std::map<int, Stream>& files()
     return open;
 }
 
+/** Whether a descriptor is left for another file; errno says that it is not. */
+bool hasDescriptor(Host& host)
+{
+    simulation::Process& process = host.scheduler.current();
+    if (process.refused == 0) {
+        return true;
+    }
+    --process.refused;
+    process.wasRefused = true;
+    errno = EMFILE;
+    return false;
+}
+
 int openFile(Host& host, const std::string& path, int flags)
 {
     constexpr int FIRST_FILE = 2 * simulation::FIRST_DESCRIPTOR;
@@ -187,6 +200,9 @@ SIMULATED DIR* opendir(const char* path)
     if (host == nullptr) {
         return next("opendir", &opendir)(path);
     }
+    if (!hasDescriptor(*host)) {
+        return nullptr;
+    }
     auto directory = std::make_unique<Directory>();
     if (host->scheduler.reach(Point::READ)) {
         directory->names = host->tree.namesIn(path);
@@ -231,6 +247,9 @@ SIMULATED int open(const char* path, int flags, ...)
     Host* const host = hostOf(path);
     if (host == nullptr) {
         return next("open", &open)(path, flags, mode);
+    }
+    if (!hasDescriptor(*host)) {
+        return -1;
     }
     if (std::strncmp(path, "/dev/", 5) != 0) {
         return openFile(*host, path, flags);

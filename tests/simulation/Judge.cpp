@@ -39,9 +39,11 @@ void Judge::ends(const Process& process, bool isWell)
     History& history = m_histories[errand.lun];
     --history.errands;
     meets(isWell ? "calls that end well" : "calls that fail");
-    history.isCutOff = !isWell || (history.isCutOff && !errand.isReleasing);
-    if (!isWell || errand.manner != Manner::WHOLE || !errand.isReleasing || history.isTakenAway ||
-        history.errands != 0 || history.hasSingleSteps || m_isScannedWithoutLock) {
+    const bool isAfterAll = isWell && errand.isReleasing && history.cutOffAt < m_begins[process.pid];
+    history.cutOffAt = isWell ? history.cutOffAt : m_scheduler.now();
+    history.isCutOff = !isWell || (history.isCutOff && !isAfterAll);
+    if (!isWell || history.isCutOff || errand.manner != Manner::WHOLE || !errand.isReleasing ||
+        history.isTakenAway || history.errands != 0 || history.hasSingleSteps || m_isScannedWithoutLock) {
         return;
     }
     for (const auto& [name, disk] : m_kernel.disks()) {
@@ -61,6 +63,7 @@ void Judge::isKilled(const Process& process)
     if (found != m_errands.end()) {
         --m_histories[found->second.lun].errands;
         m_histories[found->second.lun].isCutOff = true;
+        m_histories[found->second.lun].cutOffAt = m_scheduler.now();
         m_errands.erase(found);
     }
 }
@@ -127,8 +130,9 @@ void Judge::removes(const Process& process, const Disk& disk)
         find(process.name + " removes " + disk.name + ", which another process has open");
     }
     const Unit unit = m_kernel.unitOf(disk);
-    if (disk.writtenAt != 0 && disk.writtenAt < m_begins[process.pid] && unit.id == disk.known.id &&
-        m_flushed.count({process.pid, disk.instance}) == 0) {
+    const bool isSaid = own.manner == Manner::STEP_BY_STEP && process.wasRefused; // and removed all the same
+    if (!isSaid && disk.writtenAt != 0 && disk.writtenAt < m_begins[process.pid] &&
+        unit.id == disk.known.id && m_flushed.count({process.pid, disk.instance}) == 0) {
         find(process.name + " removes " + disk.name + ", and data with it that were not written yet");
     }
     const auto found = m_asked.find({process.pid, disk.name});

@@ -33,6 +33,7 @@ struct History
 {
     bool hasSingleSteps = false; ///< after which a disk may stay
     bool isCutOff = false;       ///< a call was killed or has failed, and no later one has ended well
+    Time cutOffAt = 0;           ///< when the last one was
     bool isTakenAway = false;    ///< by an administrator
     unsigned errands = 0;        ///< at work
 };

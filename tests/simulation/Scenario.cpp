@@ -32,7 +32,8 @@ rc::Gen<Event> events()
                                                              {2, Trouble::UDEV_STALLS},
                                                              {1, Trouble::SCRIPT},
                                                              {2, Trouble::TAKEN_AWAY},
-                                                             {1, Trouble::EVENT_LOST}});
+                                                             {1, Trouble::EVENT_LOST},
+                                                             {3, Trouble::NO_DESCRIPTORS}});
     return rc::gen::build<Event>(
         rc::gen::set(&Event::client, rc::gen::inRange(0U, unsigned(MOST_CLIENTS))),
         rc::gen::set(&Event::point, points), rc::gen::set(&Event::nth, rc::gen::inRange(1U, 120U)),
@@ -64,7 +65,7 @@ const char* nameOf(Trouble trouble)
 {
     static constexpr const char* NAMES[] = {"switch",   "kill",       "kill for good", "no answer",
                                             "not sent", "busy",       "session down",  "udev stalls",
-                                            "script",   "taken away", "event lost"};
+                                            "script",   "taken away", "event lost",    "no descriptors"};
     return NAMES[static_cast<size_t>(trouble)];
 }
 

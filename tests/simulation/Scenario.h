@@ -28,9 +28,10 @@ enum class Trouble
     BUSY,          ///< the array asks to come again
     SESSION_DOWN,  ///< for a while
     UDEV_STALLS,
-    SCRIPT,     ///< of somebody who takes no lock
-    TAKEN_AWAY, ///< a LUN, by an administrator of the array
-    EVENT_LOST, ///< of the next disk: udev does not name it
+    SCRIPT,         ///< of somebody who takes no lock
+    TAKEN_AWAY,     ///< a LUN, by an administrator of the array
+    EVENT_LOST,     ///< of the next disk: udev does not name it
+    NO_DESCRIPTORS, ///< for the files that it opens next
     COUNT
 };
 

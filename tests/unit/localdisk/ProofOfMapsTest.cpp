@@ -28,6 +28,30 @@ TEST_F(ProofOfADisk, WaitsForTheNameOfAMap)
     EXPECT_EQ(proved(), "/dev/mapper/" + MAP);
 }
 
+TEST_F(ProofOfADisk, HandsOutNoMapThatBecameAnothersWhileItsNameWasWaitedFor)
+{
+    addTwoPaths();
+    addMap({"sdc", "sdaa"});
+    options.mapSeconds = 60;
+    onKernel = [&] {
+        seam.clock += 60;
+        seam.write("/sys/block/dm-3/dm/uuid", "mpath-3" + std::string(OTHER_WWN) + "\n");
+    };
+    EXPECT_THAT(proved(), HasSubstr("of another disk, 3" + std::string(OTHER_WWN)));
+}
+
+TEST_F(ProofOfADisk, HandsOutNoMapWhosePathsWentWhileItsNameWasWaitedFor)
+{
+    addTwoPaths();
+    addMap({"sdc", "sdaa"});
+    options.mapSeconds = 60;
+    onKernel = [&] {
+        seam.clock += 60;
+        remove("sdc");
+    };
+    EXPECT_THAT(proved(), HasSubstr("/dev/sdc has gone while it was looked at; call again"));
+}
+
 TEST_F(ProofOfADisk, TellsWhatAPathOfAMapIsThatIsNotTheObject)
 {
     const DiskJob wanted = job();
