@@ -48,9 +48,6 @@ public:
         while (m_map && waitForName()) {
             waitForMap(); // its number may be another map's by now
         }
-        if (m_hasWaited) {
-            askAgain();
-        }
         ProvedDisk proved{"/dev/" + m_names.front(), m_names, m_bytes};
         if (m_map) {
             proved.path = hasName() ? nameOfMap() : "/dev/" + m_map->node;
@@ -58,6 +55,9 @@ public:
         } else if (m_names.size() > 1) {
             COMMLOG(OS_LOG_WARN, "%s has %u paths and no multipath map: only %s is handed out.",
                     m_job.name().c_str(), static_cast<unsigned>(m_names.size()), proved.path.c_str());
+        }
+        if (m_hasWaited) {
+            askAgain(); // last: a name that goes meanwhile leads nowhere, a number may be another map's
         }
         return proved;
     }

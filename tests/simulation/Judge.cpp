@@ -191,6 +191,16 @@ void Judge::scriptRemoves(int starter, const Disk& disk)
     }
 }
 
+/** Whether something has changed since a disk has answered as this LUN, and nobody has waited in between. */
+bool Judge::hasGoneSince(const Process& process, const std::string& lun) const
+{
+    return std::any_of(m_asked.begin(), m_asked.end(), [&](const auto& one) {
+        const auto& [who, asked] = one;
+        return who.first == process.pid && asked.id == lun && asked.changes != changes() &&
+               asked.pauses == process.count(Point::PAUSE);
+    });
+}
+
 void Judge::handsOut(const Process& process, const std::string& path)
 {
     const auto errand = m_errands.find(process.pid);
@@ -200,6 +210,10 @@ void Judge::handsOut(const Process& process, const std::string& path)
     const std::string name = path.substr(path.rfind('/') + 1);
     const Map* const map = m_multipath.find(name);
     meets(map != nullptr ? "maps handed out" : "disks handed out");
+    if (map == nullptr && m_kernel.find(name) == nullptr && hasGoneSince(process, errand->second.lun)) {
+        meets("changes behind the last look");
+        return;
+    }
     if (map == nullptr || errand->second.manner == Manner::STEP_BY_STEP) {
         handsOut(process, errand->second.lun, path, name);
         return;

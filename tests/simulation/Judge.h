@@ -93,6 +93,7 @@ private:
     void handsOut(const Process& process, const std::string& lun, const std::string& path,
                   const std::string& name);
     bool isInUse(const Process& process, const Disk& disk);
+    bool hasGoneSince(const Process& process, const std::string& lun) const;
     bool isLate(const Process& process, const Asked& asked) const;
 
     bool isOurs(const Disk& disk) const { return disk.host == "1" || disk.host == "2"; }

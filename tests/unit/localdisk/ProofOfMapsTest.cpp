@@ -28,6 +28,21 @@ TEST_F(ProofOfADisk, WaitsForTheNameOfAMap)
     EXPECT_EQ(proved(), "/dev/mapper/" + MAP);
 }
 
+TEST_F(ProofOfADisk, HandsOutTheNameOfAMapThatGoesAtTheLastLookAndNotItsNumber)
+{
+    addTwoPaths();
+    addMap({"sdc", "sdaa"});
+    options.mapSeconds = 60;
+    onKernel = [&] {
+        seam.write("/dev/mapper/" + MAP, "");
+        seam.onInquiry = [&](const std::string&) {
+            std::filesystem::remove(seam.root + "/dev/mapper/" + MAP);
+            return false;
+        };
+    };
+    EXPECT_EQ(proved(), "/dev/mapper/" + MAP);
+}
+
 TEST_F(ProofOfADisk, HandsOutNoMapThatBecameAnothersWhileItsNameWasWaitedFor)
 {
     addTwoPaths();
