@@ -51,11 +51,12 @@ struct Reading
     bool isNone() const { return !oldQualifier && !newQualifier && !oldType && !newType; }
 };
 
-/** Not one of the folders and devices that a script names as well, which say so when they are read. */
+/** Not one of the folders, devices and files of the kernel that a script names as well. */
 bool isScript(const std::string& file)
 {
+    const bool isKernels = file.compare(0, 5, "/sys/") == 0 || file.compare(0, 6, "/proc/") == 0;
     struct stat status = {};
-    return stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+    return !isKernels && stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
            contentThere(file).compare(0, 2, "#!") == 0;
 }
 

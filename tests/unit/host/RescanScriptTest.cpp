@@ -161,6 +161,10 @@ TEST_F(RescanPrograms, ThatCannotBeReadRescanWithoutRemoval)
             "#!/bin/sh\nexec " + (root / "opt/stock.sh").string() + " $@ </dev/null\n");
     seam.outOfReach = root / "opt/stock.sh";
     EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL) << "nor what a wrapper calls";
+    seam.outOfReach = "/proc/self/status"; // as one that can be written alone
+    install("second/rescan-scsi-bus.sh", "#!/bin/sh\necho > /proc/self/status\n");
+    EXPECT_EQ(rescanCommand(), SCRIPT) << "which is no script";
+    install("second/rescan-scsi-bus.sh", FAULTY);
     seam.outOfReach.clear();
     seam.hasNoDescriptors = true;
     EXPECT_EQ(rescanCommand(), WITHOUT_REMOVAL);
