@@ -150,6 +150,9 @@ SIMULATED FILE* popen(const char* command, const char* mode)
     if (host == nullptr) {
         return next("popen", &popen)(command, mode);
     }
+    if (!hasDescriptor(*host)) {
+        return nullptr;
+    }
     std::FILE* const stream =
         fopencookie(new Stream{"", host->print(command)}, mode, {readStream, nullptr, nullptr, closeStream});
     commands().insert(stream);

@@ -137,7 +137,9 @@ void Judge::removes(const Process& process, const Disk& disk)
     }
     const auto found = m_asked.find({process.pid, disk.name});
     const bool isSame = found != m_asked.end() && found->second.instance == disk.instance;
-    if (!unit.id.empty() && (found == m_asked.end() || !isLate(process, found->second))) {
+    // It was away when it was looked at, and cannot be asked; it comes back at that moment.
+    const bool isBack = unit.id == own.lun && m_away.count({process.pid, disk.instance}) != 0;
+    if (!unit.id.empty() && !isBack && (found == m_asked.end() || !isLate(process, found->second))) {
         find(process.name + " removes " + disk.name + " without a look who it is by now");
     }
     if (mayGo(own, disk.known, unit.id) && (own.manner != Manner::TIDY || m_kernel.isUp(disk.host))) {
@@ -177,6 +179,9 @@ void Judge::removes(const Process& process, const Map& map)
 void Judge::readsState(const Process& process, const Disk& disk)
 {
     m_states[{process.pid, disk.instance}] = disk.state;
+    if (disk.state != "running") {
+        m_away.insert({process.pid, disk.instance});
+    }
 }
 
 /** It may remove one that has gone away since it was started, as is known. */
@@ -191,13 +196,12 @@ void Judge::scriptRemoves(int starter, const Disk& disk)
     }
 }
 
-/** Whether something has changed since a disk has answered as this LUN, and nobody has waited in between. */
-bool Judge::hasGoneSince(const Process& process, const std::string& lun) const
+/** Whether a disk has answered as this LUN since the process has waited. */
+bool Judge::hasAnswered(const Process& process, const std::string& lun) const
 {
     return std::any_of(m_asked.begin(), m_asked.end(), [&](const auto& one) {
         const auto& [who, asked] = one;
-        return who.first == process.pid && asked.id == lun && asked.changes != changes() &&
-               asked.pauses == process.count(Point::PAUSE);
+        return who.first == process.pid && asked.id == lun && asked.pauses == process.count(Point::PAUSE);
     });
 }
 
@@ -210,8 +214,8 @@ void Judge::handsOut(const Process& process, const std::string& path)
     const std::string name = path.substr(path.rfind('/') + 1);
     const Map* const map = m_multipath.find(name);
     meets(map != nullptr ? "maps handed out" : "disks handed out");
-    if (map == nullptr && m_kernel.find(name) == nullptr && hasGoneSince(process, errand->second.lun)) {
-        meets("changes behind the last look");
+    if (map == nullptr && m_kernel.find(name) == nullptr && hasAnswered(process, errand->second.lun)) {
+        meets("changes behind the last look"); // the path leads nowhere
         return;
     }
     if (map == nullptr || errand->second.manner == Manner::STEP_BY_STEP) {

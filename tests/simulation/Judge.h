@@ -93,7 +93,7 @@ private:
     void handsOut(const Process& process, const std::string& lun, const std::string& path,
                   const std::string& name);
     bool isInUse(const Process& process, const Disk& disk);
-    bool hasGoneSince(const Process& process, const std::string& lun) const;
+    bool hasAnswered(const Process& process, const std::string& lun) const;
     bool isLate(const Process& process, const Asked& asked) const;
 
     bool isOurs(const Disk& disk) const { return disk.host == "1" || disk.host == "2"; }
@@ -113,6 +113,7 @@ private:
     std::map<std::string, History> m_histories;
     std::map<std::pair<int, std::string>, Asked> m_asked;     ///< by process and disk
     std::map<std::pair<int, unsigned>, std::string> m_states; ///< of disks, as processes have read them last
+    std::set<std::pair<int, unsigned>> m_away;                ///< of these, those that were away once
     std::map<int, std::string> m_unread; ///< a change that was sent, and of which nothing was read since
     bool isWithoutLock(const Process& process) const { return process.undo == 0 && !m_isLockIgnored; }
 
