@@ -114,6 +114,7 @@ int Host::run(const std::string& command)
     }
     if (beginsWith(command, "rescan-scsi-bus.sh")) {
         judge.scans(scheduler.current());
+        judge.startsScript(scheduler.current());
         const bool mayRemove = beginsWith(command, "rescan-scsi-bus.sh -r ");
         const int starter = scheduler.current().pid;
         unsigned& scripts = m_scripts[starter];

@@ -184,11 +184,22 @@ void Judge::readsState(const Process& process, const Disk& disk)
     }
 }
 
-/** It may remove one that has gone away since it was started, as is known. */
+void Judge::startsScript(const Process& process)
+{
+    std::set<unsigned>& away = m_awayAtStart[process.pid];
+    away.clear();
+    for (const auto& [name, disk] : m_kernel.disks()) {
+        if (!m_kernel.isUp(disk.host)) {
+            away.insert(disk.instance);
+        }
+    }
+}
+
+/** It may remove one that has gone away since it was started, or since it was looked for those. */
 void Judge::scriptRemoves(int starter, const Disk& disk)
 {
     meets("disks removed by the rescan script");
-    if (!m_kernel.isUp(disk.host) && m_states[{starter, disk.instance}] != "running") {
+    if (m_awayAtStart[starter].count(disk.instance) != 0 && m_states[{starter, disk.instance}] != "running") {
         find("the rescan script removes " + disk.name + ", which was away for a moment when it was started");
     }
     if (!m_kernel.unitOf(disk).id.empty()) {

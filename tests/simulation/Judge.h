@@ -57,7 +57,8 @@ public:
     void removes(const Process& process, const Disk& disk);
     void removes(const Process& process, const Map& map);
     void readsState(const Process& process, const Disk& disk);
-    /** The rescan script, with -r, that a process has started. */
+    /** The rescan script, with -r: a process starts it, and it removes a disk. */
+    void startsScript(const Process& process);
     void scriptRemoves(int starter, const Disk& disk);
     void handsOut(const Process& process, const std::string& path);
     void scans(const Process& process);
@@ -114,6 +115,7 @@ private:
     std::map<std::pair<int, std::string>, Asked> m_asked;     ///< by process and disk
     std::map<std::pair<int, unsigned>, std::string> m_states; ///< of disks, as processes have read them last
     std::set<std::pair<int, unsigned>> m_away;                ///< of these, those that were away once
+    std::map<int, std::set<unsigned>> m_awayAtStart;          ///< of the script that a process has started
     std::map<int, std::string> m_unread; ///< a change that was sent, and of which nothing was read since
     bool isWithoutLock(const Process& process) const { return process.undo == 0 && !m_isLockIgnored; }
 
