@@ -104,6 +104,17 @@ TEST_F(HostTest, DoctorRecognisesTheRescanScriptThatRemovesHealthyDisks)
     EXPECT_EQ(checkOf(cli.json({"doctor"}), "rescan-scsi-bus.sh -r")["verdict"], "ok");
 }
 
+TEST_F(HostTest, DoctorSaysWhyARescanWithRemovalCannotBeJudged)
+{
+    const std::filesystem::path disks = folder.path() + "/sys/block";
+    std::filesystem::create_directories(disks.parent_path());
+    std::filesystem::remove_all(disks);
+    std::filesystem::create_symlink("block", disks); // it leads to itself
+    const auto check = checkOf(cli.json({"doctor"}), "rescan-scsi-bus.sh -r");
+    EXPECT_EQ(check["verdict"], "warning");
+    EXPECT_EQ(check["found"], disks.string() + "/ cannot be read: Too many levels of symbolic links");
+}
+
 TEST_F(HostTest, DoctorJudgesTheScriptsOfTheCorpusAsAScanDoes)
 {
     int judged = 0;
