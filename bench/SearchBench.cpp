@@ -56,7 +56,8 @@ public:
             m_names.push_back("/dev/disk/by-id/../../" + name);
             const std::string wwn = name == *names.rbegin() ? WANTED : OTHER;
             m_seam.addDisk(name, wwn);
-            listing += "lrwxrwxrwx 1 root root 9 May  1 10:20 scsi-3" + wwn + " -> ../../" + name + "\n";
+            listing.append("lrwxrwxrwx 1 root root 9 May  1 10:20 scsi-3").append(wwn);
+            listing.append(" -> ../../").append(name).append("\n");
         }
         m_seam.prints(BY_ID, {listing});
         m_seam.semaphoreId = 41;
