@@ -51,6 +51,40 @@ std::string stateFileOf(const std::string& disk, const std::string& root)
     return std::string(root).append(BLOCK).append(disk).append(STATE);
 }
 
+/**
+ * What the kernel says of a SCSI disk, or of that of a partition: "running", "offline", "transport-offline"
+ * ...; empty when nothing.
+ */
+std::string stateOf(const std::string& disk, const std::string& root)
+{
+    const std::string state = valueThere(stateFileOf(disk, root));
+    return !state.empty() ? state
+                          : valueThere(root + "/sys/class/block/" + disk + "/.." + STATE); // a partition
+}
+
+/** As canAnswer; throws Unreadable where that cannot be told. */
+bool isAlive(const std::string& name, const std::string& root)
+{
+    const std::string state = stateOf(name, root);
+    if (!state.empty()) {
+        return state == RUNNING;
+    }
+    const std::string slaves = root + BLOCK + name + "/slaves/";
+    const std::vector<std::string> below = namesThere(slaves);
+    const auto answers = [&](const std::string& one) { // a removed one leaves its link until it is let go
+        return access((slaves + one).c_str(), F_OK) == 0 && isAlive(one, root);
+    };
+    const std::string kind = valueThere(root + BLOCK + name + "/dm/uuid");
+    if (kind.compare(0, std::strlen(MULTIPATH_UUID), MULTIPATH_UUID) == 0) {
+        // A map that has lost its paths may keep for ever what it is asked.
+        return std::any_of(below.begin(), below.end(), answers);
+    }
+    if (!kind.empty()) { // a volume over several disks needs them all
+        return std::all_of(below.begin(), below.end(), answers);
+    }
+    return below.empty() || std::any_of(below.begin(), below.end(), answers);
+}
+
 bool isSameText(const std::string& one, const std::string& other)
 {
     return one.size() == other.size() &&
@@ -69,32 +103,13 @@ std::vector<Node> nodesOn(const std::string& disk, const std::string& root)
     return nodes;
 }
 
-std::string stateOf(const std::string& disk, const std::string& root)
-{
-    const std::string state = valueOf(stateFileOf(disk, root));
-    return !state.empty() ? state : valueOf(root + "/sys/class/block/" + disk + "/.." + STATE); // a partition
-}
-
 bool canAnswer(const std::string& name, const std::string& root)
 {
-    const std::string state = stateOf(name, root);
-    if (!state.empty()) {
-        return state == RUNNING;
+    try {
+        return isAlive(name, root);
+    } catch (const Unreadable&) {
+        return true;
     }
-    const std::string slaves = root + BLOCK + name + "/slaves/";
-    const std::vector<std::string> below = namesIn(slaves);
-    const auto answers = [&](const std::string& one) { // a removed one leaves its link until it is let go
-        return access((slaves + one).c_str(), F_OK) == 0 && canAnswer(one, root);
-    };
-    const std::string kind = valueOf(root + BLOCK + name + "/dm/uuid");
-    if (kind.compare(0, std::strlen(MULTIPATH_UUID), MULTIPATH_UUID) == 0) {
-        // A map that has lost its paths may keep for ever what it is asked.
-        return std::any_of(below.begin(), below.end(), answers);
-    }
-    if (!kind.empty()) { // a volume over several disks needs them all
-        return std::all_of(below.begin(), below.end(), answers);
-    }
-    return below.empty() || std::any_of(below.begin(), below.end(), answers);
 }
 
 std::vector<std::string> disksNotRunning(const std::string& root)

@@ -1,8 +1,10 @@
 #include "ovra/disk/ReadIdentity.h"
 
+#include "ovra/disk/Files.h"
 #include "ovra/disk/Names.h"
 #include "ovra/disk/Nodes.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <scsi/sg.h>
 #include <sys/ioctl.h>
@@ -24,6 +26,13 @@ constexpr unsigned char SENSE_KEY = 0x0F;
 constexpr unsigned char ILLEGAL_REQUEST = 0x05;
 constexpr unsigned char UNIT_NOT_SUPPORTED = 0x25;
 
+/** How a device is opened to be asked. */
+enum class Opened
+{
+    READ_ONLY,
+    READ_WRITE ///< read-only where that is refused
+};
+
 /** An open device; not inherited by the commands that other threads start meanwhile. */
 class OpenDevice
 {
@@ -34,6 +43,7 @@ public:
         if (m_fd < 0) {
             m_fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         }
+        m_error = m_fd < 0 ? errno : 0;
     }
     ~OpenDevice()
     {
@@ -45,9 +55,11 @@ public:
     OpenDevice& operator=(const OpenDevice&) = delete;
 
     int descriptor() const { return m_fd; }
+    int error() const { return m_error; } ///< errno; 0 when it is open
 
 private:
     int m_fd;
+    int m_error;
 };
 
 /** One INQUIRY, and what came of it. */
@@ -67,9 +79,11 @@ public:
         m_request.sbp = m_sense;
         m_request.timeout = LIMIT_MS;
         m_isSent = ioctl(descriptor, SG_IO, &m_request) == 0;
+        m_error = m_isSent ? 0 : errno;
     }
 
     bool isGood() const { return m_isSent && m_request.status == 0; }
+    int error() const { return m_error; } ///< errno; 0 when it was sent
 
     /** The sense data say LOGICAL UNIT NOT SUPPORTED. */
     bool saysNoUnit() const
@@ -86,6 +100,7 @@ private:
     sg_io_hdr m_request = {};
     unsigned char m_sense[64] = {};
     bool m_isSent;
+    int m_error;
 };
 
 /** The first byte of an answer tells whether a unit is connected there. */
@@ -95,6 +110,48 @@ bool saysNoUnit(char first)
     return qualifier == 1 || qualifier == 3;
 }
 
+/** What came of a question. */
+struct Asked
+{
+    std::string page; ///< 0x83; empty when it was not given
+    int error = 0;    ///< errno of what was not done, a device that is known to be dead left aside
+};
+
+Asked askPage83(const std::string& path, Opened how)
+{
+    if (!canAnswer(lastName(path))) {
+        return {};
+    }
+    const OpenDevice device(path, how);
+    if (device.descriptor() < 0) {
+        return {"", device.error()};
+    }
+    unsigned char page[PAGE_BYTES] = {};
+    const Inquiry inquiry(device.descriptor(), VITAL_PRODUCT_DATA, DEVICE_IDENTIFICATION, page);
+    return {inquiry.isGood() ? std::string(page, page + PAGE_BYTES) : "", inquiry.error()};
+}
+
+/** Throws where what was not done is nothing that a device answers, but a want of this process. */
+void requireAsked(const std::string& path, int error)
+{
+    if (error == EMFILE || error == ENFILE || error == ENOMEM) {
+        throw Unreadable(path, error);
+    }
+}
+
+/** Page 0x83 of a device that is asked; empty when it does not answer. */
+std::string pageThere(const std::string& path)
+{
+    const Asked asked = askPage83(path, Opened::READ_ONLY);
+    requireAsked(path, asked.error);
+    return asked.page;
+}
+
+DiskIdentity identityIn(const std::string& page)
+{
+    return page.empty() ? DiskIdentity() : parsePage83(page).value_or(DiskIdentity());
+}
+
 } // namespace
 
 int inquire(int descriptor, unsigned char page, unsigned char* buffer)
@@ -102,30 +159,28 @@ int inquire(int descriptor, unsigned char page, unsigned char* buffer)
     return Inquiry(descriptor, VITAL_PRODUCT_DATA, page, buffer).isGood() ? 0 : -1;
 }
 
-std::optional<std::string> readPage83(const std::string& path, Opened how)
+std::optional<std::string> readPage83(const std::string& path)
 {
-    if (!canAnswer(lastName(path))) {
-        return std::nullopt;
-    }
-    const OpenDevice device(path, how);
-    unsigned char page[PAGE_BYTES] = {};
-    if (device.descriptor() < 0 || inquire(device.descriptor(), DEVICE_IDENTIFICATION, page) != 0) {
-        return std::nullopt;
-    }
-    return std::string(page, page + PAGE_BYTES);
+    const Asked asked = askPage83(path, Opened::READ_WRITE);
+    return asked.page.empty() ? std::nullopt : std::make_optional(asked.page);
 }
 
-DiskIdentity readIdentity(const std::string& path, Opened how)
+DiskIdentity readIdentity(const std::string& path)
 {
-    const std::optional<std::string> page = readPage83(path, how);
-    return page ? parsePage83(*page).value_or(DiskIdentity()) : DiskIdentity();
+    return identityIn(askPage83(path, Opened::READ_WRITE).page);
+}
+
+DiskIdentity askIdentity(const std::string& path)
+{
+    return identityIn(pageThere(path));
 }
 
 DiskAnswer askDisk(const std::string& path)
 {
-    DiskAnswer answer{readPage83(path, Opened::READ_ONLY).value_or(""), false};
+    DiskAnswer answer{pageThere(path), false};
     if (answer.page.empty() && canAnswer(lastName(path))) {
         const OpenDevice device(path, Opened::READ_ONLY);
+        requireAsked(path, device.error());
         unsigned char data[PAGE_BYTES] = {};
         if (device.descriptor() >= 0) {
             const Inquiry standard(device.descriptor(), STANDARD, 0, data);

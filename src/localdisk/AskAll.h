@@ -14,7 +14,8 @@
 namespace ovra::tessel {
 
 /**
- * Asks all disks side by side. Those that the kernel knows to be dead are not asked.
+ * Asks all disks side by side. Those that the kernel knows to be dead are not asked. Throws Unreadable where
+ * this process cannot ask.
  * @return the answers; an empty one for each that did not answer in time.
  */
 template <class Answer>
@@ -47,9 +48,8 @@ std::vector<Answer> askAll(const std::vector<disk::ScsiDisk>& disks, std::chrono
 inline std::vector<std::optional<disk::DiskIdentity>> askWho(const std::vector<disk::ScsiDisk>& disks,
                                                              std::chrono::seconds limit)
 {
-    return askAll<std::optional<disk::DiskIdentity>>(disks, limit, [](const std::string& path) {
-        return std::make_optional(disk::readIdentity(path, disk::Opened::READ_ONLY));
-    });
+    return askAll<std::optional<disk::DiskIdentity>>(
+        disks, limit, [](const std::string& path) { return std::make_optional(disk::askIdentity(path)); });
 }
 
 } // namespace ovra::tessel

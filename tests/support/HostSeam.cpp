@@ -257,8 +257,8 @@ int HostSeam::ioctl(int fd, unsigned long request, void* argument)
     SeamDisk& disk = disks.at(name);
     const bool isStandard = inquiry->cmdp[1] == 0 && !disk.standard.empty();
     const bool isLimited = inquiry->timeout != 0; // else a disk that is silent would hold its caller for ever
-    if (!isLimited || disk.ioctlResult != 0 || (disk.pages.empty() && !isStandard)) {
-        return failWith(EIO);
+    if (!isLimited || disk.inquiryError != 0 || (disk.pages.empty() && !isStandard)) {
+        return failWith(disk.inquiryError != 0 ? disk.inquiryError : EIO);
     }
     const std::vector<unsigned char> bytes = isStandard ? disk.standard : take(disk.pages, {});
     std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(inquiry->dxferp));

@@ -16,7 +16,7 @@ struct SeamDisk
     std::deque<std::vector<unsigned char>> pages; ///< page 0x83 of each INQUIRY in turn, the last one stays
     int openError = 0;                            ///< errno of every open
     int writeOpenError = 0;                       ///< errno of an open for writing
-    int ioctlResult = 0;
+    int inquiryError = 0;                         ///< errno of every INQUIRY
     unsigned char scsiStatus = 0;
     std::vector<unsigned char> sense;    ///< beside a status that is not 0
     std::vector<unsigned char> standard; ///< data of the standard INQUIRY; empty: fails as the page does

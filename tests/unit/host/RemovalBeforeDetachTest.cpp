@@ -1,6 +1,7 @@
 #include "ScannerTest.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 
@@ -105,7 +106,7 @@ TEST_F(RemovalOfDisks, NeverRemovesADiskThatCannotBeRead)
 {
     seam.addDisk("sdb", WWN).openError = 6;
     seam.addDisk("sdc", WWN).scsiStatus = 2;
-    seam.addDisk("sdd", WWN).ioctlResult = -1;
+    seam.addDisk("sdd", WWN).inquiryError = EIO;
     list({scsi("2:0:0:1", "sdb") + scsi("2:0:0:2", "sdc") + scsi("2:0:0:3", "sdd")});
     scanner.scanLunBeforeDetach(id);
     EXPECT_THAT(commands(), ElementsAre());

@@ -45,7 +45,7 @@ TEST_F(ScsiIdentity, StaysAsItWasWhenTheDeviceCannotBeOpened)
 
 TEST_F(ScsiIdentity, StaysAsItWasWhenTheInquiryFails)
 {
-    seam.addDisk("sdc", WWN).ioctlResult = -1;
+    seam.addDisk("sdc", WWN).inquiryError = EIO;
     seam.addDisk("sdd", WWN).scsiStatus = 2;
     EXPECT_EQ(read("/dev/sdc"), -1);
     EXPECT_EQ(read("/dev/sdd"), -1);

@@ -4,7 +4,9 @@
 #include "localdisk/Whole.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <system_error>
 
 using namespace ovra::tessel;
 using testing::AllOf;
@@ -115,6 +117,46 @@ INSTANTIATE_TEST_SUITE_P(OutOfReach, ReleaseOfADiskWhoseUsesAreNotKnown,
                                          "/sys/fs/btrfs/", "/sys/fs/btrfs/system/devices", "/proc/",
                                          "/proc/77/fd", "/proc/77/comm", "/proc/77/mountinfo",
                                          "/proc/self/mountinfo", "/proc/swaps"));
+
+struct Want
+{
+    int SeamDisk::*call;
+    int error;
+};
+
+class ReleaseOfADiskThatCannotBeAsked : public ReleaseOfADisk, public testing::WithParamInterface<Want>
+{
+};
+
+TEST_P(ReleaseOfADiskThatCannotBeAsked, IsNotTakenForOneOfADeadDisk)
+{
+    add(KernelDisk());
+    int& error = seam.disks["sdc"].*GetParam().call;
+    error = GetParam().error;
+    EXPECT_THAT(released(), HasSubstr("the disks of this host cannot be told: /dev/sdc cannot be read: " +
+                                      std::generic_category().message(GetParam().error) + "; call again"));
+    EXPECT_TRUE(isThere());
+    EXPECT_THAT(order({"semop", "POST", "PUT", "DELETE"}), IsEmpty());
+    error = 0;
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(order({"flush: "}), testing::SizeIs(2));
+}
+
+INSTANTIATE_TEST_SUITE_P(ForWant, ReleaseOfADiskThatCannotBeAsked,
+                         testing::Values(Want{&SeamDisk::openError, EMFILE},
+                                         Want{&SeamDisk::openError, ENFILE},
+                                         Want{&SeamDisk::openError, ENOMEM},
+                                         Want{&SeamDisk::inquiryError, ENOMEM}),
+                         [](const auto& test) { return "Test" + std::to_string(test.index); });
+
+TEST_F(ReleaseOfADisk, RemovesOneThatCannotBeOpenedForItsOwnReasonAsADeadOne)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].openError = ENXIO;
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+}
 
 TEST_F(ReleaseOfADisk, RefusesADeadOneThatIsMounted)
 {

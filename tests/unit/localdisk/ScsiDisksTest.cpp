@@ -101,6 +101,19 @@ TEST_F(DisksOfTheKernel, HaveAMapByTheirWwn)
     EXPECT_FALSE(disk::canAnswer("dm-3")) << "without a path it may keep for ever what it is asked";
 }
 
+TEST_F(DisksOfTheKernel, AreAskedWhereWhatTheKernelSaysOfThemCannotBeRead)
+{
+    add(KernelDisk());
+    KernelMap map;
+    map.paths = {"sdc"};
+    add(map);
+    for (const char* const file : {"/sys/block/dm-3/slaves/", "/sys/block/dm-3/dm/uuid",
+                                   "/sys/block/sdc/device/state", "/sys/block/dm-3/device/state"}) {
+        seam.outOfReach = file;
+        EXPECT_TRUE(disk::canAnswer("dm-3")) << file << ": else what waits for it would not be written back";
+    }
+}
+
 TEST_F(DisksOfTheKernel, AreNoPathsAnyMoreWhenTheyAreRemovedAndTheMapHasThemStill)
 {
     add(KernelDisk());

@@ -5,6 +5,7 @@
 
 #include <tessel/Tidy.h>
 
+#include <cerrno>
 #include <filesystem>
 
 using namespace ovra::tessel;
@@ -190,6 +191,16 @@ TEST_F(TidyingDisks, UnderstandsEveryWayToSayThatNothingIsThere)
         EXPECT_EQ(isDead(), isGone) << "in the page: " << qualifier;
         disk.scsiStatus = 8;
     }
+}
+
+TEST_F(TidyingDisks, EndsWhereADiskCannotBeAsked)
+{
+    addDead();
+    seam.disks["sdc"].openError = EMFILE;
+    EXPECT_THAT(failure([this] { tidy(); }), HasSubstr("/dev/sdc cannot be read: Too many open files"));
+    seam.disks["sdc"].openError = ENXIO;
+    EXPECT_THAT(tidy(), ElementsAre("sdc kept: it does not answer"));
+    EXPECT_TRUE(isThere("sdc"));
 }
 
 TEST_F(TidyingDisks, RemovesADiskWhoseObjectIsMappedAtAnotherNumberNow)

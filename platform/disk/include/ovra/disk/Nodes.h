@@ -25,14 +25,10 @@ struct Node
  */
 std::vector<Node> nodesOn(const std::string& disk, const std::string& root = std::string());
 
-/** What the kernel says of a SCSI disk, or of that of a partition: "running", "offline", "transport-offline"
- * ...; empty when nothing. */
-std::string stateOf(const std::string& disk, const std::string& root = std::string());
-
 /**
  * False for a device that the kernel knows not to answer: a SCSI disk that is not running, a device-mapper
  * node with only such ones below it, or, unless it is a multipath map, with any such one. Asking one may last
- * for minutes, or for ever.
+ * for minutes, or for ever. True where it cannot be told: what opens the device next says why.
  */
 bool canAnswer(const std::string& name, const std::string& root = std::string());
 

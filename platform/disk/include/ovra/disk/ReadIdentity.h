@@ -17,19 +17,19 @@ constexpr unsigned int PAGE_BYTES = 256;
  */
 int inquire(int descriptor, unsigned char page, unsigned char* buffer);
 
-/** How a device is opened to be asked. */
-enum class Opened
-{
-    READ_ONLY,
-    READ_WRITE ///< read-only where that is refused. Closing it makes udev look at the device anew: for
-               ///< seconds, with many of them, and a map on it cannot be removed meanwhile.
-};
-
 /** Page 0x83 of a device; none when it does not answer. One that is known to be dead is not asked. */
-std::optional<std::string> readPage83(const std::string& path, Opened how = Opened::READ_WRITE);
+std::optional<std::string> readPage83(const std::string& path);
 
 /** Who a device is, asked of itself; empty texts when it cannot be read. */
-DiskIdentity readIdentity(const std::string& path, Opened how = Opened::READ_WRITE);
+DiskIdentity readIdentity(const std::string& path);
+
+// The same for those who take silence for an answer: these throw Unreadable where it is this process that
+// cannot ask, for want of a descriptor or memory. They open the device to be read only: after one that was
+// open to be written udev looks at it anew, for seconds with many of them, and a map on it cannot be removed
+// meanwhile.
+
+/** Who a device is; empty texts when it does not answer. */
+DiskIdentity askIdentity(const std::string& path);
 
 /** What a device says of itself. */
 struct DiskAnswer
