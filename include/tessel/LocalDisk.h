@@ -117,7 +117,7 @@ public:
 
     /** @return what is to be opened: /dev/mapper/NAME of the map where there is one, else /dev/sdc. */
     const std::string& path() const;
-    /** @return the paths, as the kernel shows them now. */
+    /** @return the paths, as the kernel shows them now. @throws OvraAPIException when that cannot be read. */
     std::vector<DiskPath> paths() const;
     /** @return the WWN, as the array tells it: 32 hexadecimal digits. */
     const std::string& wwn() const;

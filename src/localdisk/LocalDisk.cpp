@@ -90,13 +90,15 @@ const StorageObject& LocalDisk::volume() const
 
 std::vector<DiskPath> LocalDisk::paths() const
 {
-    std::vector<DiskPath> paths;
-    for (const std::string& name : m_state->proved.disks) {
-        const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
-        paths.push_back(disk ? DiskPath{"/dev/" + name, disk->address, disk->state}
-                             : DiskPath{"/dev/" + name, "", "gone"});
-    }
-    return paths;
+    return whole([this] {
+        std::vector<DiskPath> paths;
+        for (const std::string& name : m_state->proved.disks) {
+            const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
+            paths.push_back(disk ? DiskPath{"/dev/" + name, disk->address, disk->state}
+                                 : DiskPath{"/dev/" + name, "", "gone"});
+        }
+        return paths;
+    });
 }
 
 void LocalDisk::verify() const

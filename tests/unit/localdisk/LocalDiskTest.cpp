@@ -254,6 +254,9 @@ TEST_F(ALocalDisk, TellsOfWhatItIs)
     EXPECT_EQ(disk.volume().id, "7");
     ASSERT_EQ(disk.paths().size(), 1U);
     EXPECT_EQ(disk.paths()[0].state, "running");
+    seam.hasNoDescriptors = true;
+    EXPECT_THAT(failure([&] { disk.paths(); }), HasSubstr("state cannot be read: Too many open files"));
+    seam.hasNoDescriptors = false;
     remove("sdc");
     EXPECT_EQ(disk.paths()[0].state, "gone");
     disk.keep();
