@@ -205,6 +205,10 @@ private:
             expect(disk->path() == "/dev/sdc" && disk->size() == BYTES && disk->wwn() == m_lun.WWN,
                    "LocalDisk::attach", disk->path().c_str());
         });
+        attempt("LocalDisk::paths", [&] {
+            const std::vector<DiskPath> paths = disk->paths();
+            expect(paths.size() == 1 && paths[0].state == "running", "LocalDisk::paths", "another state");
+        });
         attempt("LocalDisk::verify", [&] { disk->verify(); });
         if (attempt("LocalDisk::release", [&] { disk->release(); })) { // else its destructor tries it again
             expect(!isDiskThere(), "LocalDisk::release", "the disk is there still");
