@@ -160,7 +160,12 @@ void Host::happen(Process& process, const Event& event)
     case Trouble::NO_DESCRIPTORS:
         note("has no descriptors" + where);
         judge.meets("times without descriptors");
-        process.refused = event.value + 1;
+        process.noDescriptors = event.value + 1;
+        break;
+    case Trouble::NO_PROCESSES:
+        note("can start nothing" + where);
+        judge.meets("times without processes");
+        process.noProcesses = event.value + 1;
         break;
     case Trouble::COUNT:
         break;

@@ -96,17 +96,27 @@ std::map<int, Stream>& files()
     return open;
 }
 
-/** Whether a descriptor is left for another file; errno says that it is not. */
-bool hasDescriptor(Host& host)
+/** Whether something is left of what a process may be in want of; errno says that it is not. */
+bool isLeft(Host& host, unsigned simulation::Process::*wanting, int error)
 {
     simulation::Process& process = host.scheduler.current();
-    if (process.refused == 0) {
+    if (process.*wanting == 0) {
         return true;
     }
-    --process.refused;
+    --(process.*wanting);
     process.wasRefused = true;
-    errno = EMFILE;
+    errno = error;
     return false;
+}
+
+bool hasDescriptor(Host& host)
+{
+    return isLeft(host, &simulation::Process::noDescriptors, EMFILE);
+}
+
+bool canStart(Host& host)
+{
+    return isLeft(host, &simulation::Process::noProcesses, EAGAIN);
 }
 
 int openFile(Host& host, const std::string& path, int flags)
@@ -141,7 +151,10 @@ std::set<DIR*>& directories()
 SIMULATED int system(const char* command)
 {
     Host* const host = Host::ofRunning();
-    return host != nullptr ? host->run(std::string(command)) : next("system", &system)(command);
+    if (host == nullptr) {
+        return next("system", &system)(command);
+    }
+    return canStart(*host) ? host->run(std::string(command)) : -1;
 }
 
 SIMULATED FILE* popen(const char* command, const char* mode)
@@ -150,7 +163,7 @@ SIMULATED FILE* popen(const char* command, const char* mode)
     if (host == nullptr) {
         return next("popen", &popen)(command, mode);
     }
-    if (!hasDescriptor(*host)) {
+    if (!hasDescriptor(*host) || !canStart(*host)) {
         return nullptr;
     }
     std::FILE* const stream =
@@ -428,7 +441,7 @@ SIMULATED int pthread_create(pthread_t* thread, const pthread_attr_t* attributes
         return next("pthread_create", &pthread_create)(thread, attributes, body, argument);
     }
     simulation::Process& process = host->scheduler.current();
-    if (process.isKilled) {
+    if (process.isKilled || !canStart(*host)) {
         return EAGAIN;
     }
     *thread = 1;

@@ -33,7 +33,8 @@ rc::Gen<Event> events()
                                                              {1, Trouble::SCRIPT},
                                                              {2, Trouble::TAKEN_AWAY},
                                                              {1, Trouble::EVENT_LOST},
-                                                             {3, Trouble::NO_DESCRIPTORS}});
+                                                             {3, Trouble::NO_DESCRIPTORS},
+                                                             {2, Trouble::NO_PROCESSES}});
     return rc::gen::build<Event>(
         rc::gen::set(&Event::client, rc::gen::inRange(0U, unsigned(MOST_CLIENTS))),
         rc::gen::set(&Event::point, points), rc::gen::set(&Event::nth, rc::gen::inRange(1U, 120U)),
@@ -63,9 +64,10 @@ rc::Gen<Scenario> scenarios()
 
 const char* nameOf(Trouble trouble)
 {
-    static constexpr const char* NAMES[] = {"switch",   "kill",       "kill for good", "no answer",
-                                            "not sent", "busy",       "session down",  "udev stalls",
-                                            "script",   "taken away", "event lost",    "no descriptors"};
+    static constexpr const char* NAMES[] = {"switch",      "kill",       "kill for good", "no answer",
+                                            "not sent",    "busy",       "session down",  "udev stalls",
+                                            "script",      "taken away", "event lost",    "no descriptors",
+                                            "no processes"};
     return NAMES[static_cast<size_t>(trouble)];
 }
 

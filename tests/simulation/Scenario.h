@@ -32,6 +32,7 @@ enum class Trouble
     TAKEN_AWAY,     ///< a LUN, by an administrator of the array
     EVENT_LOST,     ///< of the next disk: udev does not name it
     NO_DESCRIPTORS, ///< for the files that it opens next
+    NO_PROCESSES,   ///< for the tools and threads that it starts next
     COUNT
 };
 

@@ -52,8 +52,9 @@ struct Process
     std::vector<char> memory;       ///< of what each process has for itself alone
     Time pastEnd = 0;               ///< what the clock of a killed one is ahead
     int trouble = -1;               ///< of its next request
-    unsigned refused = 0;           ///< files that it cannot open now, for want of descriptors
-    bool wasRefused = false;        ///< one of them
+    unsigned noDescriptors = 0;     ///< files that it cannot open now, for want of these
+    unsigned noProcesses = 0;       ///< tools and threads that it cannot start now
+    bool wasRefused = false;        ///< one of all these
 };
 
 /** Processes that run one at a time, in an order that depends on nothing but what is chosen; a clock of its
