@@ -164,19 +164,21 @@ int Host::run(const std::string& command)
     return NOT_STARTED;
 }
 
+bool Host::isOpen(const Map& map)
+{
+    const std::deque<Process>& processes = scheduler.processes();
+    return std::any_of(processes.begin(), processes.end(), [&](const Process& process) {
+        return std::any_of(process.open.begin(), process.open.end(),
+                           [&](const auto& open) { return open.second.name == map.node; });
+    });
+}
+
 /** Not one that is open. */
 bool Host::removeMap(const std::string& name)
 {
     const Map* const map = multipath.find(name);
-    if (map == nullptr) {
+    if (map == nullptr || isOpen(*map)) {
         return false;
-    }
-    for (const Process& process : scheduler.processes()) {
-        for (const auto& [descriptor, device] : process.open) {
-            if (device.name == map->node) {
-                return false;
-            }
-        }
     }
     judge.removes(scheduler.current(), *map);
     multipath.remove(name);

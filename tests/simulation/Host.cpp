@@ -167,6 +167,13 @@ void Host::happen(Process& process, const Event& event)
         judge.meets("times without processes");
         process.noProcesses = event.value + 1;
         break;
+    case Trouble::MAPS_ANEW:
+        if (multipath.isRunning()) {
+            note("maps are made anew" + where);
+            judge.meets("times that maps were made anew");
+            multipath.makeAnew([this](const Map& map) { return isOpen(map); }, event.value * SECOND / 4);
+        }
+        break;
     case Trouble::COUNT:
         break;
     }

@@ -90,6 +90,7 @@ public:
 
 private:
     Disk* diskOf(const std::string& name);
+    bool isOpen(const Map& map);
     bool removeMap(const std::string& name);
     void onPoint(Process& process, Point point);
     void happen(Process& process, const Event& event);

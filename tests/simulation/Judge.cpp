@@ -39,6 +39,8 @@ void Judge::ends(const Process& process, bool isWell)
     History& history = m_histories[errand.lun];
     --history.errands;
     meets(isWell ? "calls that end well" : "calls that fail");
+    m_isDetachCutOff =
+        m_isDetachCutOff || (!isWell && errand.isReleasing && errand.manner == Manner::STEP_BY_STEP);
     const bool isAfterAll = isWell && errand.isReleasing && history.cutOffAt < m_begins[process.pid];
     history.cutOffAt = isWell ? history.cutOffAt : m_scheduler.now();
     history.isCutOff = !isWell || (history.isCutOff && !isAfterAll);
@@ -317,10 +319,10 @@ void Judge::disksAtRest()
     }
 }
 
-/** Without a kill or a lost answer the host has one of each of its own objects. */
+/** Where no call was cut off and no answer lost the host has one of each of its own objects. */
 void Judge::arrayAtRest()
 {
-    if (m_isAnyKilled || m_isAnswerLost || !m_fault.empty()) {
+    if (m_isAnyKilled || m_isAnswerLost || m_isDetachCutOff || !m_fault.empty()) {
         return;
     }
     for (const char* const resource : {"host", "hostgroup", "mappingview", "lungroup"}) {

@@ -123,6 +123,7 @@ private:
     bool m_isScannedWithoutLock = false;
     bool m_isAnswerLost = false;
     bool m_isAnyKilled = false;
+    bool m_isDetachCutOff = false; ///< by single steps: it takes apart what is the host's own
     bool m_isTidy = false;
     std::string m_fault;
 };

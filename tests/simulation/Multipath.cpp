@@ -113,6 +113,27 @@ void Multipath::remove(const std::string& name)
     }
 }
 
+void Multipath::makeAnew(const std::function<bool(const Map&)>& isOpen, Time delay)
+{
+    std::vector<Map> gone;
+    for (const auto& [wwid, map] : m_maps) {
+        if (!isOpen(map)) {
+            gone.push_back(map);
+        }
+    }
+    std::reverse(gone.begin(), gone.end());
+    for (const Map& map : gone) {
+        remove(map.wwid);
+    }
+    m_scheduler.at(m_scheduler.now() + delay, [this, gone] {
+        for (const Map& map : gone) {
+            for (const auto& [name, instance] : map.paths) {
+                add(name, instance);
+            }
+        }
+    });
+}
+
 void Multipath::resize(Map& map)
 {
     const Disk* const disk = workingPath(map);

@@ -34,6 +34,8 @@ public:
     /** A path that works; null: none. */
     Disk* workingPath(const Map& map);
     void remove(const std::string& name);
+    /** All that are not open go, and come again a while later, under other numbers. */
+    void makeAnew(const std::function<bool(const Map&)>& isOpen, Time delay);
     void resize(Map& map);
     /** What multipath -ll prints. */
     std::string listing() const;

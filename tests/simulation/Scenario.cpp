@@ -34,7 +34,8 @@ rc::Gen<Event> events()
                                                              {2, Trouble::TAKEN_AWAY},
                                                              {1, Trouble::EVENT_LOST},
                                                              {3, Trouble::NO_DESCRIPTORS},
-                                                             {2, Trouble::NO_PROCESSES}});
+                                                             {2, Trouble::NO_PROCESSES},
+                                                             {2, Trouble::MAPS_ANEW}});
     return rc::gen::build<Event>(
         rc::gen::set(&Event::client, rc::gen::inRange(0U, unsigned(MOST_CLIENTS))),
         rc::gen::set(&Event::point, points), rc::gen::set(&Event::nth, rc::gen::inRange(1U, 120U)),
@@ -64,10 +65,10 @@ rc::Gen<Scenario> scenarios()
 
 const char* nameOf(Trouble trouble)
 {
-    static constexpr const char* NAMES[] = {"switch",      "kill",       "kill for good", "no answer",
-                                            "not sent",    "busy",       "session down",  "udev stalls",
-                                            "script",      "taken away", "event lost",    "no descriptors",
-                                            "no processes"};
+    static constexpr const char* NAMES[] = {"switch",       "kill",       "kill for good", "no answer",
+                                            "not sent",     "busy",       "session down",  "udev stalls",
+                                            "script",       "taken away", "event lost",    "no descriptors",
+                                            "no processes", "maps anew"};
     return NAMES[static_cast<size_t>(trouble)];
 }
 

@@ -33,6 +33,7 @@ enum class Trouble
     EVENT_LOST,     ///< of the next disk: udev does not name it
     NO_DESCRIPTORS, ///< for the files that it opens next
     NO_PROCESSES,   ///< for the tools and threads that it starts next
+    MAPS_ANEW,      ///< somebody has all that are not open go, and multipathd makes them again
     COUNT
 };
 
