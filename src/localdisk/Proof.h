@@ -34,6 +34,9 @@ using FindDisks = std::function<std::vector<disk::ScsiDisk>()>;
  */
 ProvedDisk prove(const DiskJob& job, const FindDisks& find, Sizes sizes);
 
+/** "67108864 bytes" */
+std::string bytesText(std::uint64_t bytes);
+
 /** Why a path of a map may not be one; "" when it may: it is the object, or was it and is dead now. */
 std::string foreignPath(const DiskJob& job, const std::string& name);
 
