@@ -121,4 +121,9 @@ std::string listed(const std::vector<std::string>& names)
     return list;
 }
 
+std::string bytesText(std::uint64_t bytes)
+{
+    return std::to_string(bytes) + " bytes";
+}
+
 } // namespace ovra::tessel

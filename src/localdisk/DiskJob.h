@@ -5,6 +5,7 @@
 #include <tessel/LocalDisk.h>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -35,6 +36,12 @@ struct DiskJob
     void requireNoKorvex() const;
 };
 
+enum class Sizes
+{
+    PROVED, ///< another size than the array's is an error
+    GROWN   ///< is taken over first
+};
+
 /** A point in time that a step ends at. */
 class Deadline
 {
@@ -55,6 +62,9 @@ private:
 
 /** The names, with commas. */
 std::string listed(const std::vector<std::string>& names);
+
+/** "67108864 bytes" */
+std::string bytesText(std::uint64_t bytes);
 
 } // namespace ovra::tessel
 

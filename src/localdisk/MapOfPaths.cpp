@@ -1,6 +1,7 @@
 #include "localdisk/MapOfPaths.h"
 
 #include "host/Commands.h"
+#include "localdisk/Sight.h"
 
 #include <ovra/disk/Names.h>
 #include <ovra/disk/Nodes.h>

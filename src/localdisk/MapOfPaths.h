@@ -2,7 +2,6 @@
 #define LOCALDISK_MAPOFPATHS_H
 
 #include "localdisk/MapClaims.h"
-#include "localdisk/Proof.h"
 
 #include <ovra/disk/ScsiDisks.h>
 

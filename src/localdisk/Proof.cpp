@@ -81,11 +81,6 @@ ProvedDisk proveOnce(const DiskJob& job, const std::vector<disk::ScsiDisk>& ours
 
 } // namespace
 
-std::string bytesText(std::uint64_t bytes)
-{
-    return std::to_string(bytes) + " bytes";
-}
-
 ProvedDisk prove(const DiskJob& job, const FindDisks& find, Sizes sizes)
 {
     for (unsigned tries = 1;; ++tries) {
@@ -97,22 +92,6 @@ ProvedDisk prove(const DiskJob& job, const FindDisks& find, Sizes sizes)
             }
         }
     }
-}
-
-std::string foreignPath(const DiskJob& job, const std::string& name)
-{
-    const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
-    if (disk && !disk->isRunning()) {
-        return disk->known.wwn == job.wwn ? ""
-                                          : "/dev/" + name + " is " + disk->state + " and was another disk";
-    }
-    std::string difference = differenceOf(job, name);
-    if (!difference.empty() || !disk) {
-        return difference;
-    }
-    return job.bytes == 0 || disk->bytes == job.bytes
-               ? ""
-               : "/dev/" + name + " has " + bytesText(disk->bytes) + " and not " + bytesText(job.bytes);
 }
 
 } // namespace ovra::tessel

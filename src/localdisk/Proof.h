@@ -19,12 +19,6 @@ struct ProvedDisk
     std::uint64_t bytes = 0;
 };
 
-enum class Sizes
-{
-    PROVED, ///< another size than the array's is an error
-    GROWN   ///< is taken over first
-};
-
 /** Gives the disks that have answered as the object. */
 using FindDisks = std::function<std::vector<disk::ScsiDisk>()>;
 
@@ -33,12 +27,6 @@ using FindDisks = std::function<std::vector<disk::ScsiDisk>()>;
  * when one goes meanwhile. Throws, with the name of what differs.
  */
 ProvedDisk prove(const DiskJob& job, const FindDisks& find, Sizes sizes);
-
-/** "67108864 bytes" */
-std::string bytesText(std::uint64_t bytes);
-
-/** Why a path of a map may not be one; "" when it may: it is the object, or was it and is dead now. */
-std::string foreignPath(const DiskJob& job, const std::string& name);
 
 } // namespace ovra::tessel
 

@@ -1,6 +1,5 @@
 #include "localdisk/Release.h"
 
-#include "localdisk/Proof.h"
 #include "localdisk/Removal.h"
 #include "localdisk/Sight.h"
 #include "localdisk/Ways.h"

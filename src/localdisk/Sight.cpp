@@ -92,4 +92,20 @@ std::string differenceOf(const DiskJob& job, const std::string& name)
     return "/dev/" + name + (sight.silent.empty() ? " is another disk" : " does not answer");
 }
 
+std::string foreignPath(const DiskJob& job, const std::string& name)
+{
+    const std::optional<disk::ScsiDisk> disk = disk::scsiDisk(name);
+    if (disk && !disk->isRunning()) {
+        return disk->known.wwn == job.wwn ? ""
+                                          : "/dev/" + name + " is " + disk->state + " and was another disk";
+    }
+    std::string difference = differenceOf(job, name);
+    if (!difference.empty() || !disk) {
+        return difference;
+    }
+    return job.bytes == 0 || disk->bytes == job.bytes
+               ? ""
+               : "/dev/" + name + " has " + bytesText(disk->bytes) + " and not " + bytesText(job.bytes);
+}
+
 } // namespace ovra::tessel

@@ -33,6 +33,9 @@ Sight lookAtTargets(const DiskJob& job, const std::vector<std::string>& hosts, s
 /** Asks one disk whether it is the object; "" when it is, else what it is instead. */
 std::string differenceOf(const DiskJob& job, const std::string& name);
 
+/** Why a path of a map may not be one; "" when it may: it is the object, or was it and is dead now. */
+std::string foreignPath(const DiskJob& job, const std::string& name);
+
 } // namespace ovra::tessel
 
 #endif

@@ -1,5 +1,6 @@
 #include "localdisk/DiskJob.h"
 #include "localdisk/Proof.h"
+#include "localdisk/Sight.h"
 #include "localdisk/Told.h"
 
 #include <ovra/disk/Names.h>
