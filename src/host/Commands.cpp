@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -48,12 +49,20 @@ public:
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isLeft = true;
         if (m_thread != 0 && !m_isOver) {
-            endCommandsOf(m_thread);
+            tryToEnd(m_thread);
         }
         return m_thread == 0 || m_isOver;
     }
 
 private:
+    static void tryToEnd(pid_t thread)
+    {
+        try {
+            endCommandsOf(thread);
+        } catch (const std::exception&) { // of a lack of memory; it is tried again
+        }
+    }
+
     std::mutex m_mutex;
     pid_t m_thread = 0;
     bool m_isLeft = false;
@@ -80,7 +89,7 @@ void end(const std::shared_ptr<Run>& run)
     }
     try {
         std::thread([run] { endWithin(*run, UNLIMITED); }).detach();
-    } catch (const std::system_error&) { // it is being killed all the same
+    } catch (const std::exception&) { // no thread can be had: it is being killed all the same
     }
 }
 

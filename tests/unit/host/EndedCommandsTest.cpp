@@ -1,11 +1,10 @@
 // Tools of the host that run when the call that needs them is ended; real ones.
 
+#include "EndedCommand.h"
+
 #include "host/CommandLines.h"
-#include "session/CallsAtWork.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <tessel/Calls.h>
 
 #include <algorithm>
 #include <atomic>
@@ -31,82 +30,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds PROMISED{50};
 constexpr milliseconds SOON{1000}; ///< on a slow machine, or one of sanitizers
-constexpr int PATIENCE_MS = 20000;
-constexpr int TOLD_BY = 9; ///< a descriptor that a shell can name
-
-/** All that a command starts has the pipe open, and says a word when it is there. */
-class ACommandOfACall : public testing::Test
-{
-protected:
-    ACommandOfACall()
-    {
-        setenv("PATH", "/usr/bin:/bin", 1); // other tests take it away
-        int ends[2] = {-1, -1};
-        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-        m_read = ends[0];
-        EXPECT_EQ(dup2(ends[1], TOLD_BY), TOLD_BY);
-        close(ends[1]);
-    }
-    ~ACommandOfACall() override
-    {
-        close(TOLD_BY);
-        close(m_read);
-    }
-
-    void waitForWord() const
-    {
-        char word[4] = {};
-        EXPECT_EQ(read(m_read, word, 3), 3);
-    }
-
-    /** Whether nobody but this process has the pipe. */
-    bool isNobodyLeft() const
-    {
-        close(TOLD_BY);
-        pollfd polled = {m_read, POLLIN, 0};
-        char byte = 0;
-        return poll(&polled, 1, PATIENCE_MS) == 1 && read(m_read, &byte, 1) == 0;
-    }
-
-    /** Whether no child is left that nobody has waited for. */
-    static bool isEachCollected()
-    {
-        const auto patience = Clock::now() + milliseconds(PATIENCE_MS);
-        siginfo_t child = {};
-        while (waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT) == 0 && Clock::now() < patience) {
-            std::this_thread::sleep_for(milliseconds(1));
-        }
-        return waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT) == -1 && errno == ECHILD;
-    }
-
-    /** Runs it, and ends the call when it is there; how long it went on then. */
-    milliseconds cancelled(const std::function<void()>& run) const
-    {
-        const Cancellation cancellation;
-        Clock::time_point at;
-        std::thread other([&] {
-            waitForWord();
-            at = Clock::now();
-            cancellation.cancel();
-        });
-        FailureKind why = FailureKind::NONE;
-        {
-            const CallLimit limit(cancellation);
-            try {
-                run();
-            } catch (const CallEnded& ended) {
-                why = ended.why;
-            }
-        }
-        const Clock::time_point end = Clock::now();
-        other.join();
-        EXPECT_EQ(why, FailureKind::CANCELLED);
-        return std::chrono::duration_cast<milliseconds>(end - at);
-    }
-
-private:
-    int m_read = -1;
-};
 
 const std::string SLEEPING = "sleep 600";
 
