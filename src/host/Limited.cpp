@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace ovra::tessel {
 namespace {
@@ -74,7 +75,9 @@ void work(const std::shared_ptr<Shared>& shared)
             error = std::current_exception();
         }
         const std::lock_guard<std::mutex> guard(shared->mutex);
-        shared->error = error ? error : shared->error;
+        if (error) {
+            shared->error = std::move(error);
+        }
         ++shared->ended;
         shared->changed.notify_all();
     }
@@ -114,8 +117,8 @@ bool doAll(std::chrono::seconds limit, std::vector<std::function<void()>> steps)
             progress = Clock::now();
         }
     }
-    if (shared->error) {
-        std::rethrow_exception(shared->error);
+    if (const std::exception_ptr error = std::exchange(shared->error, nullptr)) { // no thread has it any more
+        std::rethrow_exception(error);
     }
     return shared->isDone();
 }
