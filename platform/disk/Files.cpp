@@ -38,11 +38,11 @@ Listing listing(const std::string& directory)
 
 /**
  * Throws unless an error, 0 for none, says that something is not there; devices and processes go while they
- * are read.
+ * are read, and a file that a process has open may have a name that is too long to be told.
  */
 void requireAbsent(const std::string& path, int error)
 {
-    for (const int absent : {0, ENOENT, ENOTDIR, ENODEV, ENXIO, EINVAL, ESRCH}) {
+    for (const int absent : {0, ENOENT, ENOTDIR, ENODEV, ENXIO, EINVAL, ESRCH, ENAMETOOLONG}) {
         if (error == absent) {
             return;
         }
@@ -104,6 +104,13 @@ std::optional<std::string> readLine(const std::string& path)
         line->resize(std::min(line->size(), line->find('\n')));
     }
     return line;
+}
+
+std::optional<std::string> readTarget(const std::string& link)
+{
+    char target[PATH_MAX];
+    const ssize_t size = readlink(link.c_str(), target, sizeof(target));
+    return size < 0 ? std::nullopt : std::make_optional<std::string>(target, static_cast<size_t>(size));
 }
 
 /** What was read of a path, or nothing where it is absent. */
@@ -183,9 +190,19 @@ std::vector<std::string> namesThere(const std::string& directory)
 
 std::string targetOf(const std::string& link)
 {
-    char target[PATH_MAX];
-    const ssize_t size = readlink(link.c_str(), target, sizeof(target));
-    return size < 0 ? std::string() : std::string(target, static_cast<size_t>(size));
+    return readTarget(link).value_or(std::string());
+}
+
+std::string targetThere(const std::string& link)
+{
+    return there(link, &readTarget);
+}
+
+bool isThere(const std::string& path)
+{
+    const bool isFound = access(path.c_str(), F_OK) == 0;
+    requireAbsent(path, isFound ? 0 : errno);
+    return isFound;
 }
 
 } // namespace ovra::disk

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
-#include <unistd.h>
 
 namespace ovra::disk {
 namespace {
@@ -32,7 +31,7 @@ void visit(const Node& found, const std::string& root, std::vector<Node>& nodes)
     }
     for (const std::string& name : namesThere(node.folder)) {
         const std::string folder = std::string(node.folder).append("/").append(name);
-        if (access((folder + "/partition").c_str(), F_OK) == 0) {
+        if (isThere(folder + "/partition")) {
             visit({name, folder, "", "", ""}, root, nodes);
         }
     }
@@ -72,7 +71,7 @@ bool isAlive(const std::string& name, const std::string& root)
     const std::string slaves = root + BLOCK + name + "/slaves/";
     const std::vector<std::string> below = namesThere(slaves);
     const auto answers = [&](const std::string& one) { // a removed one leaves its link until it is let go
-        return access((slaves + one).c_str(), F_OK) == 0 && isAlive(one, root);
+        return isThere(slaves + one) && isAlive(one, root);
     };
     const std::string kind = valueThere(root + BLOCK + name + "/dm/uuid");
     if (kind.compare(0, std::strlen(MULTIPATH_UUID), MULTIPATH_UUID) == 0) {

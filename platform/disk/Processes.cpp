@@ -33,7 +33,7 @@ std::set<std::string> openIn(const std::string& process, const std::string& root
     std::set<std::string> open;
     try {
         for (const std::string& descriptor : namesThere(folder)) {
-            open.insert(targetOf(std::string(folder).append("/").append(descriptor)));
+            open.insert(targetThere(std::string(folder).append("/").append(descriptor)));
         }
     } catch (const Unreadable& problem) {
         if (problem.error != EACCES && problem.error != EPERM) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <unistd.h>
 
 namespace ovra::disk {
 namespace {
@@ -33,7 +32,7 @@ bool isOne(const std::string& file)
 
 std::string addressOf(const std::string& folder)
 {
-    return lastName(targetOf(folder + "/device"));
+    return lastName(targetThere(folder + "/device"));
 }
 
 /** Whether an address is on one of these hosts. */
@@ -149,7 +148,7 @@ std::optional<MultipathMap> multipathMap(const std::string& node, const std::str
     map.isSuspended = isOne(folder + "/dm/suspended");
     const std::string slaves = folder + "/slaves/";
     for (const std::string& path : namesThere(slaves)) {
-        if (access((slaves + path).c_str(), F_OK) == 0) { // else it is removed, and not let go yet
+        if (isThere(slaves + path)) { // else it is removed, and not let go yet
             map.paths.push_back(path);
         }
     }

@@ -44,7 +44,7 @@ std::vector<ScsiHost> scsiHosts(const std::string& root)
     for (const std::string& session : namesThere(root + SESSIONS)) {
         const std::string folder = std::string(root).append(SESSIONS).append(session);
         const std::string state = valueThere(folder + "/state");
-        hosts.push_back({hostIn(targetOf(folder)), false,
+        hosts.push_back({hostIn(targetThere(folder)), false,
                          plainInitiator(false, valueThere(folder + "/initiatorname")), state == "LOGGED_IN",
                          std::string(session)
                              .append(" to ")

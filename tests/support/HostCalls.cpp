@@ -56,6 +56,14 @@ bool isOutOfReach(const char* path)
     return result;
 }
 
+bool isBroken(const char* path)
+{
+    const HostSeam* const seam = HostSeam::active();
+    const bool result = seam != nullptr && seam->broken == path;
+    errno = result ? EIO : errno;
+    return result;
+}
+
 /** What stands for a file is read from memory, where the text of the seam is not that of a file. */
 int openFile(const HostSeam* seam, const char* path, int flags, mode_t mode)
 {
@@ -95,7 +103,7 @@ int pclose(FILE* stream)
 
 int access(const char* path, int mode) noexcept
 {
-    return next<&access>("access")(placeOf(path).c_str(), mode);
+    return isBroken(path) ? -1 : next<&access>("access")(placeOf(path).c_str(), mode);
 }
 
 DIR* opendir(const char* path)
@@ -108,7 +116,7 @@ DIR* opendir(const char* path)
 
 ssize_t readlink(const char* path, char* target, size_t size) noexcept
 {
-    return next<&readlink>("readlink")(placeOf(path).c_str(), target, size);
+    return isBroken(path) ? -1 : next<&readlink>("readlink")(placeOf(path).c_str(), target, size);
 }
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept

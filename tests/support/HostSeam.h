@@ -64,6 +64,7 @@ public:
 
     bool hasNoDescriptors = false; ///< no file and no directory can be opened to be read
     std::string outOfReach;        ///< one that cannot, for want of a descriptor at that moment
+    std::string broken;            ///< of which access() and readlink() fail with EIO
 
     /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;

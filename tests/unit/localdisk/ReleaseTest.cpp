@@ -118,6 +118,30 @@ INSTANTIATE_TEST_SUITE_P(OutOfReach, ReleaseOfADiskWhoseUsesAreNotKnown,
                                          "/proc/77/fd", "/proc/77/comm", "/proc/77/mountinfo",
                                          "/proc/self/mountinfo", "/proc/swaps"));
 
+class ReleaseOfADiskOfWhichALookFails : public ReleaseOfADisk, public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(ReleaseOfADiskOfWhichALookFails, ChangesNothing)
+{
+    add(KernelDisk());
+    KernelMap map;
+    map.paths = {"sdc"};
+    add(map);
+    seam.write("/sys/block/sdc/sdc1/partition", "1\n");
+    seam.write("/proc/77/comm", "dd\n");
+    seam.link("/proc/77/fd/3", "/dev/null");
+    seam.broken = GetParam();
+    EXPECT_THAT(released(), HasSubstr(std::string(GetParam()) + " cannot be read: Input/output error"));
+    EXPECT_TRUE(isThere());
+    EXPECT_THAT(order({"semop", "POST", "PUT", "DELETE"}), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(AtThat, ReleaseOfADiskOfWhichALookFails,
+                         testing::Values("/sys/block/sdc/device", "/sys/class/iscsi_session/session1",
+                                         "/sys/block/sdc/sdc1/partition", "/sys/block/dm-3/slaves/sdc",
+                                         "/proc/77/fd/3"));
+
 struct Want
 {
     int SeamDisk::*call;

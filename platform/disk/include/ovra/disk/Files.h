@@ -26,6 +26,9 @@ std::vector<std::string> linesOf(const std::string& text);
 /** The names in a directory in ascending order; none when it cannot be read. */
 std::vector<std::string> namesIn(const std::string& directory);
 
+/** Where a symbolic link leads, as it is written; empty when it is none. */
+std::string targetOf(const std::string& link);
+
 /** Something of the host is there and cannot be read: what it says is not known, and not that there is
  * nothing. */
 struct Unreadable : std::runtime_error
@@ -35,14 +38,16 @@ struct Unreadable : std::runtime_error
     int error; ///< errno; 0 for a file that has always something, and has nothing
 };
 
-/** As contentOf, valueOf and namesIn, where nothing is taken for absent but what is: throw Unreadable else.
+/** As contentOf, valueOf, namesIn and targetOf, where nothing is taken for absent but what is: throw
+ * Unreadable else.
  */
 std::string contentThere(const std::string& path);
 std::string valueThere(const std::string& path);
 std::vector<std::string> namesThere(const std::string& directory);
+std::string targetThere(const std::string& link);
 
-/** Where a symbolic link leads, as it is written; empty when it is none. */
-std::string targetOf(const std::string& link);
+/** Whether there is something of this name. Throws Unreadable where that cannot be told. */
+bool isThere(const std::string& path);
 
 } // namespace ovra::disk
 
