@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 using namespace ovra::tessel;
 using testing::AllOf;
@@ -142,11 +143,7 @@ INSTANTIATE_TEST_SUITE_P(AtThat, ReleaseOfADiskOfWhichALookFails,
                                          "/sys/block/sdc/sdc1/partition", "/sys/block/dm-3/slaves/sdc",
                                          "/proc/77/fd/3"));
 
-struct Want
-{
-    int SeamDisk::*call;
-    int error;
-};
+using Want = std::pair<int SeamDisk::*, int>; ///< the call that fails, and its errno
 
 class ReleaseOfADiskThatCannotBeAsked : public ReleaseOfADisk, public testing::WithParamInterface<Want>
 {
@@ -155,10 +152,10 @@ class ReleaseOfADiskThatCannotBeAsked : public ReleaseOfADisk, public testing::W
 TEST_P(ReleaseOfADiskThatCannotBeAsked, IsNotTakenForOneOfADeadDisk)
 {
     add(KernelDisk());
-    int& error = seam.disks["sdc"].*GetParam().call;
-    error = GetParam().error;
+    int& error = seam.disks["sdc"].*GetParam().first;
+    error = GetParam().second;
     EXPECT_THAT(released(), HasSubstr("the disks of this host cannot be told: /dev/sdc cannot be read: " +
-                                      std::generic_category().message(GetParam().error) + "; call again"));
+                                      std::generic_category().message(GetParam().second) + "; call again"));
     EXPECT_TRUE(isThere());
     EXPECT_THAT(order({"semop", "POST", "PUT", "DELETE"}), IsEmpty());
     error = 0;
