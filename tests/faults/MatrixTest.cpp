@@ -3,6 +3,7 @@
 
 #include "faults/Matrix.h"
 
+#include <algorithm>
 #include <curl/curl.h>
 #include <filesystem>
 #include <iostream>

@@ -4,6 +4,7 @@
 #include "base/Json.h"
 #include "wire/ArrayInterface.h"
 
+#include <algorithm>
 #include <memory>
 
 using namespace arraysim;

@@ -9,6 +9,7 @@
 #include "watch/Faults.h"
 #include "wire/ArrayInterface.h"
 
+#include <algorithm>
 #include <memory>
 
 using namespace arraysim;

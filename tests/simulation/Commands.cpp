@@ -2,6 +2,7 @@
 
 #include "simulation/Host.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <set>

@@ -4,6 +4,7 @@
 
 #include <tessel/Failure.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <optional>

@@ -3,6 +3,7 @@
 
 #include "simulation/Host.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstring>

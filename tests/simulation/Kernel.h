@@ -5,6 +5,7 @@
 #include "simulation/SimulatedArray.h"
 #include "simulation/Tree.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <optional>

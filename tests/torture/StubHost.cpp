@@ -2,6 +2,7 @@
 
 #include "Faults.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>

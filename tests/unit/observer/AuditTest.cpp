@@ -10,6 +10,7 @@
 #include <tessel/Audit.h>
 #include <tessel/Exception.h>
 
+#include <algorithm>
 #include <dlfcn.h>
 #include <filesystem>
 #include <sched.h>

@@ -11,6 +11,7 @@
 
 #include <tessel/Observer.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <regex>

@@ -4,6 +4,7 @@
 
 #include <LogRoom.h>
 
+#include <algorithm>
 #include <atomic>
 #include <sys/wait.h>
 #include <sys/xattr.h>
