@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
+#include <utility>
 
 namespace tesselctl {
 namespace {

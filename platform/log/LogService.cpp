@@ -5,6 +5,7 @@
 
 #include <ovra/threads/ThreadNumber.h>
 
+#include <new>
 #include <pthread.h>
 #include <system_error>
 #include <unistd.h>

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <openssl/crypto.h>
 #include <openssl/rand.h>

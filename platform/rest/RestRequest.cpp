@@ -11,6 +11,8 @@
 #include "Settings.h"
 #include "Transfer.h"
 
+#include <new>
+
 using namespace ovra::rest;
 
 class __attribute__((visibility("hidden"))) RestRequest::Impl

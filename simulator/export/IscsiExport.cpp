@@ -5,6 +5,7 @@
 #include "model/Record.h"
 #include "types/Common.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace fs = std::filesystem;

@@ -9,6 +9,8 @@
 #include "watch/Journal.h"
 #include "wire/ArrayInterface.h"
 
+#include <thread>
+
 namespace arraysim {
 
 /** What it serves with. */

@@ -4,7 +4,12 @@
 #include <httplib.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 namespace arraysim {
 

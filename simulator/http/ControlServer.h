@@ -3,6 +3,8 @@
 
 #include "http/ArrayServer.h"
 
+#include <thread>
+
 namespace arraysim {
 
 /** What the control interface tells about the array, so that a test needs only the control port. */

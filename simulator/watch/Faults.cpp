@@ -6,6 +6,7 @@
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <map>
 
 namespace arraysim {
 namespace {

@@ -8,6 +8,7 @@
 #include <openssl/rand.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 namespace arraysim {

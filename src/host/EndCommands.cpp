@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <sys/syscall.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <vector>

@@ -3,6 +3,7 @@
 #include <ovra/threads/ThreadNumber.h>
 
 #include <algorithm>
+#include <new>
 #include <unistd.h>
 #include <utility>
 

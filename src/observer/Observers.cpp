@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <pthread.h>
 #include <unistd.h>
 #include <utility>

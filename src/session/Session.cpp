@@ -5,6 +5,7 @@
 #include <ovra/rest/UserManager.h>
 
 #include <cstring>
+#include <new>
 #include <optional>
 
 using namespace ovra::tessel;

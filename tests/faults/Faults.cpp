@@ -3,7 +3,9 @@
 #include <ovra/rest/RestRequest.h>
 
 #include <climits>
+#include <cstdio>
 #include <curl/curl.h>
+#include <utility>
 
 using tessel_test::Behaviour;
 using tessel_test::Certificate;

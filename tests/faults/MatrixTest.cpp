@@ -7,6 +7,7 @@
 #include <curl/curl.h>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <set>
 
 namespace {

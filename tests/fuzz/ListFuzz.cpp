@@ -2,6 +2,9 @@
 // whole.
 #include "FuzzTarget.h"
 
+#include <optional>
+#include <string_view>
+
 #include <AnswerReader.h>
 
 #include <json/value.h>

@@ -3,6 +3,7 @@
 #include <base/Json.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 namespace simulation {

@@ -2,11 +2,13 @@
 
 #include "StubHost.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <openssl/crypto.h>
 #include <poll.h>
 #include <stdexcept>

@@ -1,6 +1,7 @@
 #include "Cli.h"
 
 #include <sstream>
+#include <utility>
 
 using ::testing::HasSubstr;
 using ::testing::Not;

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <sys/mount.h>
 #include <sys/prctl.h>
+#include <utility>
 
 using ::testing::HasSubstr;
 

@@ -1,5 +1,7 @@
 #include "Cli.h"
 
+#include <utility>
+
 using ::testing::HasSubstr;
 using ::testing::Not;
 

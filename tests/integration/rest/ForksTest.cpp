@@ -1,6 +1,7 @@
 #include "RestFixture.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <sys/wait.h>
 #include <thread>

@@ -6,6 +6,7 @@
 #include <array>
 #include <fcntl.h>
 #include <fstream>
+#include <new>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>

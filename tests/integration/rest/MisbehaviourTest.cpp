@@ -1,5 +1,7 @@
 #include "RestFixture.h"
 
+#include <chrono>
+
 namespace tessel_test {
 namespace {
 

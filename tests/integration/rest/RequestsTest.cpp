@@ -1,5 +1,7 @@
 #include "RestFixture.h"
 
+#include <utility>
+
 namespace tessel_test {
 namespace {
 

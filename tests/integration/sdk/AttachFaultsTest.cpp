@@ -2,6 +2,9 @@
 
 #include "AttachFixture.h"
 
+#include <iostream>
+#include <sstream>
+
 namespace {
 
 struct Way

@@ -3,6 +3,7 @@
 #include "LoggedIn.h"
 
 #include <fstream>
+#include <iostream>
 
 namespace {
 

@@ -11,8 +11,10 @@
 #include <chrono>
 #include <fcntl.h>
 #include <future>
+#include <iterator>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 using namespace arraysim;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <stdexcept>
 #include <system_error>
 #include <vector>
 

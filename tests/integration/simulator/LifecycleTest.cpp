@@ -6,6 +6,7 @@
 
 #include <arpa/inet.h>
 #include <array>
+#include <atomic>
 #include <cstdio>
 #include <fstream>
 #include <ifaddrs.h>

@@ -2,7 +2,9 @@
 #include "Codes.h"
 #include "TlsConnection.h"
 
+#include <algorithm>
 #include <fstream>
+#include <memory>
 
 using testing::HasSubstr;
 

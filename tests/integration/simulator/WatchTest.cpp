@@ -1,5 +1,8 @@
 #include "ArrayTest.h"
+
 #include "Codes.h"
+#include <sstream>
+#include <stdexcept>
 
 using testing::HasSubstr;
 using testing::Not;

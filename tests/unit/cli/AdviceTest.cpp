@@ -1,5 +1,7 @@
 #include "session/Advice.h"
 
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

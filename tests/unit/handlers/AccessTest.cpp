@@ -2,6 +2,8 @@
 
 #include "unit/handlers/HandlerTest.h"
 
+#include <map>
+
 namespace {
 
 using namespace handlers;

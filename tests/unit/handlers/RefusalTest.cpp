@@ -2,6 +2,8 @@
 
 #include "unit/handlers/HandlerTest.h"
 
+#include <cctype>
+
 namespace {
 
 using namespace handlers;

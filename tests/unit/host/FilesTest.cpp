@@ -2,6 +2,8 @@
 
 #include <ovra/disk/Files.h>
 
+#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <future>

@@ -4,6 +4,7 @@
 #include <tessel/Observer.h>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <string>

@@ -8,6 +8,7 @@
 #include <LogRoom.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <dlfcn.h>

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <thread>

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <string_view>
 
 namespace ovra::log {
 namespace {

@@ -1,3 +1,5 @@
+#include <string_view>
+
 #include <Answer.h>
 
 #include <gtest/gtest.h>

@@ -4,6 +4,9 @@
 #include <json/value.h>
 
 #include <cstring>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace ovra::rest {
 namespace {

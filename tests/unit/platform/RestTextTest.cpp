@@ -11,6 +11,8 @@
 
 #include <limits>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace ovra::rest {
 namespace {

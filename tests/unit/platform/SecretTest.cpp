@@ -10,6 +10,7 @@
 #include <cstring>
 #include <malloc.h>
 #include <new>
+#include <optional>
 
 namespace {
 

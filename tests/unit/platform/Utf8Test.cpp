@@ -1,6 +1,7 @@
 #include <ovra/text/Utf8.h>
 
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace ovra {
 namespace {
