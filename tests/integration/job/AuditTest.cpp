@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <unistd.h>
 
@@ -16,15 +17,18 @@ using namespace ovra::tessel;
 
 namespace {
 
-/** The lines that this process has written to the audit log. */
+/** The lines of this process in the audit log; before them those of earlier ones that had its number. */
 std::vector<Json::Value> auditLines()
 {
-    std::vector<Json::Value> lines;
+    std::set<std::filesystem::path> files; // one for each day
     for (const auto& entry : std::filesystem::directory_iterator(Log_Directory())) {
-        if (entry.path().filename().string().find("Tessel_audit_") != 0) {
-            continue;
+        if (entry.path().filename().string().find("Tessel_audit_") == 0) {
+            files.insert(entry.path());
         }
-        std::ifstream file(entry.path());
+    }
+    std::vector<Json::Value> lines;
+    for (const std::filesystem::path& path : files) {
+        std::ifstream file(path);
         for (std::string line; std::getline(file, line);) {
             std::istringstream stream(line);
             Json::Value value;
