@@ -131,11 +131,14 @@ Asked askPage83(const std::string& path, Opened how)
     return {inquiry.isGood() ? std::string(page, page + PAGE_BYTES) : "", inquiry.error()};
 }
 
-/** Throws where what was not done is nothing that a device answers, but a want of this process. */
+/** Throws where what was not done is nothing that a device answers, but what this process lacks, or may not.
+ */
 void requireAsked(const std::string& path, int error)
 {
-    if (error == EMFILE || error == ENFILE || error == ENOMEM) {
-        throw Unreadable(path, error);
+    for (const int own : {EMFILE, ENFILE, ENOMEM, EACCES, EPERM}) {
+        if (error == own) {
+            throw Unreadable(path, error);
+        }
     }
 }
 

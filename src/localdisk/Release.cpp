@@ -56,7 +56,26 @@ private:
     };
 
     /** Every disk that is the object, or was it and is dead. */
-    Sight look() const { return lookForOurs(m_job, m_ways.all); }
+    Sight look() const
+    {
+        Sight sight = lookForOurs(m_job, m_ways.all);
+        if (!m_isForced) {
+            std::for_each(sight.silent.begin(), sight.silent.end(),
+                          [&](const disk::ScsiDisk& disk) { requireNode(disk); });
+        }
+        return sight;
+    }
+
+    /** One without a node cannot be asked, and is not dead. A new one's is waited for. */
+    void requireNode(const disk::ScsiDisk& disk) const
+    {
+        const Deadline deadline(m_job.options.stepSeconds);
+        while (isWithoutNode(disk)) {
+            if (!deadline.pause()) {
+                m_job.fail(withoutNode(disk) + "; let the host's /dev be seen here, and call again");
+            }
+        }
+    }
 
     void writeBack(const Sight& sight, std::chrono::seconds limit) const
     {
@@ -115,7 +134,8 @@ private:
             stays.clear();
             for (const std::vector<disk::ScsiDisk>* disks : {&sight.ours, &sight.silent}) {
                 for (const disk::ScsiDisk& disk : *disks) {
-                    const std::string problem = removeDisk(m_job, disk, [&] { return changed(disk); });
+                    const std::string problem =
+                        removeDisk(m_job, disk, [&] { return changed(disk, disks == &sight.silent); });
                     tellStep(problem.empty() ? HostEvent::REMOVED : HostEvent::REFUSED, "/dev/" + disk.name,
                              problem);
                     stays = problem.empty() ? stays : problem;
@@ -150,11 +170,11 @@ private:
     }
 
     /** Why a disk may not go any more: somebody has another one at its place. */
-    std::string changed(const disk::ScsiDisk& disk) const
+    std::string changed(const disk::ScsiDisk& disk, bool wasSilent) const
     {
         const disk::ScsiDisk itself = disk::scsiDisk(disk.name).value_or(disk);
         Sight now = lookAt(m_job, {itself}, m_job.step());
-        if (!disk.isRunning() && !now.ours.empty()) { // it has come back: what waited for it can reach it
+        if (wasSilent && !now.ours.empty()) { // it has come back: what waited for it can reach it
             tessel::writeBack(m_job, now.ours, m_job.step(), m_isForced);
             now = lookAt(m_job, {itself}, m_job.step());
         }

@@ -2,6 +2,7 @@
 
 #include "localdisk/AskAll.h"
 
+#include <ovra/disk/Files.h>
 #include <ovra/disk/ReadIdentity.h>
 
 #include <algorithm>
@@ -71,6 +72,20 @@ Sight lookAtTargets(const DiskJob& job, const std::vector<std::string>& hosts, s
         }
     }
     return lookAt(job, disks, limit);
+}
+
+bool isWithoutNode(const disk::ScsiDisk& disk)
+{
+    if (disk::isThere("/dev/" + disk.name)) {
+        return false;
+    }
+    const std::optional<disk::ScsiDisk> now = disk::scsiDisk(disk.name); // else it goes with its node
+    return now && now->address == disk.address && now->isRunning();
+}
+
+std::string withoutNode(const disk::ScsiDisk& disk)
+{
+    return "the kernel has the disk " + disk.name + ", and there is no /dev/" + disk.name + " here";
 }
 
 std::string differenceOf(const DiskJob& job, const std::string& name)

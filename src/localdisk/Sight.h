@@ -30,6 +30,10 @@ Sight lookForOurs(const DiskJob& job, const std::vector<std::string>& hosts);
 /** Looks at one disk of each target: enough to tell which of them hangs. */
 Sight lookAtTargets(const DiskJob& job, const std::vector<std::string>& hosts, std::chrono::seconds limit);
 
+/** Whether the kernel has a disk, running, that has no node here: nothing can be asked of it. */
+bool isWithoutNode(const disk::ScsiDisk& disk);
+std::string withoutNode(const disk::ScsiDisk& disk); ///< says so
+
 /** Asks one disk whether it is the object; "" when it is, else what it is instead. */
 std::string differenceOf(const DiskJob& job, const std::string& name);
 

@@ -124,6 +124,7 @@ void Kernel::scan(const std::string& host)
 void Kernel::show(const Disk& disk)
 {
     const std::string folder = BLOCK + disk.name;
+    m_tree.put("/dev/" + disk.name, "");
     m_tree.put(folder + "/dev", numberOf(disk.name) + "\n");
     m_tree.put(folder + "/size", std::to_string(disk.bytes / SECTOR_BYTES) + "\n");
     m_tree.put(folder + "/ro", "0\n");
@@ -150,6 +151,7 @@ void Kernel::remove(Disk& disk)
 {
     const std::string name = disk.name;
     const unsigned instance = disk.instance;
+    m_tree.erase("/dev/" + name);
     m_tree.erase(BLOCK + name);
     m_tree.erase(DEVICES + disk.address());
     m_disks.erase(name);

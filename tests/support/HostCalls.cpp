@@ -103,6 +103,10 @@ int pclose(FILE* stream)
 
 int access(const char* path, int mode) noexcept
 {
+    HostSeam* const seam = HostSeam::active();
+    if (seam != nullptr && isDisk(path)) {
+        return seam->access(path);
+    }
     return isBroken(path) ? -1 : next<&access>("access")(placeOf(path).c_str(), mode);
 }
 

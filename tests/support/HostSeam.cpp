@@ -222,6 +222,13 @@ int HostSeam::open(const std::string& path, int flags)
     return fd;
 }
 
+int HostSeam::access(const std::string& path)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto disk = disks.find(path.substr(path.rfind('/') + 1));
+    return disk == disks.end() || disk->second.openError == ENOENT ? failWith(ENOENT) : 0;
+}
+
 bool HostSeam::owns(int fd)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

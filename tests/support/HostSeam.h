@@ -101,6 +101,7 @@ public:
     std::FILE* popen(const std::string& command);
     int pclose(std::FILE* stream);
     int open(const std::string& path, int flags);
+    int access(const std::string& path); ///< of a disk
     int ioctl(int fd, unsigned long request, void* argument);
     int fsync(int fd);
     int semget(int key, int count, int flags);

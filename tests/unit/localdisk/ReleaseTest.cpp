@@ -164,12 +164,12 @@ TEST_P(ReleaseOfADiskThatCannotBeAsked, IsNotTakenForOneOfADeadDisk)
     EXPECT_THAT(order({"flush: "}), testing::SizeIs(2));
 }
 
-INSTANTIATE_TEST_SUITE_P(ForWant, ReleaseOfADiskThatCannotBeAsked,
-                         testing::Values(Want{&SeamDisk::openError, EMFILE},
-                                         Want{&SeamDisk::openError, ENFILE},
-                                         Want{&SeamDisk::openError, ENOMEM},
-                                         Want{&SeamDisk::inquiryError, ENOMEM}),
-                         [](const auto& test) { return "Test" + std::to_string(test.index); });
+INSTANTIATE_TEST_SUITE_P(
+    ForWant, ReleaseOfADiskThatCannotBeAsked,
+    testing::Values(Want{&SeamDisk::openError, EMFILE}, Want{&SeamDisk::openError, ENFILE},
+                    Want{&SeamDisk::openError, ENOMEM}, Want{&SeamDisk::openError, EACCES},
+                    Want{&SeamDisk::openError, EPERM}, Want{&SeamDisk::inquiryError, ENOMEM}),
+    [](const auto& test) { return "Test" + std::to_string(test.index); });
 
 TEST_F(ReleaseOfADisk, RemovesOneThatCannotBeOpenedForItsOwnReasonAsADeadOne)
 {
@@ -177,6 +177,53 @@ TEST_F(ReleaseOfADisk, RemovesOneThatCannotBeOpenedForItsOwnReasonAsADeadOne)
     seam.disks["sdc"].openError = ENXIO;
     EXPECT_EQ(released(), "");
     EXPECT_FALSE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, TakesOneThatHasNoNodeHereForNoDeadOne)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].openError = ENOENT;
+    EXPECT_THAT(released(),
+                HasSubstr("the kernel has the disk sdc, and there is no /dev/sdc here; let the host's "
+                          "/dev be seen here, and call again"));
+    EXPECT_TRUE(isThere());
+    EXPECT_THAT(order({"semop", "POST", "PUT", "DELETE"}), IsEmpty());
+    EXPECT_EQ(released(true), "") << "unless it is forced";
+    EXPECT_FALSE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, WritesBackToOneWhoseNodeComesJustNow)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].openError = ENOENT;
+    onKernel = [&] {
+        seam.disks["sdc"].openError = 0;
+        onKernel = nullptr;
+    };
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(order({"flush: "}), testing::Not(IsEmpty()));
+}
+
+TEST_F(ReleaseOfADisk, TakesOneThatGoesWithItsNodeForADeadOne)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].openError = ENOENT;
+    onKernel = [&] { seam.write("/sys/devices/1:0:0:1/state", "cancel\n"); };
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+}
+
+TEST_F(ReleaseOfADisk, WritesBackToOneThatAnswersOnlyWhenItIsToGo)
+{
+    add(KernelDisk());
+    int asked = 0;
+    seam.onInquiry = [&](const std::string&) {
+        return ++asked <= 3;
+    }; // three looks: before, with, and for the end
+    EXPECT_EQ(released(), "");
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(order({"flush: "}), ElementsAre("flush: sdc"));
 }
 
 TEST_F(ReleaseOfADisk, RefusesADeadOneThatIsMounted)

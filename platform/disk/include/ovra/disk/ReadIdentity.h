@@ -24,9 +24,9 @@ std::optional<std::string> readPage83(const std::string& path);
 DiskIdentity readIdentity(const std::string& path);
 
 // The same for those who take silence for an answer: these throw Unreadable where it is this process that
-// cannot ask, for want of a descriptor or memory. They open the device to be read only: after one that was
-// open to be written udev looks at it anew, for seconds with many of them, and a map on it cannot be removed
-// meanwhile.
+// cannot ask, for want of a descriptor, memory or the right to. They open the device to be read only: after
+// one that was open to be written udev looks at it anew, for seconds with many of them, and a map on it
+// cannot be removed meanwhile.
 
 /** Who a device is; empty texts when it does not answer. */
 DiskIdentity askIdentity(const std::string& path);
