@@ -4,7 +4,9 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 // Steps that may hang in the kernel: each is done on a thread of its own, which is left to itself when it
@@ -29,6 +31,32 @@ std::optional<Result> within(std::chrono::seconds limit, const std::function<Res
  * up are left.
  */
 void doWithin(std::chrono::seconds limit, const std::vector<std::function<void()>>& steps);
+
+/** The results of steps that are done so; a default one for each that is left, and for one that is null. */
+template <class Result>
+std::vector<Result> allWithin(std::chrono::seconds limit, const std::vector<std::function<Result()>>& steps)
+{
+    struct Results
+    {
+        std::mutex mutex;
+        std::vector<Result> all;
+    };
+    const auto results = std::make_shared<Results>();
+    results->all.resize(steps.size());
+    std::vector<std::function<void()>> kept;
+    for (size_t i = 0; i < steps.size(); ++i) {
+        if (steps[i]) {
+            kept.emplace_back([results, i, step = steps[i]] {
+                Result result = step();
+                const std::lock_guard<std::mutex> guard(results->mutex);
+                results->all[i] = std::move(result);
+            });
+        }
+    }
+    doWithin(limit, kept);
+    const std::lock_guard<std::mutex> guard(results->mutex);
+    return results->all;
+}
 
 } // namespace ovra::tessel
 

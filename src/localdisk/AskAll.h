@@ -6,8 +6,8 @@
 #include <ovra/disk/ReadIdentity.h>
 #include <ovra/disk/ScsiDisks.h>
 
-#include <memory>
-#include <mutex>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,26 +22,13 @@ template <class Answer>
 std::vector<Answer> askAll(const std::vector<disk::ScsiDisk>& disks, std::chrono::seconds limit,
                            Answer (*ask)(const std::string& path))
 {
-    struct Answers
-    {
-        std::mutex mutex;
-        std::vector<Answer> all;
-    };
-    const auto answers = std::make_shared<Answers>();
-    answers->all.resize(disks.size());
-    std::vector<std::function<void()>> steps;
+    std::vector<std::function<Answer()>> questions(disks.size());
     for (size_t i = 0; i < disks.size(); ++i) {
         if (disks[i].isRunning()) {
-            steps.emplace_back([answers, i, ask, path = "/dev/" + disks[i].name] {
-                const Answer answer = ask(path);
-                const std::lock_guard<std::mutex> guard(answers->mutex);
-                answers->all[i] = answer;
-            });
+            questions[i] = [ask, path = "/dev/" + disks[i].name] { return ask(path); };
         }
     }
-    doWithin(limit, steps);
-    const std::lock_guard<std::mutex> guard(answers->mutex);
-    return answers->all;
+    return allWithin(limit, questions);
 }
 
 /** Asks all disks who they are. @return none for each that did not even fail in time. */

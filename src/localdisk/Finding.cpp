@@ -2,6 +2,7 @@
 
 #include "host/Limited.h"
 #include "localdisk/Removal.h"
+#include "localdisk/WriteWithin.h"
 #include "observer/Steps.h"
 #include "session/Log.h"
 
@@ -103,14 +104,14 @@ private:
         if (m_scans == 1) { // nothing was found where it seemed to be
             m_hosts.insert(m_hosts.end(), m_ways.others.begin(), m_ways.others.end());
         }
-        std::vector<std::function<void()>> scans;
+        std::vector<std::function<std::string()>> scans;
         for (const std::string& host : m_hosts) {
-            scans.emplace_back([host] { disk::writeFile(disk::scanFileOf(host), disk::SCAN_ALL); });
+            scans.push_back(writing(disk::scanFileOf(host), disk::SCAN_ALL));
         }
         COMMLOG(OS_LOG_INFO, "Scanning the SCSI hosts %s for %s.", listed(m_hosts).c_str(),
                 m_job.name().c_str());
         const TimedScan timed(listed(m_hosts));
-        doWithin(m_job.step(), scans);
+        m_unscanned = allWithin(m_job.step(), scans);
         const Deadline deadline(m_job.options.stepSeconds);
         while (disk::hasUnfinishedDisks(m_hosts) && deadline.pause()) {
         }
@@ -166,9 +167,13 @@ private:
     {
         std::vector<std::string> reasons;
         for (const disk::ScsiDisk& disk : sight.silent) {
-            reasons.push_back("/dev/" + disk.name + " is " + disk.state + " and does not answer");
+            reasons.push_back(isWithoutNode(disk)
+                                  ? withoutNode(disk)
+                                  : "/dev/" + disk.name + " is " + disk.state + " and does not answer");
         }
         reasons.insert(reasons.end(), m_ways.away.begin(), m_ways.away.end());
+        std::copy_if(m_unscanned.begin(), m_unscanned.end(), std::back_inserter(reasons),
+                     [](const std::string& reason) { return !reason.empty(); });
         m_job.fail("no disk of this host answers as it after " + std::to_string(m_job.options.findSeconds) +
                    " s" + (reasons.empty() ? "" : ": " + listed(reasons)) +
                    "; it is visible to this host, and the same call again goes on from there");
@@ -179,6 +184,7 @@ private:
     std::vector<std::string> m_hosts; ///< that are scanned
     const std::function<void()>& m_show;
     const Deadline m_end;
+    std::vector<std::string> m_unscanned; ///< why, for those of the last scan that were not
     bool m_isScanned = false;
     unsigned m_scans = 0;
     unsigned m_shownAt = 4; ///< scans that have found nothing

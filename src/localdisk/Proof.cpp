@@ -24,6 +24,14 @@ void readSizes(const DiskJob& job, const std::vector<std::string>& names)
     doWithin(job.step(), steps);
 }
 
+/** Fails, unless it is for one of them that has gone. */
+[[noreturn]] void failFor(const DiskJob& job, const std::vector<std::string>& names,
+                          const std::string& reason)
+{
+    static_cast<void>(disksNow(names));
+    job.fail(reason);
+}
+
 /** @return the size that all paths have. */
 std::uint64_t checkPaths(const DiskJob& job, const std::vector<std::string>& names, Sizes sizes)
 {
@@ -37,11 +45,13 @@ std::uint64_t checkPaths(const DiskJob& job, const std::vector<std::string>& nam
     }
     for (const disk::ScsiDisk& disk : found) {
         if (disk.bytes != bytes) {
-            job.fail("/dev/" + disk.name + " has " + bytesText(disk.bytes) + " where " +
-                     (job.bytes != 0 ? "the array tells " : "another path has ") + bytesText(bytes));
+            failFor(job, names,
+                    "/dev/" + disk.name + " has " + bytesText(disk.bytes) + " where " +
+                        (job.bytes != 0 ? "the array tells " : "another path has ") + bytesText(bytes));
         }
         if (disk.isReadOnly != found.front().isReadOnly || (disk.isReadOnly && job.volume.type == MO_LUN)) {
-            job.fail("/dev/" + (disk.isReadOnly ? disk.name : found.front().name) + " is read-only");
+            failFor(job, names,
+                    "/dev/" + (disk.isReadOnly ? disk.name : found.front().name) + " is read-only");
         }
     }
     return bytes;
@@ -52,8 +62,7 @@ void askAgain(const DiskJob& job, const std::vector<std::string>& names)
     for (const std::string& name : names) {
         const std::string difference = differenceOf(job, name);
         if (!difference.empty()) {
-            static_cast<void>(disksNow(names)); // says so when it has gone
-            job.fail(difference + " by now; call again");
+            failFor(job, names, difference + " by now; call again");
         }
     }
 }

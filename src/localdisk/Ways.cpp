@@ -1,5 +1,7 @@
 #include "localdisk/Ways.h"
 
+#include "job/Tries.h"
+
 #include <ovra/disk/ScsiDisks.h>
 #include <ovra/disk/ScsiHosts.h>
 
@@ -10,13 +12,25 @@
 namespace ovra::tessel {
 namespace {
 
+/** The host that the array counts an initiator to. */
+std::string hostWith(const DiskJob& job, bool isFC, const std::string& initiator)
+{
+    const Array array(*job.manager);
+    return whileBusy(job.options.access, [&] {
+        return isFC ? array.fcInitiators()->getFCInitiator(initiator).PARENTID
+                    : array.iscsiInitiators()->getIscsiInitiator(initiator).PARENTID;
+    });
+}
+
 /** Whether the array counts an initiator to a host; it may not know the initiator at all. */
-bool belongsTo(const Array& array, const disk::ScsiHost& host, const std::string& hostID)
+bool belongsTo(const DiskJob& job, const disk::ScsiHost& host, const std::string& hostID)
 {
     try {
-        return hostID == (host.isFC ? array.fcInitiators()->getFCInitiator(host.initiator).PARENTID
-                                    : array.iscsiInitiators()->getIscsiInitiator(host.initiator).PARENTID);
-    } catch (const OvraAPIExceptionWithErrCode&) {
+        return hostWith(job, host.isFC, host.initiator) == hostID;
+    } catch (const OvraAPIExceptionWithErrCode& refusal) {
+        if (isBusy(refusal)) { // it may know it
+            throw;
+        }
         return false;
     }
 }
@@ -25,12 +39,11 @@ using Known = std::map<std::pair<bool, std::string>, bool>; // whether an initia
 
 Ways waysOf(const DiskJob& job, const std::string& hostID, Known known)
 {
-    const Array array(*job.manager);
     Ways ways;
     for (const disk::ScsiHost& host : disk::scsiHosts()) {
         const auto key = std::make_pair(host.isFC, host.initiator);
         if (known.count(key) == 0) {
-            known[key] = belongsTo(array, host, hostID);
+            known[key] = belongsTo(job, host, hostID);
         }
         if (known[key]) {
             ways.all.push_back(host.number);
@@ -75,9 +88,7 @@ std::vector<std::string> takeOthers(const DiskJob& job, std::vector<std::string>
 
 std::string hostOf(const DiskJob& job, const HostInitiator& initiator)
 {
-    const Array array(*job.manager);
-    return initiator.isFC ? array.fcInitiators()->getFCInitiator(initiator.id).PARENTID
-                          : array.iscsiInitiators()->getIscsiInitiator(initiator.id).PARENTID;
+    return hostWith(job, initiator.isFC, initiator.id);
 }
 
 Ways waysOf(const DiskJob& job, const HostInitiator& initiator, const std::string& hostID)

@@ -9,14 +9,17 @@
 
 namespace ovra::tessel {
 
+std::function<std::string()> writing(const std::string& file, const std::string& text)
+{
+    return [=] {
+        const int error = disk::writeFile(file, text) ? 0 : errno;
+        return error == 0 ? std::string() : file + ": " + std::system_category().message(error);
+    };
+}
+
 std::string writeWithin(std::chrono::seconds limit, const std::string& file, const std::string& text)
 {
-    const std::optional<int> error =
-        within<int>(limit, [=] { return disk::writeFile(file, text) ? 0 : errno; });
-    if (!error) {
-        return file + " does not answer";
-    }
-    return *error == 0 ? "" : file + ": " + std::system_category().message(*error);
+    return within<std::string>(limit, writing(file, text)).value_or(file + " does not answer");
 }
 
 } // namespace ovra::tessel

@@ -3,7 +3,10 @@
 #include "localdisk/Finding.h"
 #include "unit/observer/Recorder.h"
 
+#include <tessel/Failure.h>
+
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <future>
 #include <set>
@@ -114,6 +117,24 @@ TEST_F(FindingADisk, SaysWhatIsInTheWayOfTheSearch)
         HasSubstr("no disk of this host answers as it after 0 s: /dev/sdc is transport-offline and does "
                   "not answer, session2 to iqn.2020-01.test:array is FAILED; it is visible to this "
                   "host, and the same call again goes on from there"));
+}
+
+TEST_F(FindingADisk, SaysWhyAHostWasNotScanned)
+{
+    options.findSeconds = 2;
+    std::filesystem::remove(seam.root + "/sys/class/scsi_host/host1/scan");
+    EXPECT_THAT(found(),
+                HasSubstr("no disk of this host answers as it after 2 s: "
+                          "/sys/class/scsi_host/host1/scan: No such file or directory; it is visible"));
+}
+
+TEST_F(FindingADisk, SaysThatItHasNoNodeHere)
+{
+    add(KernelDisk());
+    seam.disks["sdc"].openError = ENOENT;
+    EXPECT_THAT(found(),
+                HasSubstr("after 0 s: the kernel has the disk sdc, and there is no /dev/sdc here; it is "
+                          "visible"));
 }
 
 TEST_F(FindingADisk, ShowsTheObjectAgainWhenSeveralScansFindNothing)
@@ -283,6 +304,56 @@ TEST_F(FindingADisk, TakesASessionForAnotherArraysByItsDisksAlone)
     EXPECT_THAT(found.online, testing::ElementsAre("1", "3", "4"));
     EXPECT_THAT(found.others, testing::ElementsAre("2"));
     EXPECT_THAT(found.all, testing::SizeIs(4));
+}
+
+/** A second initiator of this host, which the array counts to the same host of its own. */
+class WaysOfTwoInitiators : public FindingADisk
+{
+protected:
+    WaysOfTwoInitiators()
+    {
+        addSession("2");
+        seam.write("/sys/devices/platform/host2/session2/initiatorname", "iqn.2020-01.test:second\n");
+        options.access.tries = 3;
+    }
+
+    std::vector<std::string> all()
+    {
+        platform.replyWith([this](const SentRequest& request) {
+            if (request.path == "/lun/7") {
+                return Reply::object(lun);
+            }
+            return refusals-- > 0 ? Reply::error(code) : Reply::object(R"({"ID":"i","PARENTID":"4"})");
+        });
+        return waysOf(job(), HostInitiator::iscsi("iqn.2020-01.test:host"), "4").all;
+    }
+
+    int refusals = 0; ///< that come before the array's answer
+    int code = ARRAY_NOT_READY;
+};
+
+TEST_F(WaysOfTwoInitiators, AreThoseOfBoth)
+{
+    EXPECT_THAT(all(), testing::ElementsAre("1", "2"));
+}
+
+TEST_F(WaysOfTwoInitiators, AreThoseOfBothWhenTheArrayIsBusyMeanwhile)
+{
+    refusals = 2;
+    EXPECT_THAT(all(), testing::ElementsAre("1", "2"));
+}
+
+TEST_F(WaysOfTwoInitiators, AreNotToldWhileTheArrayIsTooBusyToTell)
+{
+    refusals = 3;
+    EXPECT_THROW(all(), OvraAPIExceptionWithErrCode);
+}
+
+TEST_F(WaysOfTwoInitiators, AreThoseOfOneWhenTheArrayDoesNotKnowTheOther)
+{
+    refusals = 1;
+    code = 77;
+    EXPECT_THAT(all(), testing::ElementsAre("1"));
 }
 
 TEST_F(FindingADisk, TakesNoSessionForAnotherArraysWhereAllSeemToBe)
