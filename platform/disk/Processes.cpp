@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <fcntl.h>
 #include <iterator>
+#include <map>
 #include <set>
+#include <sys/stat.h>
 
 namespace ovra::disk {
 namespace {
@@ -26,14 +29,38 @@ bool isCaretaker(const std::string& program)
     return std::find(std::begin(CARETAKERS), std::end(CARETAKERS), program) != std::end(CARETAKERS);
 }
 
-/** What a process has open; nothing where this one may not see it. */
+/** The number of the block device behind a path, e.g. "8:33"; empty where there is none. */
+std::string deviceNumber(const std::string& path)
+{
+    struct statx file = {};
+    // A file on a server that does not answer is not waited for: it is no device.
+    if (statx(AT_FDCWD, path.c_str(), AT_STATX_DONT_SYNC, STATX_TYPE, &file) != 0) {
+        if (errno == ENOMEM) {
+            throw Unreadable(path, errno);
+        }
+        return "";
+    }
+    return S_ISBLK(file.stx_mode)
+               ? std::to_string(file.stx_rdev_major) + ":" + std::to_string(file.stx_rdev_minor)
+               : "";
+}
+
+/**
+ * The paths of what a process has open, and the numbers of the devices among it; nothing where this process
+ * may not see it.
+ */
 std::set<std::string> openIn(const std::string& process, const std::string& root)
 {
     const std::string folder = std::string(root).append("/proc/").append(process).append("/fd");
     std::set<std::string> open;
     try {
         for (const std::string& descriptor : namesThere(folder)) {
-            open.insert(targetThere(std::string(folder).append("/").append(descriptor)));
+            const std::string link = std::string(folder).append("/").append(descriptor);
+            const std::string path = targetThere(link);
+            open.insert(path);
+            if (path.compare(0, 1, "/") == 0) { // no socket, and no pipe
+                open.insert(deviceNumber(link));
+            }
         }
     } catch (const Unreadable& problem) {
         if (problem.error != EACCES && problem.error != EPERM) {
@@ -58,13 +85,19 @@ std::vector<std::string> processes(const std::string& root)
 
 std::vector<std::string> openersOf(const std::vector<std::string>& nodes, const std::string& root)
 {
+    std::map<std::string, std::string> numbers;
+    for (const std::string& node : nodes) {
+        numbers[node] = valueThere(std::string(root).append("/sys/class/block/").append(node).append("/dev"));
+    }
     std::vector<std::string> openers;
     for (const std::string& process : processes(root)) {
         const std::string program = programOf(process, root);
         const std::set<std::string> open =
             isCaretaker(program) ? std::set<std::string>() : openIn(process, root);
         for (const std::string& node : nodes) {
-            if (open.count("/dev/" + node) != 0) {
+            const std::string& number = numbers[node];
+            const bool isNumberOpen = !number.empty() && open.count(number) != 0;
+            if (isNumberOpen || open.count("/dev/" + node) != 0) {
                 openers.push_back(std::string(node)
                                       .append(" is open in process ")
                                       .append(process)

@@ -94,7 +94,9 @@ std::vector<std::string> usesOf(const std::vector<disk::ScsiDisk>& disks,
     }
     if (map) {
         add(map->node);
-        names.push_back(map->node);
+        if (std::find(names.begin(), names.end(), map->node) == names.end()) { // it has lost its paths
+            names.push_back(map->node);
+        }
     }
     return uses.empty() ? lastingOpeners(names) : std::vector<std::string>(uses.begin(), uses.end());
 }

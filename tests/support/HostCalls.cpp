@@ -16,6 +16,8 @@
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/sem.h>
+#include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -121,6 +123,22 @@ DIR* opendir(const char* path)
 ssize_t readlink(const char* path, char* target, size_t size) noexcept
 {
     return isBroken(path) ? -1 : next<&readlink>("readlink")(placeOf(path).c_str(), target, size);
+}
+
+int statx(int folder, const char* path, int flags, unsigned int mask, struct statx* file) noexcept
+{
+    const HostSeam* const seam = HostSeam::active();
+    const auto device = seam != nullptr ? seam->devices.find(path) : decltype(seam->devices.begin())();
+    if (seam != nullptr && seam->lacking == path) {
+        errno = ENOMEM;
+        return -1;
+    }
+    if (seam == nullptr || device == seam->devices.end()) {
+        return next<&statx>("statx")(folder, placeOf(path).c_str(), flags, mask, file);
+    }
+    file->stx_mode = S_IFBLK | 0660;
+    std::tie(file->stx_rdev_major, file->stx_rdev_minor) = device->second;
+    return 0;
 }
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept

@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 /** A SCSI disk as a test describes it. */
@@ -65,9 +66,12 @@ public:
     bool hasNoDescriptors = false; ///< no file and no directory can be opened to be read
     std::string outOfReach;        ///< one that cannot, for want of a descriptor at that moment
     std::string broken;            ///< of which access() and readlink() fail with EIO
+    std::string lacking;           ///< of which statx() fails with ENOMEM
 
     /** Called by usleep(), and by a poll() that waits. */
     std::function<void()> onUsleep;
+
+    std::map<std::string, std::pair<unsigned, unsigned>> devices; ///< numbers of block devices, by path
 
     /** What is read, by path, in place of the file. */
     std::map<std::string, std::string> files;

@@ -169,6 +169,11 @@ ssize_t readlink(const char* path, char* target, size_t size) noexcept
     return failsCall(EIO) ? -1 : next("readlink", &readlink)(path, target, size);
 }
 
+int statx(int folder, const char* path, int flags, unsigned int mask, struct statx* file) noexcept
+{
+    return failsCall(ENOMEM) ? -1 : next("statx", &statx)(folder, path, flags, mask, file);
+}
+
 DIR* opendir(const char* path)
 {
     return failsCall(EMFILE) ? nullptr : next("opendir", &opendir)(path);

@@ -40,6 +40,14 @@ exec 5<"$path"
 said=$(refused disk-release-lun "$lun") || exit 1
 expect "nor one that somebody reads: $said" grep -q "is open in process $$" <<<"$said"
 exec 5<&-
+mount -t tmpfs tmpfs /run/lab/mounted
+read -r major minor < <(tr : " " <"/sys/class/block/$(disk_name "$path")/dev")
+mknod /run/lab/mounted/volume b "$major" "$minor"
+exec 5</run/lab/mounted/volume
+umount -l /run/lab/mounted # as the node of a container: no path of this host leads to it
+said=$(refused disk-release-lun "$lun") || exit 1
+expect "nor one that a container reads: $said" grep -q "is open in process $$" <<<"$said"
+exec 5<&-
 expect "released" timed 2000 sdk disk-release-lun "$lun"
 same "the host's disks are as they were" "$(host_disks)" "$before"
 expect "released twice" sdk disk-release-lun "$lun"

@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(OutOfReach, ReleaseOfADiskWhoseUsesAreNotKnown,
                          testing::Values("/sys/block/sdc", "/sys/block/sdc/dev", "/sys/block/sdc/holders",
                                          "/sys/fs/btrfs/", "/sys/fs/btrfs/system/devices", "/proc/",
                                          "/proc/77/fd", "/proc/77/comm", "/proc/77/mountinfo",
-                                         "/proc/self/mountinfo", "/proc/swaps"));
+                                         "/sys/class/block/sdc/dev", "/proc/self/mountinfo", "/proc/swaps"));
 
 class ReleaseOfADiskOfWhichALookFails : public ReleaseOfADisk, public testing::WithParamInterface<const char*>
 {

@@ -2,6 +2,8 @@
 
 #include "localdisk/Removal.h"
 
+#include <ovra/disk/Files.h>
+
 #include <filesystem>
 #include <unistd.h>
 
@@ -98,6 +100,30 @@ TEST_F(RemovalOfADisk, HasAUseInAProcessThatHasItOpen)
     seam.clock = 0;
     seam.onUsleep = nullptr;
     EXPECT_THAT(uses(), ElementsAre("sdc is open in process 4711 (dd)"));
+}
+
+TEST_F(RemovalOfADisk, HasAUseInAProcessThatHasItOpenByAnotherName)
+{
+    addMapped();
+    seam.write("/sys/class/block/sdc/dev", "8:32\n");
+    seam.write("/sys/class/block/dm-3/dev", "253:3\n");
+    seam.write("/proc/4711/comm", "qemu-system-x86\n");
+    seam.link("/proc/4711/fd/3", "/data/volume");
+    seam.link("/proc/4711/fd/4", "/dev/sdb");
+    seam.link("/proc/4711/fd/5", "socket:[8]");
+    seam.devices = {{"/proc/4711/fd/3", {253, 3}}, {"/proc/4711/fd/4", {8, 16}}};
+    seam.clock = 0;
+    seam.onUsleep = nullptr;
+    EXPECT_THAT(uses(), ElementsAre("dm-3 is open in process 4711 (qemu-system-x86)"));
+}
+
+TEST_F(RemovalOfADisk, HasUsesThatCannotBeToldWhereTheKernelLacksMemory)
+{
+    add(KernelDisk());
+    seam.write("/proc/4711/comm", "qemu-system-x86\n");
+    seam.link("/proc/4711/fd/3", "/data/volume");
+    seam.lacking = "/proc/4711/fd/3";
+    EXPECT_THROW(uses(), ovra::disk::Unreadable);
 }
 
 TEST_F(RemovalOfADisk, WaitsForWhatUdevRunsForAMoment)

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// The processes of this host, as /proc shows them. The root, where one is given, stands before /proc.
-// Unreadable is thrown where it cannot be told what there is.
+// The processes of this host, as /proc shows them. The root, where one is given, stands before /proc and
+// /sys. Unreadable is thrown where it cannot be told what there is.
 
 namespace ovra::disk {
 
@@ -13,8 +13,8 @@ namespace ovra::disk {
 std::vector<std::string> processes(const std::string& root = std::string());
 
 /**
- * Who has one of these nodes ("sdc", "dm-3") open, e.g. "sdc is open in process 4711 (dd)". Those that look
- * after all disks, udev and multipathd, are left out.
+ * Who has one of these nodes ("sdc", "dm-3") open, by this name or by another one, as in a container, e.g.
+ * "sdc is open in process 4711 (dd)". Those that look after all disks, udev and multipathd, are left out.
  */
 std::vector<std::string> openersOf(const std::vector<std::string>& nodes,
                                    const std::string& root = std::string());
