@@ -22,7 +22,7 @@ namespace torture {
 namespace {
 
 constexpr int LIMIT_MS = 20000; // of a trial that takes a fraction of a second
-constexpr int REPEATS = 12;     // after which what has grown each time is a leak; each may meet another place
+constexpr int REPEATS = 4;      // after which what has grown each time is a leak
 constexpr key_t RESCAN_KEY = 1235;
 
 /** What a trial tells by numbers. */
