@@ -15,6 +15,9 @@ struct Exception
 constexpr Exception EXCEPTIONS[] = {
     {true, "terminate called without an active exception", "",
      "the C++ library itself had no memory when the process started, and so none for an exception"},
+    {true, "(SSL_set0_", "",
+     "OpenSSL 3.5's SSL_set_connect_state() cannot say that it had no memory; libcurl goes on without its "
+     "buffers"},
     {false, "libcrypto.so.3", "the next round fails, loginDevice: says no",
      "OpenSSL starts once; where it could not it never works in this process, and each login says no"},
 };

@@ -24,6 +24,7 @@ Plan g_plan;
 Places* g_places;
 std::atomic<long> g_count{0};
 std::atomic<bool> g_hasFired{false};
+std::atomic<uint64_t> g_place{0};
 int g_stackFile = -1;
 std::atomic<long> g_blocks{0};
 thread_local int t_aside = 0;
@@ -46,19 +47,35 @@ void tellStack(int file)
     backtrace_symbols_fd(frames, backtrace(frames, 64), file);
 }
 
+/** Whether this call is the one that is planned. @param place 0 where it was not wanted. */
+bool isPlanned(long number, uint64_t place)
+{
+    return g_plan.place == 0 ? number == g_plan.number : !g_hasFired && place == g_plan.place;
+}
+
 bool isDue()
 {
     const long number = g_count++;
-    if (g_places != nullptr && number < static_cast<long>(Places::MOST)) {
+    const bool isCounted = g_places != nullptr && number < static_cast<long>(Places::MOST);
+    const bool isReached = g_plan.number >= 0 && number >= g_plan.number;
+    uint64_t place = 0;
+    if (isCounted || (isReached && !g_hasFired)) {
         const Aside aside;
-        g_places->hashes[number] = stackHash();
+        place = stackHash();
     }
-    const bool isDue = g_plan.number >= 0 &&
-                       (number == g_plan.number || (g_plan.mode == Mode::LASTING && number > g_plan.number));
-    if (isDue && !g_hasFired.exchange(true) && g_stackFile >= 0) {
-        tellStack(g_stackFile);
+    if (isCounted) {
+        g_places->hashes[number] = place;
     }
-    return isDue;
+    if (!isReached || !(isPlanned(number, place) || (g_plan.mode == Mode::LASTING && g_hasFired))) {
+        return false;
+    }
+    if (!g_hasFired.exchange(true)) {
+        g_place = place;
+        if (g_stackFile >= 0) {
+            tellStack(g_stackFile);
+        }
+    }
+    return true;
 }
 
 /** Tells where the process has come to its end. */
@@ -130,6 +147,11 @@ void tellWhereItFires(int file)
 bool hasFired()
 {
     return g_hasFired;
+}
+
+uint64_t placeFired()
+{
+    return g_place;
 }
 
 long liveBlocks()

@@ -27,6 +27,7 @@ struct Plan
     Family family;
     Mode mode;
     long number;
+    uint64_t place = 0; ///< not that one then, but from it on the first of this place
 };
 
 /** The stacks of the calls that were counted, a hash each; memory that processes share. */
@@ -43,6 +44,8 @@ void arm(const Plan& plan, Places* places = nullptr);
 long disarm();
 /** Whether a call has failed since the last arm(). */
 bool hasFired();
+/** The place of the first call that has failed since then, as a hash of its stack. */
+uint64_t placeFired();
 /** The first call that fails writes its stack to this file. */
 void tellWhereItFires(int file);
 /** Blocks of memory that are in use. */

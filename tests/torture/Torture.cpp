@@ -58,7 +58,7 @@ struct Kind
 struct Totals
 {
     std::atomic<long> calls, places, trials, fired, crashes, declared[std::size(EXCEPTIONS)], hangs, leaks,
-        sessions, wrong, told;
+        unknown, sessions, wrong, told;
 };
 
 const std::map<std::string, Family>& families()
@@ -189,6 +189,7 @@ private:
         }
         totals.hangs += verdict.hangs ? 1 : 0;
         totals.leaks += verdict.leaks ? 1 : 0;
+        totals.unknown += verdict.isUnknown ? 1 : 0;
         const bool isLeft =
             !verdict.hangs && verdict.isSessionKnown && m_array.counters()["sessions"].asUInt() != 0;
         totals.sessions += isLeft ? 1 : 0;
@@ -278,18 +279,18 @@ int startWorker(const Options& options, unsigned index, const std::vector<Kind>&
 bool print(const std::vector<Kind>& kinds, const Totals* totals)
 {
     long bad = 0;
-    std::printf("%-28s %8s %7s %7s %7s %8s %9s %6s %6s %9s %6s\n", "", "calls", "places", "trials", "failed",
-                "crashes", "declared", "hangs", "leaks", "sessions", "wrong");
+    std::printf("%-28s %8s %7s %7s %7s %8s %9s %6s %6s %8s %9s %6s\n", "", "calls", "places", "trials",
+                "failed", "crashes", "declared", "hangs", "leaks", "unknown", "sessions", "wrong");
     for (size_t i = 0; i < kinds.size(); ++i) {
         const Totals& each = totals[i];
         long declared = 0;
         for (const auto& count : each.declared) {
             declared += count;
         }
-        std::printf("%-28s %8ld %7ld %7ld %7ld %8ld %9ld %6ld %6ld %9ld %6ld\n", kinds[i].name.c_str(),
+        std::printf("%-28s %8ld %7ld %7ld %7ld %8ld %9ld %6ld %6ld %8ld %9ld %6ld\n", kinds[i].name.c_str(),
                     each.calls.load(), each.places.load(), each.trials.load(), each.fired.load(),
-                    each.crashes.load(), declared, each.hangs.load(), each.leaks.load(), each.sessions.load(),
-                    each.wrong.load());
+                    each.crashes.load(), declared, each.hangs.load(), each.leaks.load(), each.unknown.load(),
+                    each.sessions.load(), each.wrong.load());
         bad += each.crashes + each.hangs + each.leaks + each.sessions + each.wrong;
     }
     for (size_t i = 0; i < std::size(EXCEPTIONS); ++i) {
@@ -298,7 +299,7 @@ bool print(const std::vector<Kind>& kinds, const Totals* totals)
             count += totals[kind].declared[i];
         }
         if (count != 0) {
-            std::printf("declared: %ld crashes in %s: %s\n", count, EXCEPTIONS[i].where, EXCEPTIONS[i].what);
+            std::printf("declared: %ld in %s: %s\n", count, EXCEPTIONS[i].where, EXCEPTIONS[i].what);
         }
     }
     return bad == 0;

@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/sem.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr int LIMIT_MS = 20000; // of a trial that takes a fraction of a second
 constexpr int REPEATS = 4;      // after which what has grown each time is a leak
+constexpr int MOST_REPEATS = 8; // for rounds that do not come to the place
 constexpr key_t RESCAN_KEY = 1235;
 
 /** What a trial tells by numbers. */
@@ -31,6 +33,7 @@ struct Result
     bool hasFired;
     bool isSessionKnown;
     bool leaks;
+    bool isUnknown; ///< whether it leaks: the place is not reached again
     long blocks;
 };
 
@@ -70,17 +73,6 @@ long entriesIn(const char* directory)
 
 struct Use
 {
-    Use()
-    {
-        for (int looks = 0; entriesIn("/proc/self/task") > 1 && looks < 2000; ++looks) {
-            const timespec pause = {0, 500000}; // a thread that has done its work is about to end
-            nanosleep(&pause, nullptr);
-        }
-        OPENSSL_thread_stop(); // its queue of errors grows to a limit
-        blocks = liveBlocks();
-        descriptors = entriesIn("/proc/self/fd");
-    }
-
     bool isMoreThan(const Use& other) const
     {
         return blocks > other.blocks || descriptors > other.descriptors;
@@ -89,6 +81,16 @@ struct Use
     long blocks = 0;
     long descriptors = 0;
 };
+
+Use inUse()
+{
+    for (int looks = 0; entriesIn("/proc/self/task") > 1 && looks < 2000; ++looks) {
+        const timespec pause = {0, 500000}; // a thread that has done its work is about to end
+        nanosleep(&pause, nullptr);
+    }
+    OPENSSL_thread_stop(); // its queue of errors grows to a limit
+    return {liveBlocks(), entriesIn("/proc/self/fd")};
+}
 
 /** What is to work whatever was before. */
 Use afterGoodRound(const Target& target, Mode mode)
@@ -107,35 +109,59 @@ Use afterGoodRound(const Target& target, Mode mode)
     if (!isLockFree()) {
         tell("the next round leaves the lock of the scans");
     }
-    return Use();
+    return inUse();
 }
 
-Use afterFault(const Target& target, const Plan& plan, bool& isSessionKnown)
+/** So that each round starts as the first one of its process does: with connections of its own. */
+void endConnections()
 {
-    arm(plan);
-    isSessionKnown = runRound(target).isSessionKnown && isSessionKnown;
-    disarm();
-    return afterGoodRound(target, plan.mode);
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        shutdown(std::atoi(entry.path().filename().c_str()), SHUT_RDWR); // what is no socket stays as it is
+    }
 }
 
-/** The first round is armed. What one fault costs may be kept for good; what each costs is a leak. */
+/**
+ * The first round is armed. What the first fault at a place costs may be kept for good; what each costs is a
+ * leak. The place decides: the call of the same number may be another one in each round, and cost for the
+ * first time again.
+ */
 Result runTrial(const Target& target, const Plan& plan, bool canRepeat, long blocks)
 {
-    const Seen seen = runRound(target);
-    disarm();
-    const bool fired = hasFired();
-    const Use first = afterGoodRound(target, plan.mode);
-    Result result = {fired, seen.isSessionKnown, false, first.blocks};
-    result.leaks = canRepeat && fired && blocks != 0 && first.blocks > blocks;
-    Use before = first;
-    for (int repeats = 0; repeats < REPEATS && result.leaks; ++repeats) {
-        const Use after = afterFault(target, plan, result.isSessionKnown);
-        result.leaks = after.isMoreThan(before);
+    Result result = {false, true, false, false, 0};
+    Plan again = plan;
+    Use first;
+    Use before;
+    int grown = 0;
+    for (int repeats = 0; repeats <= MOST_REPEATS && grown < REPEATS; ++repeats) {
+        result.isSessionKnown = runRound(target).isSessionKnown && result.isSessionKnown;
+        disarm();
+        const bool fired = hasFired();
+        const Use after = afterGoodRound(target, plan.mode);
+        if (repeats == 0) {
+            result.hasFired = fired;
+            result.blocks = after.blocks;
+            if (!canRepeat || !fired || blocks == 0 || after.blocks <= blocks) {
+                return result;
+            }
+            again.place = placeFired();
+            again.number = 0;
+            first = after;
+        } else if (fired) {
+            if (!after.isMoreThan(before)) {
+                return result;
+            }
+            ++grown;
+        }
         before = after;
+        endConnections();
+        arm(again);
     }
+    disarm();
+    result.leaks = grown == REPEATS;
+    result.isUnknown = !result.leaks;
     if (result.leaks) {
         dprintf(STDERR_FILENO,
-                "in use after a fault: %ld blocks, %ld descriptors; after %d more %ld and %ld\n",
+                "in use after a fault: %ld blocks, %ld descriptors; after %d more there %ld and %ld\n",
                 first.blocks, first.descriptors, REPEATS, before.blocks, before.descriptors);
     }
     return result;
@@ -242,6 +268,7 @@ Verdict Trials::run(State state, const Plan& plan, long blocks, bool isLook)
         verdict.hasFired = result.hasFired;
         verdict.isSessionKnown = result.isSessionKnown;
         verdict.leaks = result.leaks;
+        verdict.isUnknown = result.isUnknown;
         verdict.blocks = result.blocks;
     }
     return verdict;

@@ -23,9 +23,10 @@ struct Verdict
     bool hangs = false;
     bool isSessionKnown = true;
     bool leaks = false;
-    long blocks = 0;   ///< in use in the end
-    std::string told;  ///< what was wrong, by lines; where it crashed
-    std::string stack; ///< of the first call that failed
+    bool isUnknown = false; ///< whether it leaks: later rounds did not come to the place
+    long blocks = 0;        ///< in use in the end
+    std::string told;       ///< what was wrong, by lines; where it crashed
+    std::string stack;      ///< of the first call that failed
 };
 
 /** Runs trials, each in a process of its own. */
