@@ -12,6 +12,7 @@ import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 HEADER = os.path.join(HERE, "Mutant.h")
+STATEMENT = re.compile(r"(if|for|while|switch|return)\b")
 KINDS = ("operator", "condition", "boundary", "off-by-one", "left-out", "key", "text", "level", "code", "value")
 LINE = re.compile(r"^(?P<kind>[a-z-]+) +`(?P<old>[^`]+)`(?: -> `(?P<new>[^`]+)`)?(?: in `(?P<within>[^`]+)`)?$")
 MOST = 1 << 22  # as in Mutant.h
@@ -55,6 +56,8 @@ def read(root, lost=None):
                 match = LINE.match(line)
                 if not line or line.startswith("#"):
                     continue
+                if match and match["kind"] != "left-out" and STATEMENT.match(match["old"]):
+                    raise ListError("%s:%d: is no expression: %s" % (name, count, line))
                 if match and file and match["kind"] in KINDS:
                     mutants.append(Mutant(file, match["kind"], match["old"], match["new"], match["within"]))
                 elif line.startswith("survives: ") and mutants:

@@ -99,7 +99,8 @@ class Command(unittest.TestCase):
         for wrong, reason in ((LIST.replace("`++steps;`", "`++stop;`"), "stands 0 times in the file"),
                               (LIST.replace(" in `int i = 0`", ""), r"stands \d+ times in the file"),
                               (LIST + "  left-out `++steps;`\n", "twice"),
-                              (LIST + "  steps `0` -> `1`\n", "cannot be read")):
+                              (LIST + "  steps `0` -> `1`\n", "cannot be read"),
+                              (LIST + "  condition `if (true)` -> `if (false)`\n", "is no expression")):
             status, said = self.mutate(wrong)
             self.assertEqual(status, 2, said)
             self.assertRegex(said, reason)
