@@ -17,11 +17,9 @@ constexpr long SECONDS_OF_A_DAY = 86400;
 constexpr std::string_view SUFFIX = ".log";
 constexpr std::string_view DATE_FORM = "dddd-dd-dd";
 
+/** @param text as long as the form. */
 std::optional<Date> parseDate(std::string_view text)
 {
-    if (text.size() != DATE_FORM.size()) {
-        return std::nullopt;
-    }
     for (size_t i = 0; i < text.size(); ++i) {
         if (DATE_FORM[i] == 'd' ? text[i] < '0' || text[i] > '9' : text[i] != DATE_FORM[i]) {
             return std::nullopt;

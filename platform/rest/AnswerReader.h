@@ -23,7 +23,6 @@ public:
 
     /** Takes the next part; false when the answer is too large. */
     bool add(std::string_view part);
-    bool isEmpty() const { return m_size == 0; }
     /** Begins anew. */
     void clear() { *this = AnswerReader(m_member.c_str()); }
     /** The answer, behind its last part; nothing when it is too large, or cannot be read. */

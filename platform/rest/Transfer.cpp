@@ -44,6 +44,7 @@ int Transfer::perform()
     }
     CURLcode code = attempt(Reuse::Allowed);
     if (m_request.method == REST_GET && m_reused && diedUnanswered(code)) {
+        forgetAnswer();
         code = attempt(Reuse::Forbidden);
     }
     if (m_outOfMemory) {
@@ -58,7 +59,6 @@ int Transfer::perform()
 
 CURLcode Transfer::attempt(Reuse reuse)
 {
-    forgetAnswer();
     HeaderList headers(m_request);
     ConnectionPool& pool = ConnectionPool::instance();
     Connection connection = pool.take(connectionKey(m_request.server, m_settings));
@@ -132,9 +132,7 @@ CURLcode Transfer::drive(Connection& connection)
 void Transfer::forgetAnswer()
 {
     m_headers = HeaderLines();
-    if (!m_reader.isEmpty()) {
-        m_reader.clear();
-    }
+    m_reader.clear();
     m_headerBytes = 0;
     m_sendings = 0;
     m_error.front() = '\0';

@@ -209,6 +209,18 @@ TEST_F(RestRequests, ResponseHeadersComeInUsualCapitalsFromTheFinalResponseOnly)
               outcome.headers);
 }
 
+TEST_F(RestRequests, WithoutALimitOfTimeAreAnswered)
+{
+    MisbehavingServer server;
+    for (const auto& [connecting, whole] : {std::pair(0L, 0L), std::pair(0L, 60L), std::pair(60L, 0L)}) {
+        RestSettings settings = RestGetSettings();
+        settings.connectTimeoutSeconds = connecting;
+        settings.timeoutSeconds = whole;
+        RestSetSettings(settings);
+        EXPECT_EQ(0, send(server.url()).result) << connecting << ", " << whole;
+    }
+}
+
 TEST_F(RestRequests, TheHttpStatusDoesNotMatterWhereAnAnswerIsPresent)
 {
     MisbehavingServer server;

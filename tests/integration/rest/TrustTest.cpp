@@ -130,9 +130,13 @@ TEST_F(RestTrust, OnlyTheExplicitOptOutTrustsEverybody)
     RestSettings settings = trusting();
     settings.caFile.clear();
     settings.insecure = true;
-    RestSetSettings(settings);
-    MisbehavingServer server(showing(Certificate::Expired));
-    EXPECT_EQ(0, send(server.url()).result);
+    for (const std::string& pin :
+         {std::string(), TestCertificates::instance().pinnedKey(Certificate::Good)}) {
+        settings.pinnedKey = pin;
+        RestSetSettings(settings);
+        MisbehavingServer server(showing(Certificate::Expired));
+        EXPECT_EQ(0, send(server.url()).result) << pin;
+    }
 }
 
 TEST_F(RestTrust, AConnectionMadeWithoutProofIsNotUsedOnceProofIsAskedFor)

@@ -151,6 +151,23 @@ TEST_F(RescanLock, ThatCouldNotBeGivenBackIsGivenBackByWhoeverWantsItNext)
     EXPECT_EQ(seam.semaphoreValue, 1) << "else this process would wait for itself";
 }
 
+TEST_F(RescanLock, ThatStillCannotBeGivenBackIsGivenBackAsSoonAsItCanBe)
+{
+    EXPECT_EQ(lock.GetLock(), 0);
+    seam.semctlFails = true;
+    seam.semopErrors = {EACCES};
+    EXPECT_EQ(lock.ReleaseLock(), -1);
+    for (const int process : {getpid(), -1}) { // -1: who had it last cannot be told
+        seam.semaphorePid = process;
+        EXPECT_EQ(lock.getSem(), 41);
+        EXPECT_EQ(seam.semaphoreValue, 0);
+    }
+    seam.semctlFails = false;
+    seam.semaphorePid = getpid();
+    EXPECT_EQ(lock.getSem(), 41);
+    EXPECT_EQ(seam.semaphoreValue, 1);
+}
+
 TEST_F(RescanLock, ThatCouldNotBeGivenBackIsNotTakenFromWhoeverHasItByThen)
 {
     EXPECT_EQ(lock.GetLock(), 0);

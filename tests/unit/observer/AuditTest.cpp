@@ -74,6 +74,15 @@ TEST(Audit, SaysInOneLineWhoShowedWhatToWhomAndWhen)
     EXPECT_FALSE(value.isMember("lockSeconds"));
 }
 
+TEST(Audit, NamesAllObjectsOfAKind)
+{
+    OperationEvent event = shown();
+    event.objects = {{"lun", "17", "data"}, {"lun", "18", ""}, {"lun", "19", "logs"}};
+    const Json::Value value = parsed(auditLine(event));
+    EXPECT_EQ(value["lun"], "17, 18, 19");
+    EXPECT_EQ(value["lunName"], "data, logs");
+}
+
 TEST(Audit, TellsOfTheWaitForTheLockAndOfTheFailure)
 {
     OperationEvent event = shown();

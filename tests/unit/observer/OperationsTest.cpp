@@ -16,6 +16,7 @@
 #include <fstream>
 #include <regex>
 #include <set>
+#include <sys/wait.h>
 #include <tuple>
 
 using namespace handlers;
@@ -393,6 +394,71 @@ TEST(ObservedBodies, NameAnObjectByTheMembersThatAreMadeForIt)
     EXPECT_EQ(std::make_tuple(own.type, own.id, own.name), std::make_tuple(11UL, "7", "data"));
     EXPECT_STREQ(kinds::of(own.type), "lun");
     EXPECT_STREQ(kinds::of(4711), "object");
+}
+
+TEST(ObservedCalls, ThatAreLeftWithoutAResultAreNotTheThreadsAnyMore)
+{
+    const Recording recording;
+    {
+        const Observation outer("outer", nullptr);
+        {
+            const Observation inner("inner", nullptr);
+            EXPECT_EQ(Observation::ofThread(), &inner);
+        }
+        EXPECT_EQ(Observation::ofThread(), &outer);
+    }
+    EXPECT_EQ(Observation::ofThread(), nullptr);
+    EXPECT_TRUE(recording->operations.empty());
+}
+
+TEST(ObservedCalls, NameEachObjectOnceWhateverElseHasItsId)
+{
+    const Recording recording;
+    Observation job("job", nullptr, Observation::Level::JOB);
+    Observation call("call", nullptr);
+    for (const char* const kind : {kinds::LUN, kinds::HOST, kinds::LUN}) {
+        call.names(kind, "7");
+        call.names(kind, "8");
+    }
+    Observation::jobsName(kinds::HOST, "3");
+    call.ended(0);
+    job.ended(0);
+    ASSERT_EQ(recording->operations.size(), 2U);
+    EXPECT_EQ(objectsOf(recording->operations[0]), "lun 7, lun 8, host 7, host 8");
+    EXPECT_EQ(objectsOf(recording->operations[1]), "host 3");
+}
+
+TEST(ObservedSteps, AreAChangeOfTheirCallWhereTheyChangeTheHost)
+{
+    for (const auto& [step, isChange] :
+         {std::pair(HostEvent::SCANNED, true), std::pair(HostEvent::REMOVED, true),
+          std::pair(HostEvent::RENEWED, true), std::pair(HostEvent::FOUND, false)}) {
+        const Recording recording;
+        Observation call("call", nullptr);
+        tellStep(step, "/dev/sdc");
+        call.ended(0);
+        EXPECT_EQ(recording->calls("call").at(0).isChange, isChange) << nameOf(step);
+    }
+}
+
+TEST(ObservedSteps, ThatWaitInAParentAreNotToldByItsChild)
+{
+    const Recording recording;
+    beginUntold();
+    tellStep(HostEvent::SCANNED, "/dev/sdc");
+    tellStep(HostEvent::FOUND, "/dev/sdd");
+    const pid_t child = fork();
+    if (child == 0) {
+        tellStep(HostEvent::REMOVED, "/dev/sde"); // its own
+        endUntold();
+        _exit(recording->stepLines() == std::vector<std::string>{"removed /dev/sde"} ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(recording->steps.empty());
+    endUntold();
+    EXPECT_EQ(recording->stepLines().size(), 2U);
 }
 
 TEST(ObservedSteps, OutsideOfAnyCallAreToldAsThisThreadsOwn)

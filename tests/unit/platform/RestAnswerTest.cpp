@@ -61,7 +61,7 @@ TEST(Answers, ACodeBeyondTheInterfacesNumbersIsTheLargestWithItsDigitsInTheDescr
 TEST(Answers, ACodeThatIsNoIntegerCannotBeRead)
 {
     for (const char* code : {"null", "true", "1.5", "\"\"", "\" 1\"", "\"1 \"", "\"0x1\"", "\"1.0\"", "{}",
-                             "[0]", "-2147483649", "1e300", "18446744073709551616"}) {
+                             "[0]", "-2147483649", "\"-2147483649\"", "1e300", "18446744073709551616"}) {
         EXPECT_FALSE(parseAnswer(std::string(R"({"error":{"code":)") + code + "}}")) << code;
     }
     EXPECT_FALSE(parseAnswer(R"({"error":{"description":"d"}})"));

@@ -3,6 +3,7 @@
 #include <JsonBody.h>
 #include <RequestTarget.h>
 #include <ServerAddress.h>
+#include <TransferOptions.h>
 
 #include <ovra/rest/OvraTool.h>
 #include <ovra/rest/RestResponse.h>
@@ -11,6 +12,7 @@
 
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -81,6 +83,27 @@ TEST(FailureNotes, SayNothingOfASystemThatSaidNothing)
     noteTransfer(handle.get(), CURLE_COULDNT_CONNECT, false, "nobody is there", {});
     EXPECT_STREQ("nobody is there", failureNote().text);
     EXPECT_EQ(REST_NOT_CONNECTED, failureNote().phase);
+}
+
+TEST(FailureNotes, OfARequestWithoutAnAddressSayWhatFailedAllTheSame)
+{
+    failureNote() = RestFailure{};
+    noteResult(REST_INTERNAL_ERROR, std::nullopt);
+    EXPECT_STREQ("a failure on this side", failureNote().text);
+    EXPECT_EQ(REST_INTERNAL_ERROR, failureNote().result);
+}
+
+TEST(HeaderLists, HaveNoLineForAValueThatIsEmptyOrBlank)
+{
+    HttpRequest request;
+    request.headers = {{"Empty", ""}, {"Blank", " \t"}, {"iBaseToken", " x "}};
+    HeaderList list(request);
+    std::vector<std::string> lines;
+    for (const curl_slist* item = list.get(); item != nullptr; item = item->next) {
+        lines.emplace_back(item->data);
+    }
+    EXPECT_EQ((std::vector<std::string>{"Content-Type: application/json", "Expect:", "iBaseToken: x"}),
+              lines);
 }
 
 TEST(JsonStrings, AreEscapedSoThatTheyReadBackTheSame)

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -98,6 +99,19 @@ std::string foundIn(const std::string& listing, unsigned int dirSize = 1024)
         return std::strcmp(dir, "as it was") == 0 ? "-" : std::string("changed to ") + dir;
     }
     return dir;
+}
+
+TEST(ModuleDirectory, IsNotKnownToAProcessWithoutDescriptors)
+{
+    rlimit before = {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none = {0, before.rlim_max};
+    char dir[1024] = "as it was";
+    setrlimit(RLIMIT_NOFILE, &none);
+    const int result = GetModuleFilePath("libc.so", dir, sizeof(dir));
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(result, -1);
+    EXPECT_STREQ(dir, "as it was");
 }
 
 const std::string MAP = "7f8a4c000000-7f8a4c021000 r-xp 00000000 08:01 1311 ";
