@@ -186,6 +186,20 @@ TEST_F(AttachAndDetach, OneHostsDetachLeavesAnotherHostsAccess)
     EXPECT_EQ(seen(other), 1U);
 }
 
+TEST_F(AttachAndDetach, ADetachAsksNoMoreWhateverOtherHostsSeeTheLun)
+{
+    std::vector<size_t> requests;
+    for (const char* const more : {"web2", "web3", "web4"}) {
+        anotherHost(more);
+        expect(0, {"attach", "lun", lun, "--initiator", iqnOf(more)});
+        expect(0, attach());
+        array.clearJournal();
+        expect(0, detach());
+        requests.push_back(array.journal().size());
+    }
+    EXPECT_THAT(requests, testing::Each(requests.front()));
+}
+
 TEST_F(AttachAndDetach, DetachOfAllHostsTakesItOutOfTheGroupsOfAttachesAndKeepsThem)
 {
     const std::string other = anotherHost("web2");

@@ -262,6 +262,20 @@ TEST_F(LogFaults, WithoutTheLockNothingIsWrittenHereOrElsewhere)
     EXPECT_FALSE(std::filesystem::exists(state()));
 }
 
+TEST_F(LogFaults, NoFolderStaysOpenAlsoWhereTheApplicationHasClosedItsInput)
+{
+    limit();
+    const int input = dup(0);
+    close(0);
+    EXPECT_EQ(0, start());
+    run("text");
+    struct stat status = {};
+    EXPECT_FALSE(fstat(0, &status) == 0 && S_ISDIR(status.st_mode));
+    dup2(input, 0);
+    close(input);
+    EXPECT_EQ(1U, linesOf(runLog()).size());
+}
+
 TEST_F(LogFaults, WhereNothingCanBeRemovedTheLimitHoldsAllTheSame)
 {
     limit();
