@@ -202,7 +202,8 @@ private:
     static bool isOne(const Exception& exception, const Verdict& verdict)
     {
         if (exception.isCrash) {
-            return verdict.hasCrashed && verdict.told.find(exception.where) != std::string::npos;
+            return verdict.hasCrashed && verdict.told.find(exception.where) != std::string::npos &&
+                   verdict.stack.find(exception.told) != std::string::npos;
         }
         return !verdict.hasCrashed && !verdict.hangs &&
                verdict.stack.find(exception.where) != std::string::npos &&

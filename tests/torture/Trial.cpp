@@ -132,7 +132,13 @@ Result runTrial(const Target& target, const Plan& plan, bool canRepeat, long blo
     Use first;
     Use before;
     int grown = 0;
+    bool isAlwaysMore = true;
+    // The first round is one of the loop, for the stack is to be the same each time.
     for (int repeats = 0; repeats <= MOST_REPEATS && grown < REPEATS; ++repeats) {
+        if (repeats > 0) {
+            endConnections();
+            arm(again);
+        }
         result.isSessionKnown = runRound(target).isSessionKnown && result.isSessionKnown;
         disarm();
         const bool fired = hasFired();
@@ -146,23 +152,22 @@ Result runTrial(const Target& target, const Plan& plan, bool canRepeat, long blo
             again.place = placeFired();
             again.number = 0;
             first = after;
-        } else if (fired) {
-            if (!after.isMoreThan(before)) {
+        } else {
+            const bool isMore = after.isMoreThan(before);
+            if (fired && !isMore) {
                 return result;
             }
-            ++grown;
+            grown += fired ? 1 : 0;
+            isAlwaysMore = isAlwaysMore && isMore; // with no fault either
         }
         before = after;
-        endConnections();
-        arm(again);
     }
-    disarm();
-    result.leaks = grown == REPEATS;
+    result.leaks = grown == REPEATS || isAlwaysMore;
     result.isUnknown = !result.leaks;
     if (result.leaks) {
         dprintf(STDERR_FILENO,
                 "in use after a fault: %ld blocks, %ld descriptors; after %d more there %ld and %ld\n",
-                first.blocks, first.descriptors, REPEATS, before.blocks, before.descriptors);
+                first.blocks, first.descriptors, grown, before.blocks, before.descriptors);
     }
     return result;
 }
